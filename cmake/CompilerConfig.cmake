@@ -1,0 +1,20 @@
+# Warnings and sanitizers live on one interface target that every target of this project links.
+add_library(quarvel_compiler INTERFACE)
+target_include_directories(quarvel_compiler INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_definitions(quarvel_compiler INTERFACE QUARVEL_VERSION="${PROJECT_VERSION}")
+
+if(MSVC)
+  target_compile_options(quarvel_compiler INTERFACE /W4 /utf-8)
+else()
+  target_compile_options(quarvel_compiler INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+endif()
+
+if(QUARVEL_WERROR)
+  target_compile_options(quarvel_compiler INTERFACE $<IF:$<CXX_COMPILER_ID:MSVC>,/WX,-Werror>)
+endif()
+
+if(QUARVEL_SANITIZE)
+  # On every target of the tree, or the container checks of mixed objects misfire.
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "core/conversion_settings.h"
+#include "core/report.h"
+#include "core/run_interface.h"
+#include "math/vector.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quarvel {
+
+class SettingsStore;
+
+enum class RunOutcome {
+  Done,    ///< the scene is complete
+  Failed,  ///< the input could not be read or an output not be written; `RunResult::Error` says what
+  Stopped, ///< the user asked the run to stop; the text scene is incomplete, the other outputs are not written
+};
+
+/// What one run did.
+struct RunResult {
+  RunOutcome Outcome = RunOutcome::Done;
+  std::string Error; ///< one sentence without a full stop; empty unless `Failed`
+
+  std::filesystem::path InputFile;
+  std::vector<std::filesystem::path> FilesWritten; ///< scenes, lists of missing resources, scripts; in this order
+  std::vector<std::string> Messages;               ///< the message texts that a window shows in boxes
+  std::vector<std::string> MissingTextures;        ///< sorted, each once; sounds and meshes likewise
+  std::vector<std::string> MissingSounds;
+  std::vector<std::string> MissingMeshes;
+  std::string PreloadScript; ///< empty unless asked for
+
+  int Brushes = 0; ///< brushes and movers converted
+  int Faces = 0;
+  int UniqueMaterials = 0;
+  Bounds3 Bounds = InitBounds(); ///< of the brush geometry, in scene units
+  Report Findings;
+  double Seconds = 0;
+};
+
+/// What survives from one run to the next: the text last read, and the file it came from.
+struct RunMemory {
+  std::string T3DText;
+  std::string LoadedFileName;
+};
+
+/// The two names that a run gives its scenes (and the optional copy).
+struct SceneFileNames {
+  std::filesystem::path Text;     ///< ".wrl" or ".x3dv"; with "-" before it when `CheckAppendDash` applies
+  std::filesystem::path Document; ///< ".x3d", always without the dash
+  std::filesystem::path Copy;     ///< ".xml"; written only with `CheckXMLtoo`
+};
+
+/// Derives the scenes' names from the requested output name, whose extension is replaced.
+SceneFileNames DeriveSceneFileNames(const std::filesystem::path& outFile, const ConversionSettings& settings);
+
+/// Converts one T3D file into one scene. The settings are saved to `store` first. Nothing is thrown: what goes wrong is in
+/// the result. An empty `inFile` does nothing.
+RunResult ConvertFile(const std::filesystem::path& inFile, const std::filesystem::path& outFile,
+                      const ConversionSettings& settings, SettingsStore& store, RunMemory& memory, RunInterface& user);
+
+} // namespace quarvel
