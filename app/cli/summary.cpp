@@ -81,7 +81,7 @@ void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
   if (!IsEmpty(result.Bounds))
     out << "  box: " << FormatVec(result.Bounds.Min) << " to " << FormatVec(result.Bounds.Max) << "\n";
   for (const auto& [what, count] : result.Findings.Counts())
-    out << "  " << count << " " << what << "\n";
+    out << "  " << what << ": " << count << "\n";
   WriteMissing(out, "texture", "textures", result.MissingTextures, inFull);
   WriteMissing(out, "sound", "sounds", result.MissingSounds, inFull);
   WriteMissing(out, "mesh", "meshes", result.MissingMeshes, inFull);

@@ -177,7 +177,7 @@ TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
                        "  wrote a.x3d\n"
                        "  1 brush, 6 faces, 0 materials\n"
                        "  box: 1 2 3 to 1 2 3\n"
-                       "  4 brushes left out as subtractive\n"
+                       "  brushes left out as subtractive: 4\n"
                        "  1 texture missing: T1\n"
                        "  2 sounds missing: S1, S2\n"
                        "  ends in the middle of an actor\n"
