@@ -24,8 +24,7 @@ if [ $# -gt 1 ]; then output=$(absolute "$2"); fi
 mkdir -p "$output"
 base=$(basename "$level")
 scene=$output/${base%.*}
-program=$(find "$root/build/release" -type f -name quarvel -perm -u+x | head -n 1)
-"$program" "${resources[@]}" "$level" "$scene.wrl"
+"$root/build/release/app/quarvel" "${resources[@]}" "$level" "$scene.wrl"
 
 cat <<MESSAGE
 
