@@ -1,0 +1,122 @@
+#include "math/number_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace quarvel {
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+void AppendInteger(std::string& out, long long value) {
+  char buffer[24];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  out.append(buffer, result.ptr);
+}
+
+/// Drops the trailing zeros behind the first decimal.
+void AppendTrimmed(std::string& out, const char* first, const char* last) {
+  const char* point = std::find(first, last, '.');
+  while (last - point > 2 && last[-1] == '0')
+    --last;
+  out.append(first, last);
+}
+
+/// The pattern for values so large, or so near the middle of two texts, that integer arithmetic could round wrongly.
+void AppendExactPattern(std::string& out, double value) {
+  char buffer[400];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 6);
+  AppendTrimmed(out, buffer, result.ptr);
+}
+
+void AppendPattern(std::string& out, double value) {
+  const double millionths = std::fabs(value) * 1e6;
+  const double rounded = std::nearbyint(millionths);
+  if (millionths >= 1e15 || std::fabs(std::fabs(millionths - rounded) - 0.5) < 1e-3) {
+    AppendExactPattern(out, value);
+    return;
+  }
+  const auto whole = static_cast<std::uint64_t>(rounded);
+  if (value < 0) out += '-';
+  AppendInteger(out, static_cast<long long>(whole / 1000000));
+  char decimals[8] = ".000000";
+  std::uint64_t rest = whole % 1000000;
+  for (int i = 6; i > 0 && rest != 0; --i, rest /= 10)
+    decimals[i] = static_cast<char>('0' + rest % 10);
+  AppendTrimmed(out, decimals, decimals + 7);
+}
+
+} // namespace
+
+double ParseLeadingNumber(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size() && (text[at] == ' ' || text[at] == '\t'))
+    ++at;
+  bool negative = false;
+  if (at < text.size() && (text[at] == '+' || text[at] == '-')) negative = text[at++] == '-';
+  // from_chars would read "nan" and "inf", and a second sign.
+  const bool digits = at < text.size() && (IsDigit(text[at]) || (text[at] == '.' && at + 1 < text.size() && IsDigit(text[at + 1])));
+  if (!digits) return 0;
+  double value = 0;
+  const auto result = std::from_chars(text.data() + at, text.data() + text.size(), value);
+  if (result.ec == std::errc::result_out_of_range) {
+    // Too large and too small look alike here: a negative exponent, or a zero before the point, tells the small ones.
+    const std::string_view taken(text.data() + at, static_cast<std::size_t>(result.ptr - text.data()) - at);
+    const bool small = taken.find("e-") != taken.npos || taken.find("E-") != taken.npos || taken.starts_with("0.") || taken.starts_with(".");
+    value = small ? 0 : std::numeric_limits<double>::infinity();
+  }
+  return negative ? -value : value;
+}
+
+long long RoundToInteger(double value, long long low, long long high) {
+  if (std::isnan(value)) return std::clamp(0LL, low, high);
+  const double rounded = std::nearbyint(value);
+  if (rounded <= static_cast<double>(low)) return low;
+  if (rounded >= static_cast<double>(high)) return high;
+  return static_cast<long long>(rounded);
+}
+
+void AppendFlt(std::string& out, double value) {
+  if (!std::isfinite(value) || value == 0 || (value < 0 && value > -0.000001)) {
+    out += '0';
+  } else if (std::fabs(value) < 1e15 && value == std::trunc(value)) {
+    AppendInteger(out, static_cast<long long>(value));
+  } else if (value == std::trunc(value)) {
+    out += FormatGeneral(value);
+  } else {
+    AppendPattern(out, value);
+  }
+}
+
+void AppendVec(std::string& out, const Vector3& value) {
+  AppendFlt(out, value.X);
+  out += ' ';
+  AppendFlt(out, value.Y);
+  out += ' ';
+  AppendFlt(out, value.Z);
+}
+
+std::string FormatFlt(double value) {
+  std::string out;
+  AppendFlt(out, value);
+  return out;
+}
+
+std::string FormatVec(const Vector3& value) {
+  std::string out;
+  AppendVec(out, value);
+  return out;
+}
+
+std::string FormatGeneral(double value) {
+  if (!std::isfinite(value) || value == 0) return "0";
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return std::string(buffer, result.ptr);
+}
+
+} // namespace quarvel

@@ -1,0 +1,83 @@
+#include "scene/brush_placement.h"
+
+#include "math/number_text.h"
+#include "math/rotation.h"
+
+#include <cmath>
+#include <initializer_list>
+
+namespace quarvel {
+
+namespace {
+
+Matrix4 TranslationMatrix(const Vector3& by) {
+  Matrix4 m = IdentityMatrix();
+  m.At(0, 3) = by.X;
+  m.At(1, 3) = by.Y;
+  m.At(2, 3) = by.Z;
+  return m;
+}
+
+Matrix4 ScaleMatrix(const Vector3& scale) { return ScaleMatrix(scale.X, scale.Y, scale.Z); }
+
+/// The matrix that applies the given ones from the first to the last.
+Matrix4 InOrder(std::initializer_list<Matrix4> steps) {
+  Matrix4 product = IdentityMatrix();
+  for (const Matrix4& step : steps)
+    product = MultiplyMatrix(product, step);
+  return product;
+}
+
+bool AllPositive(const Vector3& v) { return v.X > 0 && v.Y > 0 && v.Z > 0; }
+int NegativeComponents(const Vector3& v) { return (v.X < 0) + (v.Y < 0) + (v.Z < 0); }
+
+/// The remainder that a pan of whole texels leaves, with the pan's sign.
+double PanWithin(double pan, int size) { return static_cast<double>(RoundToInteger(pan, -2147483648LL, 2147483647LL) % size); }
+
+} // namespace
+
+BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix) {
+  const Vector3 one{1, 1, 1};
+  const Matrix4 rotation = BrushRotationMatrix(brush.Rotation);
+  const Matrix4 main = ScaleMatrix(brush.MainScale), post = ScaleMatrix(brush.PostScale);
+  const Vector3 product = MultiplyVector(brush.MainScale, brush.PostScale);
+  // The Transform scales before it turns, so it can carry a scale only when none comes after a rotation; and viewers
+  // handle negative scales badly.
+  const bool transformScales = AllPositive(product) && NegativeComponents(brush.MainScale) == 0 &&
+                               (brush.PostScale == one || brush.Rotation == Rotator3());
+  const Matrix4 folded = transformScales ? IdentityMatrix() : InOrder({main, rotation, post, TransposeMatrix(rotation)});
+
+  const Matrix4 toPivot = InOrder({TranslationMatrix(ScaleVector(brush.PrePivot, -1)), ScaleMatrix(1, -1, 1)});
+  const Matrix4 toScene = InOrder({conversionMatrix, ScaleMatrix(worldScale, worldScale, worldScale)});
+  const Vector3 location = ToRightHanded(brush.Location);
+
+  BrushPlacement placement;
+  placement.Translation = FormatVec(TransformPoint(toScene, location));
+  placement.Rotation = RotatorToAxisAngleText(BrushRotator(brush.Rotation), conversionMatrix);
+  const Vector3 scale = transformScales ? product : one;
+  placement.Scale = FormatVec({scale.X, scale.Z, scale.Y});
+  placement.VertexMatrix = InOrder({toPivot, folded, toScene});
+  placement.WorldMatrix = InOrder({toPivot, main, rotation, post, TranslationMatrix(location), toScene});
+  placement.Mirrored = (NegativeComponents(brush.MainScale) + NegativeComponents(brush.PostScale)) % 2 == 1;
+  return placement;
+}
+
+TexturePlane MakeTexturePlane(const PolygonRecord& polygon, int width, int height) {
+  TexturePlane plane;
+  if (VectorLength(polygon.TextureU) == 0 || VectorLength(polygon.TextureV) == 0) return plane;
+  if (width != 0) {
+    plane.U = ScaleVector(polygon.TextureU, 1.0 / width);
+    plane.OffsetU = PanWithin(polygon.PanU, width) / width - DotProduct(polygon.Origin, plane.U);
+  }
+  if (height != 0) {
+    plane.V = ScaleVector(polygon.TextureV, -1.0 / height);
+    plane.OffsetV = (height - PanWithin(polygon.PanV, height)) / height - DotProduct(polygon.Origin, plane.V);
+  }
+  return plane;
+}
+
+TexturePoint TextureCoordinateOf(const TexturePlane& plane, const Vector3& vertex) {
+  return {DotProduct(vertex, plane.U) + plane.OffsetU, DotProduct(vertex, plane.V) + plane.OffsetV};
+}
+
+} // namespace quarvel

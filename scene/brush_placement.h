@@ -1,0 +1,41 @@
+#pragma once
+
+#include "math/matrix.h"
+#include "t3d/brush_record.h"
+
+#include <string>
+
+namespace quarvel {
+
+/// Where a brush stands: the fields of its Transform, and how its vertices are written into it. The editor places a vertex
+/// at Location + PostScale x Rotation x MainScale x (vertex - PrePivot).
+struct BrushPlacement {
+  std::string Translation, Rotation;
+  std::string Scale;     ///< "1 1 1" when the vertices carry it
+  Matrix4 VertexMatrix;  ///< vertex of the brush to point of its Transform, in scene units
+  Matrix4 WorldMatrix;   ///< vertex of the brush to point of the scene
+  bool Mirrored = false; ///< an odd number of scale components is negative, so the winding of the faces is reversed
+};
+
+/// `worldScale` is in scene units per Unreal unit.
+BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix);
+
+/// Texture coordinates of one polygon: two linear functions of a vertex.
+struct TexturePlane {
+  Vector3 U, V;                  ///< gradients, in texture widths and heights per unit
+  double OffsetU = 1, OffsetV = 1;
+};
+
+/// `width` and `height` of the image in pixels; 0 when unknown. An unknown size or an axis of no length makes the
+/// coordinate 1 everywhere.
+TexturePlane MakeTexturePlane(const PolygonRecord& polygon, int width, int height);
+
+/// A texture coordinate pair.
+struct TexturePoint {
+  double U = 0, V = 0;
+  bool operator==(const TexturePoint&) const = default;
+};
+
+TexturePoint TextureCoordinateOf(const TexturePlane& plane, const Vector3& vertex);
+
+} // namespace quarvel

@@ -1,0 +1,153 @@
+#include "scene/materials.h"
+
+#include "math/number_text.h"
+#include "t3d/brush_record.h"
+
+#include <algorithm>
+
+namespace quarvel {
+
+namespace {
+
+/// The surface bits that change how a texture looks; real exports set others at random.
+constexpr std::uint32_t appearanceFlags = SurfaceMasked | SurfaceTranslucent | SurfaceTwoSided | SurfacePansU | SurfacePansV |
+                                          SurfaceSmallWavy | SurfaceUnlit | SurfaceShiny;
+
+constexpr const char* defaultTexture = "default";
+
+std::string EntryKey(std::string_view texture, std::uint32_t flags) {
+  std::string key(texture);
+  std::transform(key.begin(), key.end(), key.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  return key + '|' + std::to_string(flags);
+}
+
+TextureMotion MotionOf(std::uint32_t flags) {
+  if ((flags & SurfacePansU) && (flags & SurfacePansV)) return TextureMotion::PanUV;
+  if (flags & SurfacePansU) return TextureMotion::PanU;
+  if (flags & SurfacePansV) return TextureMotion::PanV;
+  return flags & SurfaceSmallWavy ? TextureMotion::SmallWavy : TextureMotion::Still;
+}
+
+bool IsUnlit(const TextureEntry& entry) { return (entry.Flags & SurfaceUnlit) != 0; }
+
+struct MaterialValues {
+  std::string Diffuse, Specular, Shininess, Emissive, Transparency;
+};
+
+/// `conforming` keeps the shininess within the range of the field, 0 to 1 (VRML97, clause 6.27).
+MaterialValues ValuesFor(const TextureEntry& entry, const std::string& litColor, bool conforming) {
+  const bool shiny = (entry.Flags & SurfaceShiny) != 0;
+  MaterialValues values;
+  values.Diffuse = IsUnlit(entry) ? "1 1 1" : litColor;
+  values.Specular = shiny ? "1 1 1" : "0 0 0";
+  values.Shininess = !shiny ? "0.145" : conforming ? "0.390625" : "50"; // 50 of 128
+  values.Emissive = "0 0 0"; // anything brighter washes the texture out in viewers
+  values.Transparency = entry.Flags & SurfaceTranslucent ? ".5" : "0";
+  return values;
+}
+
+std::string MaterialName(const MaterialValues& values) {
+  std::string name = "Mat_" + values.Diffuse + " " + values.Specular + " " + values.Shininess + " " + values.Emissive + " " + values.Transparency;
+  std::replace_if(name.begin(), name.end(), [](char c) { return c == ' ' || c == '.'; }, '_');
+  return name;
+}
+
+} // namespace
+
+const char* TextureTransformName(TextureMotion motion) {
+  constexpr const char* names[] = {"TEXTRANSUV", "TEXTRANSU", "TEXTRANSV", "TEXTRANSSMALLWAVY", "TEXTRANS"};
+  return names[static_cast<int>(motion)];
+}
+
+MaterialWriter::MaterialWriter(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings, std::string litColor)
+    : scene_(scene), resources_(resources), settings_(settings), litColor_(std::move(litColor)) {}
+
+int MaterialWriter::TextureNumber(std::string_view texture, std::uint32_t flags) {
+  const std::uint32_t kept = flags & appearanceFlags;
+  const auto [at, isNew] = numbers_.try_emplace(EntryKey(texture, kept), static_cast<int>(entries_.size()));
+  if (!isNew) return at->second;
+  TextureEntry entry;
+  entry.Name = texture.empty() ? defaultTexture : std::string(texture);
+  entry.Flags = kept;
+  if (!texture.empty()) entry.File = resources_.FindTexture(texture, kept & SurfaceMasked ? TextureUse::Masked : TextureUse::Ordinary);
+  entry.AppearanceName = names_.Take(MakeDefName("T_" + entry.Name));
+  entry.ImageName = ImageNameFor(entry);
+  entries_.push_back(std::move(entry));
+  return at->second;
+}
+
+/// Surfaces that use one image share its name; a masked use may refer to another file of the same texture.
+std::string MaterialWriter::ImageNameFor(const TextureEntry& entry) {
+  std::string& name = imageNames_[EntryKey(entry.Name, 0) + "|" + entry.File.Url];
+  if (name.empty()) name = names_.Take(MakeDefName("IT_" + entry.Name));
+  return name;
+}
+
+void MaterialWriter::WriteAppearance(int number, pugi::xml_node shape, RunInterface& user) {
+  TextureEntry& entry = entries_[static_cast<std::size_t>(number)];
+  if (entry.Defined) {
+    scene_.Use(shape, "      appearance ", "Appearance", entry.AppearanceName);
+    return;
+  }
+  user.ShowUniqueMaterials(++uniqueMaterialCount_);
+  const pugi::xml_node appearance = scene_.Open(shape, "      appearance ", "Appearance", entry.AppearanceName).Element();
+  // Without a material a surface is unlit (VRML97, clause 4.14.2), but then it has no transparency either.
+  const bool withoutMaterial = scene_.Conforming() && IsUnlit(entry) && !(entry.Flags & SurfaceTranslucent);
+  if (!withoutMaterial) WriteMaterial(entry, appearance);
+  if (!entry.File.Url.empty()) WriteTexture(entry, appearance);
+  WriteTransform(number, appearance);
+  scene_.Line("      }");
+  entry.Defined = true;
+}
+
+void MaterialWriter::WriteMaterial(const TextureEntry& entry, pugi::xml_node appearance) {
+  const MaterialValues values = ValuesFor(entry, litColor_, scene_.Conforming());
+  const std::string name = MaterialName(values);
+  if (!materialsWritten_.insert(name).second) {
+    scene_.Use(appearance, "        material ", "Material", name);
+    return;
+  }
+  SceneNode material = scene_.Open(appearance, "        material ", "Material", name);
+  material.Field("          diffuseColor", values.Diffuse);
+  material.Field("          ambientIntensity", FormatFlt(settings_.TextAmbientInfluence));
+  material.Field("          specularColor", values.Specular);
+  material.Field("          shininess", values.Shininess);
+  if (IsUnlit(entry)) material.TextField("          emissiveColor", values.Emissive);
+  material.Attribute("emissiveColor", values.Emissive);
+  material.Field("          transparency", values.Transparency);
+  scene_.Line("        }");
+}
+
+void MaterialWriter::WriteTexture(const TextureEntry& entry, pugi::xml_node appearance) {
+  pugi::xml_node parent = appearance;
+  if (IsUnlit(entry) && !scene_.Conforming()) {
+    const bool contact = settings_.OptionContact;
+    parent = appearance.append_child(contact ? "texture" : "MultiTexture");
+    if (contact) scene_.NoteQuirk("the element \"texture\" in the .x3d, which X3D does not know");
+    else AddAttribute(parent, "mode", "MODULATE");
+  }
+  if (!imagesWritten_.insert(entry.ImageName).second) {
+    scene_.Use(parent, "        texture ", "ImageTexture", entry.ImageName);
+    return;
+  }
+  SceneNode image = scene_.Open(parent, "        texture ", "ImageTexture", entry.ImageName);
+  image.Strings("          url", entry.File.Url);
+  scene_.Line("        }");
+}
+
+void MaterialWriter::WriteTransform(int number, pugi::xml_node appearance) {
+  const TextureMotion motion = MotionOf(Entry(number).Flags);
+  const char* name = TextureTransformName(motion);
+  int& definedBy = definedBy_[static_cast<std::size_t>(motion)];
+  if (definedBy >= 0) {
+    scene_.Use(appearance, "        textureTransform ", "TextureTransform", name);
+    return;
+  }
+  definedBy = number;
+  SceneNode transform = scene_.Open(appearance, "        textureTransform ", "TextureTransform", name);
+  transform.Field("          translation", "0 0");
+  transform.Field("          scale", "1 1");
+  scene_.Line("        }");
+}
+
+} // namespace quarvel

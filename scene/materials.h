@@ -1,0 +1,70 @@
+#pragma once
+
+#include "core/conversion_settings.h"
+#include "core/run_interface.h"
+#include "resources/resource_files.h"
+#include "scene/node_writer.h"
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quarvel {
+
+/// One texture as one kind of surface uses it.
+struct TextureEntry {
+  std::string Name;        ///< as the level writes it; "default" for polygons without one
+  std::uint32_t Flags = 0; ///< the SurfaceFlag bits that change the appearance
+  bool Defined = false;    ///< its appearance has been written
+  TextureFile File;        ///< the image; without one only for "default"
+  std::string AppearanceName;
+  std::string ImageName;
+};
+
+/// The texture transforms that the surfaces of a run share, by what their animation does. The order is that of precedence.
+enum class TextureMotion { PanUV, PanU, PanV, SmallWavy, Still };
+
+/// DEF name of a shared transform, "TEXTRANSUV" to "TEXTRANS".
+const char* TextureTransformName(TextureMotion motion);
+
+/// Writes the appearances of a run: each texture, material, image and transform once, and by name afterwards.
+class MaterialWriter {
+ public:
+  /// `litColor` is the diffuse colour of surfaces that take light.
+  MaterialWriter(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings, std::string litColor);
+
+  /// The number of the texture's entry for surfaces with these flags; made when it is new. Letter case does not count.
+  int TextureNumber(std::string_view texture, std::uint32_t flags);
+  const TextureEntry& Entry(int number) const { return entries_[static_cast<std::size_t>(number)]; }
+
+  /// Writes the entry's appearance into the shape that was just opened.
+  void WriteAppearance(int number, pugi::xml_node shape, RunInterface& user);
+
+  int UniqueMaterialCount() const { return uniqueMaterialCount_; }
+  /// Number of the texture that defined a shared transform, -1 while none did.
+  int DefinedBy(TextureMotion motion) const { return definedBy_[static_cast<std::size_t>(motion)]; }
+
+ private:
+  void WriteMaterial(const TextureEntry& entry, pugi::xml_node appearance);
+  void WriteTexture(const TextureEntry& entry, pugi::xml_node appearance);
+  void WriteTransform(int number, pugi::xml_node appearance);
+  std::string ImageNameFor(const TextureEntry& entry);
+
+  SceneWriter& scene_;
+  ResourceFiles& resources_;
+  const ConversionSettings& settings_;
+  std::string litColor_;
+  std::vector<TextureEntry> entries_;
+  std::unordered_map<std::string, int> numbers_;
+  std::unordered_map<std::string, std::string> imageNames_; ///< by image and URL
+  UniqueNames names_;
+  std::set<std::string> materialsWritten_;
+  std::set<std::string> imagesWritten_;
+  int definedBy_[5] = {-1, -1, -1, -1, -1};
+  int uniqueMaterialCount_ = 0;
+};
+
+} // namespace quarvel
