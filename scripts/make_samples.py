@@ -10,7 +10,7 @@ Needs nothing but Python's standard library. What it writes is part of the repos
 import sys
 from pathlib import Path
 
-from samplelib import image_files, sounds, textures
+from samplelib import harbour, image_files, sounds, textures
 
 ROOT = Path(__file__).resolve().parent.parent
 
@@ -52,6 +52,7 @@ def sound_files():
 def all_files():
     """Every file by its path below the root."""
     files = {"resources/data/VisTeleport.png": image_files.png(textures.crystal())}
+    files["samples/harbour.t3d"] = harbour.level().encode("ascii")
     files |= {"samples/textures/" + name: data for name, data in texture_files().items()}
     files |= {"samples/sounds/" + name: data for name, data in sound_files().items()}
     return files

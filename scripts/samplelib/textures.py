@@ -184,7 +184,7 @@ def glass():
 
 def grating():
     """Index 0 is the hole."""
-    palette = [(255, 0, 255)] + ramp((34, 36, 40), (150, 156, 160), 7)
+    palette = [(88, 90, 94)] + ramp((34, 36, 40), (150, 156, 160), 7)
 
     def pixel(x, y):
         u, v = x % 16, y % 16
@@ -197,13 +197,13 @@ def grating():
 
 def netting():
     """Index 0 is the hole."""
-    palette = [(0, 255, 0)] + ramp((70, 60, 40), (170, 150, 104), 5)
+    palette = [(112, 100, 72)] + ramp((70, 60, 40), (170, 150, 104), 5)
 
     def pixel(x, y):
-        one, other = (x + y) % 8, (x - y) % 8
-        if one == 0 and other == 0:
+        one, other = (x + y) % 8 < 2, (x - y) % 8 < 2
+        if one and other:
             return 5
-        return 1 + (x % 4) if one == 0 or other == 0 else 0
+        return 1 + x % 4 if one or other else 0
 
     return Picture(32, 32, palette).paint(pixel)
 
