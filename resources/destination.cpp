@@ -1,0 +1,110 @@
+#include "resources/destination.h"
+
+#include "resources/file_name.h"
+#include "resources/url.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+namespace quarvel {
+
+namespace fs = std::filesystem;
+
+OutputFolders::Names& OutputFolders::NamesIn(const fs::path& folder) {
+  const auto [at, isNew] = folders_.try_emplace(folder);
+  if (!isNew) return at->second;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    const std::string name = Utf8Path(entry->path().filename());
+    at->second[FoldName(name)].insert(name);
+  }
+  return at->second;
+}
+
+std::optional<std::string> OutputFolders::Existing(const fs::path& folder, const std::string& name) {
+  const Names& names = NamesIn(folder);
+  const auto found = names.find(FoldName(name));
+  if (found == names.end() || found->second.empty()) return std::nullopt;
+  return found->second.contains(name) ? name : *found->second.begin();
+}
+
+std::string OutputFolders::AlignCase(const fs::path& folder, const std::string& existing, const std::string& name) {
+  if (existing == name) return name;
+  std::error_code error;
+  fs::rename(folder / PathOfUtf8(existing), folder / PathOfUtf8(name), error);
+  if (error) return existing;
+  auto& names = NamesIn(folder)[FoldName(name)];
+  names.erase(existing);
+  names.insert(name);
+  return name;
+}
+
+void OutputFolders::Note(const fs::path& folder, const std::string& name) {
+  NamesIn(folder)[FoldName(name)].insert(name);
+}
+
+bool OutputFolders::Claim(const fs::path& file, const std::string& owner) {
+  return owners_.try_emplace(FoldName(Utf8Path(file)), owner).first->second == owner;
+}
+
+std::string OutputFolders::OwnerOf(const fs::path& file) const {
+  const auto found = owners_.find(FoldName(Utf8Path(file)));
+  return found == owners_.end() ? std::string() : found->second;
+}
+
+fs::path Placement::File() const { return Folder / PathOfUtf8(Name); }
+
+Placement Destination::PlaceIn(const fs::path& subfolder, const std::string& name) const {
+  Placement placement;
+  placement.Folder = subfolder.empty() ? sceneFolder_ : sceneFolder_ / subfolder;
+  placement.Name = name;
+  placement.Url = UrlPrefix(options_.DestPrependPath) + EncodeUrlPath(Utf8Path(subfolder / PathOfUtf8(name)));
+  return placement;
+}
+
+fs::path Destination::Subfolder(const FoundFile& found) const {
+  if (options_.DestPathBehavior == 1) return kindFolder_;
+  if (options_.DestPathBehavior != 2) return {};
+  // A file that already lies below the scene is there by an earlier run, or by the user's arrangement.
+  if (!LiesWithin(found.Path, sceneFolder_)) return found.Folder;
+  const fs::path relative = found.Path.parent_path().lexically_relative(sceneFolder_);
+  return relative == "." ? fs::path() : relative;
+}
+
+Placement Destination::Place(const FoundFile& found, const std::string& name) const {
+  return PlaceIn(Subfolder(found), name);
+}
+
+Placement Destination::PlaceByName(const std::string& name) const {
+  return PlaceIn(options_.DestPathBehavior == 1 ? fs::path(kindFolder_) : fs::path(), name);
+}
+
+std::string Destination::UrlInLibrary(const FoundFile& found) const {
+  if (!UrlPrefix(options_.DestPrependPath).empty()) return Place(found, found.Name).Url;
+  const fs::path relative = found.Path.lexically_relative(sceneFolder_);
+  return EncodeUrlPath(relative.empty() ? found.Name : Utf8Path(relative));
+}
+
+bool SameContent(const fs::path& a, const fs::path& b) {
+  std::error_code error;
+  if (fs::equivalent(a, b, error)) return true;
+  const auto sizeA = fs::file_size(a, error);
+  if (error) return false;
+  const auto sizeB = fs::file_size(b, error);
+  if (error || sizeA != sizeB) return false;
+  std::ifstream streamA(a, std::ios::binary);
+  std::ifstream streamB(b, std::ios::binary);
+  std::array<char, 16384> bufferA{};
+  std::array<char, 16384> bufferB{};
+  while (streamA && streamB) {
+    streamA.read(bufferA.data(), bufferA.size());
+    streamB.read(bufferB.data(), bufferB.size());
+    if (streamA.gcount() != streamB.gcount()) return false;
+    if (!std::equal(bufferA.begin(), bufferA.begin() + streamA.gcount(), bufferB.begin())) return false;
+  }
+  return streamA.eof() && streamB.eof();
+}
+
+} // namespace quarvel

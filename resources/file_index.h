@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarvel {
+
+/// A file of a library.
+struct IndexedFile {
+  std::string Key;              ///< the folded base name, without the extension
+  std::string Extension;        ///< folded, without the point
+  std::filesystem::path Folder; ///< relative to its root
+  std::string Name;             ///< the file's own name, with its extension, in UTF-8
+  std::size_t Root = 0;         ///< which of the index's roots it lies below
+};
+
+/// How far a walk goes.
+enum class Walk { Tree, FolderOnly };
+
+/// The files of one or several folder trees by base name. Hidden files and folders are left out; links that lead back
+/// to a folder already walked, and folders that cannot be read, are passed over.
+class FileIndex {
+ public:
+  /// More files than any library has; a walk that meets more (the input lies in the root of a disk) ends there.
+  static constexpr std::size_t MaxFiles = 500'000;
+
+  FileIndex() = default;
+  explicit FileIndex(std::vector<std::filesystem::path> roots, Walk walk = Walk::Tree);
+
+  /// The files with this base name, compared without regard to case; ordered by root, then by path.
+  std::span<const IndexedFile> Find(std::string_view baseName) const;
+
+  /// Every file, ordered by base name.
+  std::span<const IndexedFile> Files() const { return files_; }
+  const std::vector<std::filesystem::path>& Roots() const { return roots_; }
+  std::filesystem::path PathOf(const IndexedFile& file) const;
+  bool Complete() const { return complete_; } ///< false when the walk ended at `MaxFiles`
+  /// Folders that could not be read.
+  const std::vector<std::filesystem::path>& Unreadable() const { return unreadable_; }
+
+ private:
+  friend class FolderWalk;
+  std::vector<std::filesystem::path> roots_;
+  std::vector<IndexedFile> files_;
+  std::vector<std::filesystem::path> unreadable_;
+  bool complete_ = true;
+};
+
+/// The folders of a search path: joined with ";", "/" and "\" both understood.
+struct SearchFolders {
+  std::vector<std::filesystem::path> Existing; ///< absolute; each once
+  std::vector<std::filesystem::path> Missing;
+};
+
+SearchFolders SplitSearchPath(std::string_view searchPath);
+
+} // namespace quarvel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "resources/file_index.h"
+#include "resources/file_name.h"
+#include "resources/image_type.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarvel {
+
+/// How closely the folders around a file fit the group and package of a reference. Smaller is better.
+struct FolderFit {
+  int Distance = 0;       ///< folders between the file and the nearest one of a fitting name
+  int UnmatchedParts = 0; ///< parts of the reference that no folder around the file is named like
+  bool OtherPackage = true;
+
+  auto operator<=>(const FolderFit&) const = default;
+};
+
+FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceReference& reference);
+
+/// The base names under which the file of a reference is looked for, best first: with `qualified` those that carry
+/// package and group in front ("Package.Group.Name", "Package.Name"), then "Group.Name", then the last part.
+std::vector<std::string> BaseNames(const ResourceReference& reference, bool qualified);
+
+/// The file of a reference among those with one of the extensions. Several are told apart by the nearest folder that is
+/// named like group or package, then by the order of the extensions, then by path. Null when there is none.
+const IndexedFile* FindReferenced(const FileIndex& index, const ResourceReference& reference, bool qualified,
+                                  std::span<const std::string_view> extensions);
+
+/// The extensions of images in order of preference, the wanted type's first.
+std::vector<std::string_view> ImageExtensions(ImageType wanted);
+
+} // namespace quarvel

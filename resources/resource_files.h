@@ -1,0 +1,156 @@
+#pragma once
+
+#include "core/conversion_settings.h"
+#include "core/report.h"
+#include "resources/destination.h"
+#include "resources/file_index.h"
+#include "resources/file_name.h"
+#include "resources/image_type.h"
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarvel {
+
+/// What a texture is for; each use has its own wanted image type (`ListBMtypeOut`, ...).
+enum class TextureUse { Ordinary, Masked, Terrain };
+
+enum class ResourceKind { Texture, Sound, Mesh };
+
+/// The image of a texture as the scene refers to it.
+struct TextureFile {
+  bool Found = false;
+  int Width = 0; ///< pixels; 0 when unknown
+  int Height = 0;
+  std::string Url;              ///< encoded; also when not found: the name that the scene then waits for
+  std::filesystem::path Source; ///< the file in the library; empty when not found
+};
+
+/// A sound or other file as the scene refers to it.
+struct ResourceFile {
+  bool Found = false;
+  std::string Url; ///< encoded; also when not found
+  std::filesystem::path Source;
+};
+
+/// The two files of a mesh. One that the settings do not ask for (`CheckInlineWRL`, `CheckInlineX3D`) is never found.
+struct MeshFiles {
+  ResourceFile Wrl;
+  ResourceFile X3d;
+
+  bool Found() const { return Wrl.Found || X3d.Found; }
+};
+
+/// Finds the files that a level refers to in the user's libraries, brings them beside the scene as the settings ask,
+/// and keeps account of what was used and what is missing. One object serves one run; each library is walked once, when
+/// it is first needed.
+class ResourceFiles {
+ public:
+  /// Relative paths are taken from the current folder. The scene's folder is `textScene`'s; an empty search path, or
+  /// one of which no folder exists, means the folder of `inputFile`.
+  ResourceFiles(const ConversionSettings& settings, const std::filesystem::path& inputFile,
+                const std::filesystem::path& textScene, Report& report);
+
+  /// The image of a texture, by reference ("Name", "Package.Group.Name", "Texture'Package.Name'"). The result stays
+  /// valid as long as this object. An empty reference and "None" are no texture: not found, no URL, not missed.
+  const TextureFile& FindTexture(std::string_view reference, TextureUse use);
+
+  /// The image of a texture where it lies in its library, in any type; not copied. For images that the converter itself
+  /// reads (heightmaps). Goes to the missing textures when there is none.
+  std::optional<std::filesystem::path> FindTextureSource(std::string_view reference);
+
+  /// A sound file by its name ("hum60.wav"). The reference it comes from, if given, tells files of one name apart by
+  /// their folders. A file already at the destination is kept; a missing one is listed by its destination path.
+  const ResourceFile& FindSound(std::string_view fileName, std::string_view reference = {});
+
+  /// The files of a mesh by reference; the caller puts "-" behind it where that applies. Looked for in the library,
+  /// then in the scene's own folder.
+  const MeshFiles& FindMesh(std::string_view reference, bool listWhenMissing);
+  /// True when there is a mesh file of this name; for actor classes that have one.
+  bool HasMesh(std::string_view name);
+  /// The lower-case base names of all mesh files, sorted, each once.
+  const std::vector<std::string>& MeshNames();
+
+  /// Finds one file by its full name and copies it into the scene's own folder, whatever the destination options say
+  /// about folders: for files that name each other. An image in another type is not taken. Goes to the missing list of
+  /// its kind.
+  ResourceFile FindAndCopyFile(std::string_view fileName, ResourceKind kind);
+
+  /// What was looked for and not found; sorted, each once.
+  std::vector<std::string> MissingTextures() const { return {missingTextures_.begin(), missingTextures_.end()}; }
+  std::vector<std::string> MissingSounds() const { return {missingSounds_.begin(), missingSounds_.end()}; }
+  std::vector<std::string> MissingMeshes() const { return {missingMeshes_.begin(), missingMeshes_.end()}; }
+
+  /// The URLs of all textures that were asked for, in order of first use, each once.
+  const std::vector<std::string>& UsedTextureUrls() const { return usedTextureUrls_; }
+
+  /// Files that could not be written, one sentence each without a full stop.
+  const std::vector<std::string>& Errors() const { return errors_; }
+  /// How many files this run wrote.
+  int FilesCopied() const { return filesCopied_; }
+
+ private:
+  /// Names compared without regard to case, listed as they were first met.
+  struct FoldedLess {
+    bool operator()(const std::string& a, const std::string& b) const;
+  };
+  using NameList = std::set<std::string, FoldedLess>;
+
+  const FileIndex& IndexOf(ResourceKind kind);
+  const FileIndex& SceneFolderIndex();
+  const FileIndex& IndexOfFolders(std::vector<std::filesystem::path> folders);
+  Destination& DestinationOf(ResourceKind kind);
+  NameList& MissingOf(ResourceKind kind);
+  bool Qualified(ResourceKind kind) { return DestinationOf(kind).Options().UEd3Behavior; }
+
+  ImageType WantedType(TextureUse use) const;
+  std::string WantedExtension(TextureUse use) const;
+  TextureFile LookUpTexture(const ResourceReference& reference, TextureUse use);
+  std::string PlaceTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use);
+  void NoteTextureSize(TextureFile& texture);
+
+  ResourceFile LookUpSound(const std::string& name, std::string_view reference);
+  ResourceFile LookUpMesh(const ResourceReference& reference, std::string_view extension);
+  void ClaimSceneFiles(const std::filesystem::path& textScene);
+
+  /// A free name for a file at its destination; the second of two different files gets its package in front.
+  Placement PlaceUnclaimed(const Destination& destination, const FoundFile& found, const std::string& name,
+                           const std::string& package);
+  std::string CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package);
+  /// Copies unless a file of that name is there already and may stay. Returns the URL.
+  std::string CopyTo(const Placement& placement, const FoundFile& found, const DestinationOptions& options);
+  bool WriteCopy(const Placement& placement, const FoundFile& found);
+
+  const ConversionSettings settings_;
+  std::filesystem::path inputFolder_;
+  std::filesystem::path sceneFolder_;
+  std::filesystem::path sceneFolderAsGiven_;
+  Report& report_;
+
+  Destination textureDestination_;
+  Destination soundDestination_;
+  Destination meshDestination_;
+  OutputFolders output_;
+  std::map<std::vector<std::filesystem::path>, FileIndex> indexes_;
+  std::map<ResourceKind, const FileIndex*> indexOfKind_;
+  std::optional<FileIndex> sceneFolderIndex_;
+
+  std::map<std::pair<std::string, TextureUse>, TextureFile> textures_;
+  std::map<std::string, ResourceFile> sounds_;
+  std::map<std::string, MeshFiles> meshes_;
+  std::optional<std::vector<std::string>> meshNames_;
+  NameList missingTextures_;
+  NameList missingSounds_;
+  NameList missingMeshes_;
+  std::vector<std::string> usedTextureUrls_;
+  std::set<std::string> usedTextureUrlSet_;
+  std::vector<std::string> errors_;
+  int filesCopied_ = 0;
+};
+
+} // namespace quarvel

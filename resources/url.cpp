@@ -1,0 +1,45 @@
+#include "resources/url.h"
+
+#include "resources/file_name.h"
+
+namespace quarvel {
+namespace {
+
+constexpr std::string_view Unreserved = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+constexpr std::string_view HexDigits = "0123456789ABCDEF";
+
+void AppendEncoded(char c, std::string& out) {
+  const auto byte = static_cast<unsigned char>(c);
+  out += '%';
+  out += HexDigits[byte >> 4U];
+  out += HexDigits[byte & 15U];
+}
+
+std::string Encode(std::string_view text, std::string_view alsoKept) {
+  std::string out;
+  for (const char c : text) {
+    if (c == '\\') {
+      out += '/';
+    } else if (Unreserved.find(c) != std::string_view::npos || alsoKept.find(c) != std::string_view::npos) {
+      out += c;
+    } else {
+      AppendEncoded(c, out);
+    }
+  }
+  return out;
+}
+
+} // namespace
+
+std::string EncodeUrlPath(std::string_view path) { return Encode(path, "/"); }
+
+std::string UrlPrefix(std::string_view typed) {
+  const std::size_t first = typed.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  typed = typed.substr(first, typed.find_last_not_of(" \t") - first + 1);
+  std::string prefix = Encode(ToUtf8(typed), "/:?#=%@+,;!*()[]$");
+  if (prefix.back() != '/') prefix += '/';
+  return prefix;
+}
+
+} // namespace quarvel
