@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Installs what building and testing needs and this machine lacks. Calls apt only when something is missing.
+#   install_dependencies.sh [PACKAGE...]      further packages to have, for instance clang-format
+set -euo pipefail
+
+# "a|b": either satisfies, the first is installed.
+needed=(build-essential g++ cmake ninja-build
+        libpugixml-dev libsimpleini-dev libcli11-dev libpng-dev "libjpeg-dev|libjpeg62-turbo-dev|libjpeg-turbo8-dev"
+        qt6-base-dev libgtest-dev libbenchmark-dev "$@")
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+  echo "This is not a Debian-based system, so nothing is installed here. Quarvel needs: a C++20 compiler (g++ 12 or newer)," >&2
+  echo "CMake 3.25 or newer, Ninja, and the libraries pugixml, SimpleIni, CLI11, libpng, libjpeg-turbo, Qt 6 Widgets," >&2
+  echo "GoogleTest and Google Benchmark, with their headers. Install them with your package manager and run this again." >&2
+  for tool in c++ cmake ninja; do
+    command -v "$tool" >/dev/null || { echo "Missing: $tool" >&2; exit 1; }
+  done
+  exit 0
+fi
+
+is_installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+
+missing=()
+for entry in "${needed[@]}"; do
+  IFS='|' read -ra choices <<<"$entry"
+  found=
+  for package in "${choices[@]}"; do
+    if is_installed "$package"; then found=yes; break; fi
+  done
+  [ -n "$found" ] || missing+=("${choices[0]}")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "Please install as root: apt-get install ${missing[*]}" >&2; exit 1; }
+  as_root=(sudo)
+fi
+
+echo "Installing: ${missing[*]}"
+"${as_root[@]}" apt-get update -qq </dev/null
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" \
+  </dev/null >/dev/null
