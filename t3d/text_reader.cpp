@@ -70,7 +70,9 @@ TextBlock::TextBlock(std::string_view text, TextCursor from, TextCursor to)
     IndexEqualsSigns(at, nested == 0 ? to_ : nested);
     if (nested == 0) return;
     const std::string_view behind = text_.substr(Offset(nested) + 6, 6);
-    const std::string_view closing = behind.starts_with("Brush ") ? "End Brush" : behind == "Object" ? "End Object" : "";
+    const std::string_view closing = behind.starts_with("Brush ") ? "End Brush"
+                                     : behind == "Object"         ? "End Object"
+                                                                  : "";
     at = closing.empty() ? nested + 6 : FindText(text_, closing, nested, to_);
     if (closing.empty()) IndexEqualsSigns(nested, at);
   }
@@ -210,7 +212,8 @@ bool GetColor(const TextBlock& block, std::string_view key, ColorRGB& target) {
   return inRange;
 }
 
-Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to, NumberCheck& check) {
+Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to,
+                         NumberCheck& check) {
   const TextCursor at = FindText(text, key, cursor, to);
   if (at == 0) return {};
   cursor = at + static_cast<TextCursor>(key.size());
@@ -273,7 +276,8 @@ std::string_view GetBetween(std::string_view text, std::string_view opening, std
   return n < 1 ? std::string_view() : GetBetweenFrom(text, Cursor(at), opening, closing);
 }
 
-std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening, std::string_view closing) {
+std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening,
+                                std::string_view closing) {
   const std::size_t at = text.find(opening, Offset(cursor));
   if (at == text.npos) return {};
   const std::size_t start = at + opening.size();
