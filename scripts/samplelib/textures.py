@@ -83,7 +83,8 @@ def masonry(width, height, palette, seed):
 
 def cobble():
     palette = ramp((38, 36, 34), (168, 158, 146), 16)
-    points = [(8 + 16 * i + 9 * chance(i, j, 1) - 4, 8 + 16 * j + 9 * chance(i, j, 2) - 4) for i in range(4) for j in range(4)]
+    cells = [(i, j) for i in range(4) for j in range(4)]
+    points = [(16 * i + 4 + 9 * chance(i, j, 1), 16 * j + 4 + 9 * chance(i, j, 2)) for i, j in cells]
 
     def pixel(x, y):
         def apart(point):
@@ -93,7 +94,8 @@ def cobble():
 
         near, second = sorted(points, key=apart)[:2]
         edge = min(1.0, (apart(second) - apart(near)) / 6)
-        return shade(0.1 + edge * (0.35 + 0.3 * chance(int(near[0]), int(near[1]), 3)) + 0.25 * clouds(x, y, 64, 4), palette)
+        stone = 0.35 + 0.3 * chance(int(near[0]), int(near[1]), 3)
+        return shade(0.1 + edge * stone + 0.25 * clouds(x, y, 64, 4), palette)
 
     return Picture(64, 64, palette).paint(pixel)
 
@@ -115,9 +117,8 @@ def shingles():
     palette = ramp((40, 22, 26), (150, 84, 72), 16)
 
     def pixel(x, y):
-        row = y // 16
         joint, tile = courses(x, y, 16, 16, 64, 7)
-        if (x + (8 if row % 2 else 0)) % 16 == 0 or y % 16 == 15:
+        if joint == 0 and y % 16 or y % 16 == 15:
             return 0
         return shade(0.25 + 0.4 * (y % 16) / 16 + 0.25 * tile, palette)
 
