@@ -103,7 +103,7 @@ def block(low, high, **look):
     (x0, y0, z0), (x1, y1, z1) = low, high
     points = [(x, y, z) for x in (x0, x1) for y in (y0, y1) for z in (z0, z1)]
     faces = [(0, 1, 3, 2), (4, 6, 7, 5), (0, 4, 5, 1), (2, 3, 7, 6), (0, 2, 6, 4), (1, 5, 7, 3)]
-    return Part(points, faces, crease=0, **look)
+    return Part(points, faces, crease=0.1, **look)
 
 
 def teleporter():
@@ -113,7 +113,7 @@ def teleporter():
     upper = [(step, (step + 1) % 6, 6) for step in range(6)]
     lower = [((step + 1) % 6, step, 7) for step in range(6)]
     corners = [((0, 0), (1, 0), (0.5, 1))] * 12
-    crystal = Part(points, upper + lower, (0.8, 0.9, 1), "VisTeleport.png", corners, (0.1, 0.2, 0.3), crease=0)
+    crystal = Part(points, upper + lower, (0.8, 0.9, 1), "VisTeleport.png", corners, (0.1, 0.2, 0.3), crease=0.1)
     return [crystal, _hoop(1.3, 0.08, 24)]
 
 
