@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <system_error>
 
 namespace quarvel {
@@ -83,7 +84,7 @@ std::string IniStore::Save() {
   const bool replaceable = before.type() == fs::file_type::regular || before.type() == fs::file_type::not_found;
   if (!replaceable) return "cannot write the settings file " + file_.string();
   fs::path temporary = target;
-  temporary += ".tmp";
+  temporary += "." + std::to_string(std::random_device{}()) + ".tmp"; // two programs may save at the same time
   if (std::string problem = WriteFile(temporary, text); !problem.empty()) return problem;
   if (fs::exists(before)) fs::permissions(temporary, before.permissions(), error);
   fs::rename(temporary, target, error);

@@ -33,12 +33,16 @@ std::string Encode(std::string_view text, std::string_view alsoKept) {
 
 std::string EncodeUrlPath(std::string_view path) { return Encode(path, "/"); }
 
-std::string UrlPrefix(std::string_view typed) {
-  const std::size_t first = typed.find_first_not_of(" \t");
+std::string EncodeWebAddress(std::string_view address) {
+  const std::size_t first = address.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};
-  typed = typed.substr(first, typed.find_last_not_of(" \t") - first + 1);
-  std::string prefix = Encode(ToUtf8(typed), "/:?#=%@+,;!*()[]$");
-  if (prefix.back() != '/') prefix += '/';
+  address = address.substr(first, address.find_last_not_of(" \t") - first + 1);
+  return Encode(ToUtf8(address), "/:?#=%@+,;!*()[]$");
+}
+
+std::string UrlPrefix(std::string_view typed) {
+  std::string prefix = EncodeWebAddress(typed);
+  if (!prefix.empty() && prefix.back() != '/') prefix += '/';
   return prefix;
 }
 

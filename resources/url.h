@@ -14,4 +14,8 @@ std::string EncodeUrlPath(std::string_view path);
 /// non-empty prefix.
 std::string UrlPrefix(std::string_view typed);
 
+/// A whole web address: characters with a meaning in URLs stay, those that would end or break an attribute value are
+/// encoded.
+std::string EncodeWebAddress(std::string_view address);
+
 } // namespace quarvel

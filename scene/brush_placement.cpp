@@ -18,7 +18,7 @@ Matrix4 TranslationMatrix(const Vector3& by) {
   return m;
 }
 
-Matrix4 ScaleMatrix(const Vector3& scale) { return ScaleMatrix(scale.X, scale.Y, scale.Z); }
+Matrix4 ScaleBy(const Vector3& scale) { return ScaleMatrix(scale.X, scale.Y, scale.Z); }
 
 /// The matrix that applies the given ones from the first to the last.
 Matrix4 InOrder(std::initializer_list<Matrix4> steps) {
@@ -39,7 +39,7 @@ double PanWithin(double pan, int size) { return static_cast<double>(RoundToInteg
 BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix) {
   const Vector3 one{1, 1, 1};
   const Matrix4 rotation = BrushRotationMatrix(brush.Rotation);
-  const Matrix4 main = ScaleMatrix(brush.MainScale), post = ScaleMatrix(brush.PostScale);
+  const Matrix4 main = ScaleBy(brush.MainScale), post = ScaleBy(brush.PostScale);
   const Vector3 product = MultiplyVector(brush.MainScale, brush.PostScale);
   // The Transform scales before it turns, so it can carry a scale only when none comes after a rotation; and viewers
   // handle negative scales badly.

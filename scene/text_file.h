@@ -18,6 +18,7 @@ class TextFile {
  public:
   /// Creates the file afresh, emptying an existing one.
   TextFile(std::filesystem::path path, TextCoding coding);
+  ~TextFile() { Flush(); }
   TextFile(const TextFile&) = delete;
   TextFile& operator=(const TextFile&) = delete;
 

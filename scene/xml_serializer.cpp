@@ -77,26 +77,29 @@ void AppendDeclaration(const pugi::xml_node& declaration, std::string& out) {
 
 } // namespace
 
-void WriteXMLNode(const pugi::xml_node& node, std::string& out, int depth, bool conforming, XMLFaults& faults) {
-  out.append(static_cast<std::size_t>(depth), ' ');
-  if (node.type() == pugi::node_declaration) return AppendDeclaration(node, out);
-  if (node.type() == pugi::node_comment) return AppendComment(node, out, conforming);
-  out.append("<").append(node.name());
-  AppendAttributes(node, out, conforming, faults);
-  out.append(node.first_child() ? ">" : "/>").append(lineEnd);
+void WriteXMLNode(const pugi::xml_node& node, TextFile& file, int depth, bool conforming, XMLFaults& faults) {
+  const std::string indent(static_cast<std::size_t>(depth), ' ');
+  std::string out = indent;
+  if (node.type() == pugi::node_declaration) {
+    AppendDeclaration(node, out);
+  } else if (node.type() == pugi::node_comment) {
+    AppendComment(node, out, conforming);
+  } else {
+    out.append("<").append(node.name());
+    AppendAttributes(node, out, conforming, faults);
+    out.append(node.first_child() ? ">" : "/>").append(lineEnd);
+  }
+  file.Append(out);
   if (!node.first_child()) return;
   for (const pugi::xml_node& child : node.children())
-    WriteXMLNode(child, out, depth + 1, conforming, faults);
-  out.append(static_cast<std::size_t>(depth), ' ');
-  out.append("</").append(node.name()).append(">").append(lineEnd);
+    WriteXMLNode(child, file, depth + 1, conforming, faults);
+  file.Append(indent + "</" + node.name() + ">\r\n");
 }
 
 bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming, XMLFaults& faults) {
-  std::string text;
-  for (const pugi::xml_node& node : document.children())
-    WriteXMLNode(node, text, 0, conforming, faults);
   TextFile file(path, TextCoding::AsIs);
-  file.Append(text);
+  for (const pugi::xml_node& node : document.children())
+    WriteXMLNode(node, file, 0, conforming, faults);
   return file.Flush();
 }
 

@@ -18,7 +18,7 @@ struct XMLFaults {
 /// or escaped and in UTF-8 when `conforming`. False when the file cannot be written.
 bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming, XMLFaults& faults);
 
-/// Appends a node and everything below it to `out`, `depth` levels deep.
-void WriteXMLNode(const pugi::xml_node& node, std::string& out, int depth, bool conforming, XMLFaults& faults);
+/// Writes a node and everything below it, `depth` levels deep.
+void WriteXMLNode(const pugi::xml_node& node, TextFile& file, int depth, bool conforming, XMLFaults& faults);
 
 } // namespace quarvel

@@ -1,0 +1,225 @@
+#include "core/batch.h"
+
+#include "core/ascii_text.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <system_error>
+
+namespace quarvel {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path WithPlatformSeparators(std::string_view typed) {
+  std::string text(typed);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return fs::path(text).make_preferred();
+}
+
+/// Where "\" is an ordinary character, a file that has one in its name is found by that name.
+fs::path InputPath(std::string_view typed) {
+  std::error_code ignored;
+  fs::path path(typed);
+  return fs::exists(path, ignored) ? path : WithPlatformSeparators(typed);
+}
+
+/// Up to and including the last separator.
+std::string_view FolderPart(std::string_view typed) {
+  const std::size_t separator = typed.find_last_of(":/\\");
+  return separator == typed.npos ? std::string_view{} : typed.substr(0, separator + 1);
+}
+
+bool IsPattern(std::string_view input) { return input.find_first_of("?*") != input.npos; }
+
+bool IsList(std::string_view input) {
+  std::error_code ignored;
+  return input.find(',') != input.npos && !fs::is_regular_file(InputPath(input), ignored);
+}
+
+std::vector<fs::path> FilesOfPattern(std::string_view typed) {
+  const std::string_view folderPart = FolderPart(typed);
+  const std::string_view pattern = typed.substr(folderPart.size());
+  const fs::path folder = folderPart.empty() ? fs::path(".") : InputPath(folderPart);
+  std::vector<fs::path> files;
+  std::error_code error;
+  const auto options = fs::directory_options::skip_permission_denied;
+  for (fs::recursive_directory_iterator at(folder, options, error), end; !error && at != end; at.increment(error)) {
+    std::error_code ignored;
+    if (at->is_regular_file(ignored) && MatchesPattern(at->path().filename().string(), pattern))
+      files.push_back(at->path().lexically_normal());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::vector<fs::path> FilesOfList(std::string_view typed) {
+  std::vector<std::string_view> items;
+  for (std::size_t from = 0, comma = 0; from <= typed.size(); from = comma + 1) {
+    comma = std::min(typed.find(',', from), typed.size());
+    items.push_back(TrimBlanks(typed.substr(from, comma - from)));
+  }
+  const fs::path folder = InputPath(items.front());
+  std::vector<fs::path> files;
+  for (std::size_t i = 1; i < items.size(); ++i)
+    if (!items[i].empty()) files.push_back(InputPath((folder / items[i]).string()));
+  return files;
+}
+
+/// The jobs of one input, without their outputs.
+std::vector<ConversionJob> JobsOfInput(const std::string& input) {
+  const bool isPattern = IsPattern(input);
+  const bool isList = !isPattern && IsList(input);
+  if (!isPattern && !isList) return {{input, InputPath(input), {}, {}}};
+  std::vector<ConversionJob> jobs;
+  for (const fs::path& file : isPattern ? FilesOfPattern(input) : FilesOfList(input))
+    jobs.push_back({input, file, {}, {}});
+  if (jobs.empty())
+    jobs.push_back({input, input, {}, (isPattern ? "no file matches " : "no file is named in ") + input});
+  return jobs;
+}
+
+fs::path OutputOf(const fs::path& inFile, const std::string& output, bool isBatch) {
+  if (!output.empty() && !isBatch) return WithPlatformSeparators(output);
+  fs::path outFile = inFile;
+  outFile.replace_extension(".wrl");
+  return output.empty() ? outFile : WithPlatformSeparators(FolderPart(output)) / outFile.filename();
+}
+
+/// One name for one file, however it is written.
+fs::path Identity(const fs::path& path) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(path, error);
+  fs::path canonical = fs::weakly_canonical(absolute, error);
+  return error ? absolute.lexically_normal() : canonical;
+}
+
+std::vector<fs::path> ScenesOf(const ConversionJob& job, const ConversionSettings& settings) {
+  const SceneFileNames names = DeriveSceneFileNames(job.OutFile, settings);
+  std::vector<fs::path> scenes{names.Text, names.Document};
+  if (settings.CheckXMLtoo) scenes.push_back(names.Copy);
+  return scenes;
+}
+
+using ScenesWritten = std::map<fs::path, fs::path>; // scene: the input it is made from
+
+std::string OverwritingRefusal(const ConversionJob& job, const std::vector<fs::path>& scenes,
+                               const std::set<fs::path>& inputs, const ScenesWritten& written) {
+  for (const fs::path& scene : scenes) {
+    const fs::path identity = Identity(scene);
+    const std::string refused = job.InFile.string() + " is not converted: its output " + scene.string();
+    if (inputs.contains(identity)) return refused + " would overwrite an input";
+    const auto earlier = written.find(identity);
+    if (earlier != written.end()) return refused + " is the output of " + earlier->second.string() + " already";
+  }
+  return {};
+}
+
+void RefuseOverwriting(std::vector<ConversionJob>& jobs, const ConversionSettings& settings) {
+  std::set<fs::path> inputs;
+  for (const ConversionJob& job : jobs)
+    inputs.insert(Identity(job.InFile));
+  ScenesWritten written;
+  for (ConversionJob& job : jobs) {
+    if (!job.Refusal.empty() || job.InFile.empty()) continue;
+    const std::vector<fs::path> scenes = ScenesOf(job, settings);
+    job.Refusal = OverwritingRefusal(job, scenes, inputs, written);
+    if (!job.Refusal.empty()) continue;
+    for (const fs::path& scene : scenes)
+      written.emplace(Identity(scene), job.InFile);
+  }
+}
+
+RunResult RefusedResult(const ConversionJob& job) {
+  RunResult result;
+  result.Outcome = RunOutcome::Failed;
+  result.Error = job.Refusal;
+  result.InputFile = job.InFile;
+  return result;
+}
+
+RunResult StoppedResult(const ConversionJob& job) {
+  RunResult result;
+  result.Outcome = RunOutcome::Stopped;
+  result.InputFile = job.InFile;
+  return result;
+}
+
+/// The character that begins at `at` ends before the index returned.
+std::size_t NextCharacter(std::string_view text, std::size_t at) {
+  do
+    ++at;
+  while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80);
+  return at;
+}
+
+} // namespace
+
+bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  std::size_t at = 0, inPattern = 0;
+  std::size_t star = pattern.npos, starTakesTo = 0;
+  while (at < name.size()) {
+    if (inPattern < pattern.size() && pattern[inPattern] == '*') {
+      star = inPattern++;
+      starTakesTo = at;
+    } else if (inPattern < pattern.size() && pattern[inPattern] == '?') {
+      at = NextCharacter(name, at);
+      ++inPattern;
+    } else if (inPattern < pattern.size() && LowerCase(pattern[inPattern]) == LowerCase(name[at])) {
+      ++at;
+      ++inPattern;
+    } else if (star != pattern.npos) { // the last star takes one character more
+      inPattern = star + 1;
+      at = starTakesTo = NextCharacter(name, starTakesTo);
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', inPattern) == pattern.npos;
+}
+
+std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, const std::string& output,
+                                    const ConversionSettings& settings) {
+  std::vector<ConversionJob> jobs;
+  const bool isBatch = inputs.size() > 1 || std::any_of(inputs.begin(), inputs.end(), [](const std::string& input) {
+                         return IsPattern(input) || IsList(input);
+                       });
+  for (const std::string& input : inputs)
+    for (ConversionJob& job : JobsOfInput(input)) {
+      if (job.Refusal.empty()) job.OutFile = OutputOf(job.InFile, output, isBatch);
+      jobs.push_back(std::move(job));
+    }
+  RefuseOverwriting(jobs, settings);
+  return jobs;
+}
+
+std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const ConversionSettings& settings,
+                                SettingsStore& store, RunMemory& memory, RunInterface& user, const BatchEvents& events,
+                                const Conversion& convert) {
+  std::vector<RunResult> results;
+  for (const ConversionJob& job : jobs) {
+    if (events.Started) events.Started(job);
+    user.ProcessEvents();
+    ConversionSettings runSettings = settings;
+    runSettings.ComboInFileName = job.Input;
+    runSettings.TextOutFileName = job.OutFile.string();
+    results.push_back(user.StopRequested()  ? StoppedResult(job)
+                      : job.Refusal.empty() ? convert(job.InFile, job.OutFile, runSettings, store, memory, user)
+                                            : RefusedResult(job));
+    if (events.Finished) events.Finished(job, results.back());
+    if (results.back().Outcome == RunOutcome::Stopped) return results;
+  }
+  if (settings.CheckBeep) user.Beep();
+  return results;
+}
+
+RunOutcome WorstOutcome(const std::vector<RunResult>& results) {
+  RunOutcome worst = RunOutcome::Done;
+  for (const RunResult& result : results)
+    if (result.Outcome == RunOutcome::Stopped || worst == RunOutcome::Done) worst = result.Outcome;
+  return worst;
+}
+
+} // namespace quarvel

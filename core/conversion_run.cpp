@@ -1,0 +1,163 @@
+#include "core/conversion_run.h"
+
+#include "core/level_check.h"
+#include "core/run_passes.h"
+#include "core/run_state.h"
+#include "core/scene_framing.h"
+#include "core/settings_file.h"
+#include "math/color_math.h"
+#include "math/number_text.h"
+#include "scene/xml_serializer.h"
+
+#include <chrono>
+#include <fstream>
+
+namespace quarvel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Thrown with one sentence when a run cannot go on; caught by the run alone.
+struct RunFailed {
+  std::string Error;
+};
+
+std::string Display(const fs::path& path) { return path.string(); }
+
+/// Reads the level unless the text of the last run is to be used again.
+void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMemory& memory, RunInterface& user) {
+  if (!settings.CheckRescanFile && !memory.T3DText.empty()) return;
+  user.ShowPass("Reading file");
+  std::error_code error;
+  if (!fs::exists(inFile, error)) throw RunFailed{Display(inFile) + " does not exist"};
+  if (fs::is_directory(inFile, error)) throw RunFailed{Display(inFile) + " is a folder"};
+  std::optional<std::string> text = ReadWholeFile(inFile, user);
+  if (!text) throw RunFailed{Display(inFile) + " cannot be read"};
+  memory.T3DText = std::move(*text);
+  memory.LoadedFileName = Display(inFile);
+  if (user.StopRequested()) throw RunStopped();
+}
+
+/// Outputs that turn out unwritable after all passes would cost the user the whole run.
+void CheckWritable(const fs::path& path) {
+  std::error_code error;
+  const bool existed = fs::exists(path, error);
+  const bool good = !fs::is_directory(path, error) && std::ofstream(path, std::ios::binary | std::ios::app).is_open();
+  if (good && !existed) fs::remove(path, error);
+  if (!good) throw RunFailed{Display(path) + " cannot be written"};
+}
+
+void CheckOutputs(const SceneFileNames& files, const ConversionSettings& settings) {
+  CheckWritable(files.Text);
+  CheckWritable(files.Document);
+  if (settings.CheckXMLtoo) CheckWritable(files.Copy);
+}
+
+/// The diffuse colour of surfaces that take light: the level's own light when it has one.
+std::string LitColor(const LevelText& level) {
+  TextCursor cursor = 1;
+  const ActorBlock* actor = FindActor(level, cursor, "Class=LevelInfo");
+  if (actor == nullptr) return "0.8 0.8 0.8";
+  const TextBlock block(level.Text, actor->From, actor->To);
+  if (!IsKeyAt(block, "LightBrightness=")) return "0.8 0.8 0.8";
+  double saturation = 255;
+  GetKeyValue(block, "LightSaturation=", saturation);
+  return LightColor(GetKeyOrZero(block, "LightBrightness="), GetKeyOrZero(block, "LightHue="), saturation);
+}
+
+void SaveDocument(RunState& run, const fs::path& path, XMLFaults& faults) {
+  if (!SaveXML(run.Scene.SceneDocument, path, run.Scene.Conforming(), faults)) throw RunFailed{Display(path) + " cannot be written"};
+  run.Result.FilesWritten.push_back(path);
+}
+
+void ReportFaults(RunState& run, const XMLFaults& faults) {
+  constexpr const char* advice = "; the option CheckConforming avoids it";
+  Report& report = run.Result.Findings;
+  if (faults.Markup) report.Add("", std::string("the .x3d holds characters (' & <) that strict XML readers refuse") + advice);
+  if (faults.Characters) report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
+  for (const std::string& quirk : run.Scene.Quirks())
+    report.Add("", "strict viewers may refuse " + quirk + advice);
+}
+
+void CloseScene(RunState& run, const SceneFileNames& files) {
+  CloseEnclosingTransform(run.Scene, run.Settings);
+  run.Scene.WriteReadyRoutes();
+  FlushBlock(run);
+  run.Scene.FinishRoutes(run.Result.Findings);
+  if (!run.File.Flush()) {
+    std::error_code error;
+    fs::remove(run.File.Path(), error); // half a scene is worse than none
+    throw RunFailed{Display(run.File.Path()) + " cannot be written"};
+  }
+  run.Result.FilesWritten.push_back(run.File.Path());
+  XMLFaults faults;
+  if (run.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, faults);
+  SaveDocument(run, files.Document, faults);
+  ReportFaults(run, faults);
+}
+
+void WriteReports(RunState& run) {
+  RunResult& result = run.Result;
+  result.MissingTextures = run.Resources.MissingTextures();
+  result.MissingSounds = run.Resources.MissingSounds();
+  result.MissingMeshes = run.Resources.MissingMeshes();
+  const std::vector<std::string>& errors = run.Resources.Errors();
+  if (!errors.empty()) throw RunFailed{errors.front()};
+}
+
+void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store, RunMemory& memory,
+             RunInterface& user, RunResult& result) {
+  if (const std::string error = SaveSettings(settings, store); !error.empty()) throw RunFailed{error};
+  const SceneFileNames files = DeriveSceneFileNames(outFile, settings);
+  LoadText(inFile, settings, memory, user);
+  const LevelText level(memory.T3DText);
+  if (const std::string why = WhyUnsupported(memory.T3DText, level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
+  CheckOutputs(files, settings);
+
+  RunState run(inFile, files, settings, level, user, result, LitColor(level));
+  run.LegacyFormat = IsLegacyFormat(memory.T3DText);
+  WriteTextHeader(run.Scene, run.File, settings);
+  WriteDocumentHead(run.Scene, run.File, settings, outFile.stem().string());
+  MakePasses(run);
+  CloseScene(run, files);
+  result.Faces = run.Geometry.Faces;
+  result.UniqueMaterials = run.Materials.UniqueMaterialCount();
+  result.Bounds = run.Geometry.Bounds;
+  WriteReports(run);
+  user.ShowPass("Done");
+  user.ShowFraction(1);
+  user.ShowItem("Box: " + FormatVec(result.Bounds.Min) + " to " + FormatVec(result.Bounds.Max));
+}
+
+} // namespace
+
+SceneFileNames DeriveSceneFileNames(const fs::path& outFile, const ConversionSettings& settings) {
+  const fs::path folder = outFile.parent_path();
+  const std::string stem = outFile.stem().string();
+  const std::string dash = settings.CheckAppendDash && !settings.CheckCCW ? "-" : "";
+  return {folder / (stem + dash + (settings.OptionFlux ? ".x3dv" : ".wrl")), folder / (stem + ".x3d"), folder / (stem + ".xml")};
+}
+
+RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store,
+                      RunMemory& memory, RunInterface& user) {
+  RunResult result;
+  result.InputFile = inFile;
+  if (inFile.empty()) return result;
+  const auto start = std::chrono::steady_clock::now();
+  try {
+    Convert(inFile, outFile, settings, store, memory, user, result);
+  } catch (const RunStopped&) {
+    result.Outcome = RunOutcome::Stopped;
+  } catch (const RunFailed& failure) {
+    result.Outcome = RunOutcome::Failed;
+    result.Error = failure.Error;
+  } catch (const std::exception& failure) {
+    result.Outcome = RunOutcome::Failed;
+    result.Error = Display(inFile) + ": " + failure.what();
+  }
+  result.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  return result;
+}
+
+} // namespace quarvel

@@ -1,0 +1,119 @@
+#include "core/run_passes.h"
+
+#include "core/level_check.h"
+#include "t3d/brush_record.h"
+
+#include <array>
+#include <string>
+
+namespace quarvel {
+
+namespace {
+
+/// One class of movers, and the item texts that its sub-pass shows.
+struct MoverPass {
+  std::string SearchText;
+  const char* Getting;
+  const char* On;
+  const char* Then;
+};
+
+/// The children of the enclosing node are separated by commas.
+void SeparateChildren(RunState& run) {
+  if (!run.FirstChild) run.Scene.Line(",");
+  run.FirstChild = false;
+}
+
+void ConvertBrush(RunState& run, const BrushRecord& brush) {
+  SeparateChildren(run);
+  WriteBrush(run.Geometry, brush);
+  FlushBlock(run);
+  ++run.Result.Brushes;
+}
+
+bool IsChosen(const RunState& run, const BrushRecord& brush) {
+  return run.Settings.CheckBuildBrush ? brush.CsgOper.empty() : IsAdditive(brush);
+}
+
+void SkipBrush(RunState& run, const BrushRecord& brush) {
+  run.User.ShowItem("skipping brush");
+  if (brush.CsgOper == "CSG_Subtract") run.Result.Findings.Count("brushes left out as subtractive");
+  else if (!brush.CsgOper.empty() && !IsAdditive(brush)) run.Result.Findings.Count("brushes left out as " + brush.CsgOper);
+}
+
+/// A file without actors may be one builder brush, as the editor saves it alone.
+void ConvertPolyLists(RunState& run) {
+  TextCursor cursor = 1;
+  BrushRecord brush;
+  while (ReadPolyList(run.Level.Text, cursor, brush, run.Numbers)) {
+    WaitWhilePaused(run);
+    ConvertBrush(run, brush);
+    StepOn(run);
+  }
+}
+
+void ProcessBrushes(RunState& run) {
+  if (!run.Settings.CheckDoGeometry) return;
+  run.User.ShowPass("Processing Brushes");
+  if (run.Level.Actors.empty()) return ConvertPolyLists(run);
+  TextCursor cursor = 1;
+  BrushRecord brush;
+  run.User.ShowItem("getting brush");
+  while (ReadBrush(run.Level, cursor, "Class=Brush ", brush, run.Numbers)) {
+    WaitWhilePaused(run);
+    run.User.ShowItem("on brush ", run.Geometry.GeometryCount);
+    const bool chosen = IsChosen(run, brush);
+    if (chosen) ConvertBrush(run, brush);
+    else SkipBrush(run, brush);
+    StepOn(run);
+    if (chosen && run.Settings.CheckBuildBrush) return;
+    run.User.ShowItem("getting brush");
+  }
+}
+
+void ProcessMoverClass(RunState& run, const MoverPass& pass) {
+  TextCursor cursor = 1;
+  BrushRecord mover;
+  run.User.ShowItem(pass.Getting);
+  while (ReadBrush(run.Level, cursor, pass.SearchText, mover, run.Numbers)) {
+    WaitWhilePaused(run);
+    run.User.ShowItem(pass.On, run.Geometry.GeometryCount);
+    if (mover.TooManyKeys)
+      run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) + ", but a mover can have " +
+                                                     std::to_string(MaxKeys) + " keys at most; it was left out");
+    else ConvertBrush(run, mover);
+    StepOn(run);
+  }
+  run.User.ShowItem(pass.Then);
+}
+
+void ProcessMovers(RunState& run) {
+  if (!run.Settings.CheckMovers) return;
+  run.User.ShowPass("Processing Movers");
+  const std::array<MoverPass, 4> passes{{
+      {"Class=Mover ", "getting mover", "on mover ", ""},
+      {"Class=LoopMover ", "getting mover", "on loopingmover ", "getting looper"},
+      {"Class=RotatingMover ", "getting looper", "on rotatingmover ", "getting rotator"},
+      {"Class=AttachMover ", "getting rotator", "on attachmover ", "getting attacher"},
+  }};
+  for (const MoverPass& pass : passes)
+    ProcessMoverClass(run, pass);
+  for (const std::string& className : OtherMoverClasses(run.Level))
+    ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", ""});
+}
+
+} // namespace
+
+void MakePasses(RunState& run) {
+  run.User.ShowPass("Pre-scan");
+  ReportUnseenActors(run.Level, run.Result.Findings);
+  run.User.ShowPass("Scanning ambience");
+  run.User.ShowPass("getting triggers");
+  if (run.Settings.CheckDoMeshes) run.User.ShowPass("Processing meshes");
+  ProcessBrushes(run);
+  ProcessMovers(run);
+  if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
+  run.User.ShowPass("Processing non-geo");
+}
+
+} // namespace quarvel

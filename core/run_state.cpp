@@ -1,0 +1,45 @@
+#include "core/run_state.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace quarvel {
+
+namespace {
+
+TextEncoding EncodingOf(const ConversionSettings& settings) {
+  if (settings.OptionFlux) return TextEncoding::X3DClassic;
+  return settings.OptionContact ? TextEncoding::Contact : TextEncoding::Vrml97;
+}
+
+} // namespace
+
+RunState::RunState(const std::filesystem::path& inFile, const SceneFileNames& files, const ConversionSettings& settings,
+                   const LevelText& level, RunInterface& user, RunResult& result, std::string litColor)
+    : Settings(settings), Level(level), User(user), Result(result), Scene(EncodingOf(settings), settings.CheckConforming),
+      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
+      Resources(settings, inFile, files.Text, result.Findings), Materials(Scene, Resources, settings, std::move(litColor)),
+      Geometry{Scene, File, Materials, settings, user, result.Findings}, Numbers{user} {}
+
+void StepOn(RunState& run) {
+  const double total = static_cast<double>(std::max<std::size_t>(run.Level.Actors.size(), 1));
+  run.User.ShowFraction(std::min(1.0, static_cast<double>(++run.ActorsDone) / total));
+  run.User.ProcessEvents();
+  if (run.User.StopRequested()) throw RunStopped();
+}
+
+void WaitWhilePaused(RunState& run) {
+  while (!run.User.RunActive()) {
+    run.User.ShowItem("Paused");
+    run.User.ProcessEvents();
+    if (run.User.StopRequested()) throw RunStopped();
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+}
+
+void FlushBlock(RunState& run) {
+  if (!run.Scene.SceneText.empty()) run.Scene.Flush(run.File);
+}
+
+} // namespace quarvel

@@ -1,0 +1,56 @@
+#include "resources/missing_lists.h"
+
+#include "resources/file_name.h"
+
+#include <fstream>
+
+namespace quarvel {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool WriteLines(const fs::path& file, const std::vector<std::string>& lines) {
+  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+  for (const std::string& line : lines)
+    stream << line << "\r\n";
+  stream.close();
+  return !stream.fail();
+}
+
+void WriteList(const fs::path& file, const std::vector<std::string>& entries, const std::string& message,
+               MissingListsResult& result) {
+  if (entries.empty()) {
+    std::error_code error;
+    fs::remove(file, error);
+    return;
+  }
+  const std::string name = Utf8Path(file);
+  if (!WriteLines(file, entries)) {
+    result.Errors.push_back(name + " could not be written");
+    return;
+  }
+  result.FilesWritten.push_back(file);
+  result.Messages.push_back(message + name);
+}
+
+} // namespace
+
+MissingListsResult WriteMissingLists(const fs::path& outFile, const MissingResources& missing,
+                                     const ConversionSettings& settings) {
+  const auto fileOf = [stem = fs::path(outFile).replace_extension()](const char* ending) {
+    fs::path file = stem;
+    return file += ending;
+  };
+  const std::vector<std::string> none;
+  const bool meshes = settings.CheckDoMeshes && settings.CheckReportMissingMeshes;
+  MissingListsResult result;
+  WriteList(fileOf("MissingTextures.txt"), missing.Textures, "There were missing textures. Please see ", result);
+  WriteList(fileOf("MissingSounds.txt"), settings.CheckDoSounds ? missing.Sounds : none,
+            "There were missing sounds. Please see ", result);
+  WriteList(fileOf("MissingMeshes.txt"), meshes ? missing.Meshes : none, "There were missing meshes. Please see ",
+            result);
+  return result;
+}
+
+} // namespace quarvel

@@ -1,0 +1,214 @@
+#include "app/cli/command_line.h"
+#include "app/cli/console_interface.h"
+#include "app/cli/option_list.h"
+#include "app/cli/summary.h"
+#include "core/option_table.h"
+#include "core/settings_file.h"
+#include "tests/temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace quarvel {
+namespace {
+
+namespace fs = std::filesystem;
+using Arguments = std::vector<std::string>;
+
+/// Runs the program with a conversion that notes what it is asked to do and ends as the input's name says.
+class CommandLineTest : public testing::Test {
+ protected:
+  int Run(const Arguments& arguments) {
+    std::vector<const char*> argv{"quarvel"};
+    for (const std::string& argument : arguments)
+      argv.push_back(argument.c_str());
+    out_.str("");
+    err_.str("");
+    const auto convert = [this](const fs::path& in, const fs::path& out, const ConversionSettings& settings,
+                                SettingsStore& store, RunMemory&, RunInterface& user) {
+      converted_.push_back(in.string() + " > " + out.string());
+      settings_ = settings;
+      user.ShowPass("Processing Brushes");
+      RunResult result = result_;
+      result.InputFile = in;
+      result.Error = SaveSettings(settings, store);
+      if (in.stem() == "bad") result.Error = "cannot read " + in.string();
+      if (!result.Error.empty()) result.Outcome = RunOutcome::Failed;
+      if (in.stem() == "stop") result.Outcome = RunOutcome::Stopped;
+      return result;
+    };
+    const Console console{out_, err_, terminal_, {}};
+    return static_cast<int>(RunCommandLine(static_cast<int>(argv.size()), argv.data(), console, convert));
+  }
+
+  bool Complains(const std::string& about) const {
+    return err_.str().starts_with("quarvel: ") && err_.str().find(about) != std::string::npos;
+  }
+
+  bool terminal_ = false;
+  RunResult result_;
+  std::ostringstream out_, err_;
+  Arguments converted_;
+  ConversionSettings settings_;
+};
+
+TEST_F(CommandLineTest, TakesTheLastArgumentForTheOutputByItsExtension) {
+  EXPECT_EQ(Run({"maps/a.t3d"}), 0);
+  EXPECT_EQ(Run({"a.t3d", "b.X3D"}), 0);
+  EXPECT_EQ(Run({"a.t3d", "b.t3d"}), 0);
+  EXPECT_EQ(converted_, (Arguments{"maps/a.t3d > maps/a.wrl", "a.t3d > b.X3D", "a.t3d > a.wrl", "b.t3d > b.wrl"}));
+  EXPECT_EQ(Run({}), 2);
+  EXPECT_EQ(Run({"a.wrl"}), 2);
+  EXPECT_TRUE(Complains("no INPUT is given, only the OUTPUT a.wrl")) << err_.str();
+  EXPECT_EQ(Run({"a.t3d", ""}), 2);
+  EXPECT_EQ(converted_.size(), 4u);
+}
+
+TEST_F(CommandLineTest, SetsOptionsWithoutTakingInputsForValues) {
+  EXPECT_EQ(Run({"--set", "TextScale=2", "a.t3d", "--set", "checkfog=0", "--textures", "t;u", "--set=OptionIFSs=-1"}),
+            0);
+  EXPECT_EQ(settings_.TextScale.Value, 2);
+  EXPECT_FALSE(settings_.CheckFog);
+  EXPECT_TRUE(settings_.OptionIFSs);
+  EXPECT_EQ(settings_.TextSearchPathTxt, "t;u");
+  EXPECT_EQ(settings_.ComboInFileName, "a.t3d");
+  EXPECT_EQ(settings_.TextOutFileName, "a.wrl");
+}
+
+TEST_F(CommandLineTest, RefusesOptionsThatDoNotExistAndValuesOfTheWrongKind) {
+  EXPECT_EQ(Run({"a.t3d", "--set", "CheckFogg=1"}), 2);
+  EXPECT_TRUE(Complains("there is no option CheckFogg; did you mean CheckFog?")) << err_.str();
+  EXPECT_EQ(Run({"a.t3d", "--set", "textscale=big"}), 2);
+  EXPECT_TRUE(Complains("TextScale must be a number above 0, not \"big\"")) << err_.str();
+  EXPECT_EQ(Run({"a.t3d", "--set", "TextScale"}), 2);
+  EXPECT_TRUE(Complains("needs a value")) << err_.str();
+  EXPECT_EQ(Run({"a.t3d", "--set", "OptionMeshes=0"}), 2);
+  EXPECT_TRUE(Complains("select OptionIFSs instead")) << err_.str();
+  for (const Arguments& wrong :
+       {Arguments{"a.t3d", "--nonsense"}, {"a.t3d", "--set"}, {"a.t3d", "--quiet", "--verbose"}}) {
+    EXPECT_EQ(Run(wrong), 2);
+    EXPECT_TRUE(Complains(""));
+  }
+  EXPECT_TRUE(converted_.empty());
+}
+
+TEST_F(CommandLineTest, TheOutputChoosesTheEncodingUnlessItIsSet) {
+  Run({"a.t3d", "a.X3DV"});
+  EXPECT_TRUE(settings_.OptionFlux && !settings_.OptionVRML97);
+  Run({"a.t3d", "a.x3dv", "--set", "OptionContact=-1"});
+  EXPECT_TRUE(settings_.OptionContact && !settings_.OptionFlux);
+  Run({"a.t3d", "a.x3d"});
+  EXPECT_TRUE(settings_.OptionVRML97);
+}
+
+TEST_F(CommandLineTest, AnswersWithoutConverting) {
+  EXPECT_EQ(Run({"--help"}), 0);
+  EXPECT_NE(out_.str().find("Usage: quarvel [options] INPUT... [OUTPUT]"), std::string::npos);
+  EXPECT_EQ(Run({"--version"}), 0);
+  EXPECT_EQ(out_.str(), "quarvel " QUARVEL_VERSION "\n");
+  EXPECT_EQ(Run({"--list-options"}), 0);
+  for (const OptionInfo& option : OptionTable())
+    EXPECT_NE(out_.str().find("\n  " + option.Control + "="), std::string::npos) << option.Control;
+  EXPECT_EQ(err_.str(), "");
+  EXPECT_TRUE(converted_.empty());
+}
+
+TEST_F(CommandLineTest, ExitsWithTheWorstOfABatch) {
+  EXPECT_EQ(Run({"a.t3d", "bad.t3d", "b.t3d"}), 1);
+  EXPECT_EQ(err_.str(), "quarvel: cannot read bad.t3d\n");
+  EXPECT_NE(out_.str().find("2 of 3 files converted"), std::string::npos);
+  EXPECT_EQ(Run({"x/a.t3d", "y/a.t3d", "out/any.wrl"}), 1);
+  EXPECT_TRUE(Complains("y/a.t3d is not converted: its output out/a.wrl")) << err_.str();
+  EXPECT_EQ(Run({"none/*.t3d"}), 1);
+  EXPECT_TRUE(Complains("no file matches none/*.t3d")) << err_.str();
+  EXPECT_EQ(Run({"bad.t3d", "stop.t3d", "b.t3d"}), 3);
+  EXPECT_EQ(converted_.back(), "stop.t3d > stop.wrl");
+}
+
+TEST_F(CommandLineTest, KeepsTheRunsSettingsInTheirFile) {
+  const TemporaryFolder folder;
+  const std::string file = (folder.Path() / "my.ini").string();
+  EXPECT_EQ(Run({"a.t3d", "--settings", file, "--set", "TextScale=2", "--set", "CheckFog=0"}), 0);
+  EXPECT_EQ(Run({"b.t3d", "--settings", file, "--set", "TextScale=3"}), 0);
+  EXPECT_EQ(settings_.TextScale.Value, 3) << "the command line wins";
+  EXPECT_FALSE(settings_.CheckFog) << "the first run's value is lost";
+  EXPECT_NE(folder.Read("my.ini").find("InFile=b.t3d\nOutFile=b.wrl\nScale=3\n"), std::string::npos);
+  EXPECT_EQ(Run({"c.t3d"}), 0);
+  EXPECT_TRUE(settings_.CheckFog) << "a run depends on its command line only";
+
+  EXPECT_EQ(Run({"a.t3d", "--settings", folder.Path().string()}), 1);
+  EXPECT_TRUE(Complains("is a folder"));
+  EXPECT_EQ(Run({"a.t3d", "--settings", (folder.Path() / "none" / "my.ini").string()}), 1);
+  EXPECT_TRUE(Complains("cannot write"));
+}
+
+TEST_F(CommandLineTest, SpeaksAsMuchAsItIsAsked) {
+  EXPECT_EQ(Run({"a.t3d"}), 0);
+  EXPECT_EQ(err_.str(), "") << "progress without a terminal";
+  EXPECT_NE(out_.str(), "");
+  EXPECT_EQ(Run({"a.t3d", "--verbose"}), 0);
+  EXPECT_EQ(err_.str(), "Processing Brushes\n");
+  terminal_ = true;
+  EXPECT_EQ(Run({"a.t3d"}), 0);
+  EXPECT_NE(err_.str().find("0% Processing Brushes"), std::string::npos);
+  EXPECT_TRUE(err_.str().ends_with("\r\x1b[K")) << "the progress line stays";
+  EXPECT_EQ(Run({"a.t3d", "b.t3d", "--quiet"}), 0);
+  EXPECT_EQ(out_.str() + err_.str(), "");
+}
+
+TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
+  RunResult result;
+  result.InputFile = "a.t3d";
+  result.FilesWritten = {"a.wrl", "a.x3d"};
+  result.Brushes = 1;
+  result.Faces = 6;
+  result.Seconds = 0.123;
+  GrowBounds(result.Bounds, {1, 2, 3});
+  result.MissingTextures = {"T1"};
+  result.MissingSounds = {"S1", "S2"};
+  result.Findings.Count("brushes left out as subtractive", 4);
+  result.Findings.Add("", "ends in the middle of an actor");
+  for (int i = 1; i <= 12; ++i)
+    result.Findings.Add("Brush" + std::to_string(i), "is sheared");
+  std::ostringstream cut, full;
+  WriteSummary(cut, result, false);
+  EXPECT_EQ(cut.str(), "a.t3d: converted in 0.12 s\n"
+                       "  wrote a.wrl\n"
+                       "  wrote a.x3d\n"
+                       "  1 brush, 6 faces, 0 materials\n"
+                       "  box: 1 2 3 to 1 2 3\n"
+                       "  brushes left out as subtractive: 4\n"
+                       "  1 texture missing: T1\n"
+                       "  2 sounds missing: S1, S2\n"
+                       "  ends in the middle of an actor\n"
+                       "  is sheared: Brush1, Brush2, Brush3, Brush4, Brush5, Brush6, Brush7, Brush8, Brush9, Brush10 "
+                       "and 2 more (see --verbose)\n");
+  WriteSummary(full, result, true);
+  EXPECT_NE(full.str().find("Brush10, Brush11, Brush12\n"), std::string::npos);
+}
+
+TEST(ConsoleInterface, DrawsOneShortLineNowAndThen) {
+  std::ostringstream out;
+  ConsoleInterface user(out, {.ProgressLine = true}, {});
+  user.BeginFile("1/2 a.t3d: ");
+  user.ShowFraction(0.5);
+  user.ShowPass("Processing Brushes");
+  for (long i = 0; i < 100000; ++i)
+    user.ShowItem(std::string(99, '\xE4') + "on face ", i);
+  EXPECT_LT(out.str().size(), 2000u) << "drawn for every face";
+  EXPECT_EQ(out.str().find('\n'), std::string::npos);
+  user.ClearLine();
+  const std::string once = out.str();
+  user.ClearLine();
+  EXPECT_EQ(out.str(), once);
+}
+
+TEST(OptionList, TheDocumentedOptionsAreThePrograms) {
+  const fs::path page = fs::path(QUARVEL_SAMPLES_DIR).parent_path() / "docs" / "options.md";
+  std::ifstream in(page, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  EXPECT_EQ(text, OptionListAsMarkdown()) << "make it anew: quarvel --list-options --markdown > docs/options.md";
+}
+
+} // namespace
+} // namespace quarvel
