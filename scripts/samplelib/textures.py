@@ -100,7 +100,7 @@ def cobble():
     return Picture(64, 64, palette).paint(pixel)
 
 
-def planks(width=32, height=64):
+def planks():
     palette = ramp((44, 30, 18), (150, 112, 70), 24)
 
     def pixel(x, y):
@@ -110,7 +110,7 @@ def planks(width=32, height=64):
         grain = noise(x * 2 % 64, (y + 13 * board) % 64 // 4 * 4, 4, 64, 5 + board)
         return shade(0.35 + 0.2 * chance(board, 0, 6) + 0.4 * (grain - 0.3), palette)
 
-    return Picture(width, height, palette).paint(pixel)
+    return Picture(32, 64, palette).paint(pixel)
 
 
 def shingles():
