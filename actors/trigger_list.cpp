@@ -1,5 +1,7 @@
 #include "actors/trigger_list.h"
 
+#include "math/ascii_text.h"
+
 #include <algorithm>
 
 namespace quarvel {
@@ -9,18 +11,11 @@ namespace {
 /// Far beyond any real level; keeps a hostile one, where each leads to all, from taking minutes.
 constexpr std::size_t maxDispatchers = 256;
 
-std::string Folded(std::string_view text) {
-  std::string folded(text);
-  std::transform(folded.begin(), folded.end(), folded.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return folded;
-}
-
 /// What stands under the key, nothing for an empty one.
 template <typename Value>
 const std::vector<Value>& LookUp(const std::map<std::string, std::vector<Value>>& map, std::string_view key) {
   static const std::vector<Value> nothing;
-  const auto at = map.find(Folded(key));
+  const auto at = map.find(LowerCase(key));
   return key.empty() || at == map.end() ? nothing : at->second;
 }
 
@@ -44,11 +39,11 @@ void TriggerList::AddDispatcher(const DispatcherRecord& record, Report& findings
 void TriggerList::Connect(Report& findings) {
   for (std::size_t number = 0; number < Entries.size(); ++number)
     for (const std::string& event : Entries[number].Events)
-      triggersByEvent_[Folded(event)].push_back(number);
+      triggersByEvent_[LowerCase(event)].push_back(number);
   for (std::size_t number = 0; number < Dispatchers.size(); ++number) {
-    dispatchersByTag_[Folded(Dispatchers[number].Tag)].push_back(number);
+    dispatchersByTag_[LowerCase(Dispatchers[number].Tag)].push_back(number);
     for (std::size_t i = 0; i < Dispatchers[number].OutEvents.size(); ++i)
-      outputsByEvent_[Folded(Dispatchers[number].OutEvents[i])].push_back({number, i});
+      outputsByEvent_[LowerCase(Dispatchers[number].OutEvents[i])].push_back({number, i});
   }
   std::vector<int> states(Dispatchers.size(), 0);
   for (std::size_t number = 0; number < Dispatchers.size(); ++number)

@@ -7,6 +7,8 @@
 #include "core/settings_file.h"
 #include "math/color_math.h"
 #include "math/number_text.h"
+#include "resources/missing_lists.h"
+#include "resources/preload_script.h"
 #include "scene/xml_serializer.h"
 
 #include <chrono>
@@ -67,15 +69,18 @@ std::string LitColor(const LevelText& level) {
 }
 
 void SaveDocument(RunState& run, const fs::path& path, XMLFaults& faults) {
-  if (!SaveXML(run.Scene.SceneDocument, path, run.Scene.Conforming(), faults)) throw RunFailed{Display(path) + " cannot be written"};
+  if (!SaveXML(run.Scene.SceneDocument, path, run.Scene.Conforming(), faults))
+    throw RunFailed{Display(path) + " cannot be written"};
   run.Result.FilesWritten.push_back(path);
 }
 
 void ReportFaults(RunState& run, const XMLFaults& faults) {
   constexpr const char* advice = "; the option CheckConforming avoids it";
   Report& report = run.Result.Findings;
-  if (faults.Markup) report.Add("", std::string("the .x3d holds characters (' & <) that strict XML readers refuse") + advice);
-  if (faults.Characters) report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
+  if (faults.Markup)
+    report.Add("", std::string("the .x3d holds characters (' & <) that strict XML readers refuse") + advice);
+  if (faults.Characters)
+    report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
   for (const std::string& quirk : run.Scene.Quirks())
     report.Add("", "strict viewers may refuse " + quirk + advice);
 }
@@ -97,22 +102,42 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
   ReportFaults(run, faults);
 }
 
-void WriteReports(RunState& run) {
+void WritePreloadScript(RunState& run, const fs::path& outFile) {
+  if (!run.Settings.CheckMakePreloadScript) return;
+  run.Result.PreloadScript = MakePreloadScript(run.Resources.UsedTextureUrls(), run.Settings.TextJavascriptURL);
+  const fs::path path = fs::path(outFile).replace_filename(outFile.stem().string() + "Preload.js");
+  TextFile file(path, TextCoding::AsIs);
+  file.Append(run.Result.PreloadScript);
+  if (!file.Flush()) throw RunFailed{Display(path) + " cannot be written"};
+  run.Result.FilesWritten.push_back(path);
+}
+
+void WriteReports(RunState& run, const fs::path& outFile) {
   RunResult& result = run.Result;
-  result.MissingTextures = run.Resources.MissingTextures();
-  result.MissingSounds = run.Resources.MissingSounds();
-  result.MissingMeshes = run.Resources.MissingMeshes();
-  const std::vector<std::string>& errors = run.Resources.Errors();
+  const MissingResources missing{run.Resources.MissingTextures(), run.Resources.MissingSounds(),
+                                 run.Resources.MissingMeshes()};
+  const MissingListsResult lists = WriteMissingLists(outFile, missing, run.Settings);
+  result.MissingTextures = missing.Textures;
+  result.MissingSounds = missing.Sounds;
+  result.MissingMeshes = missing.Meshes;
+  result.Messages.insert(result.Messages.end(), lists.Messages.begin(), lists.Messages.end());
+  for (const std::string& message : lists.Messages)
+    run.User.ShowMessage(message);
+  result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
+  WritePreloadScript(run, outFile);
+  std::vector<std::string> errors = lists.Errors;
+  errors.insert(errors.end(), run.Resources.Errors().begin(), run.Resources.Errors().end());
   if (!errors.empty()) throw RunFailed{errors.front()};
 }
 
-void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store, RunMemory& memory,
-             RunInterface& user, RunResult& result) {
+void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store,
+             RunMemory& memory, RunInterface& user, RunResult& result) {
   if (const std::string error = SaveSettings(settings, store); !error.empty()) throw RunFailed{error};
   const SceneFileNames files = DeriveSceneFileNames(outFile, settings);
   LoadText(inFile, settings, memory, user);
   const LevelText level(memory.T3DText);
-  if (const std::string why = WhyUnsupported(memory.T3DText, level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
+  if (const std::string why = WhyUnsupported(memory.T3DText, level); !why.empty())
+    throw RunFailed{Display(inFile) + " " + why};
   CheckOutputs(files, settings);
 
   RunState run(inFile, files, settings, level, user, result, LitColor(level));
@@ -124,7 +149,7 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   result.Faces = run.Geometry.Faces;
   result.UniqueMaterials = run.Materials.UniqueMaterialCount();
   result.Bounds = run.Geometry.Bounds;
-  WriteReports(run);
+  WriteReports(run, outFile);
   user.ShowPass("Done");
   user.ShowFraction(1);
   user.ShowItem("Box: " + FormatVec(result.Bounds.Min) + " to " + FormatVec(result.Bounds.Max));
@@ -136,11 +161,12 @@ SceneFileNames DeriveSceneFileNames(const fs::path& outFile, const ConversionSet
   const fs::path folder = outFile.parent_path();
   const std::string stem = outFile.stem().string();
   const std::string dash = settings.CheckAppendDash && !settings.CheckCCW ? "-" : "";
-  return {folder / (stem + dash + (settings.OptionFlux ? ".x3dv" : ".wrl")), folder / (stem + ".x3d"), folder / (stem + ".xml")};
+  return {folder / (stem + dash + (settings.OptionFlux ? ".x3dv" : ".wrl")), folder / (stem + ".x3d"),
+          folder / (stem + ".xml")};
 }
 
-RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store,
-                      RunMemory& memory, RunInterface& user) {
+RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings,
+                      SettingsStore& store, RunMemory& memory, RunInterface& user) {
   RunResult result;
   result.InputFile = inFile;
   if (inFile.empty()) return result;

@@ -56,8 +56,8 @@ struct SceneFileNames {
 /// Derives the scenes' names from the requested output name, whose extension is replaced.
 SceneFileNames DeriveSceneFileNames(const std::filesystem::path& outFile, const ConversionSettings& settings);
 
-/// Converts one T3D file into one scene. The settings are saved to `store` first. Nothing is thrown: what goes wrong is in
-/// the result. An empty `inFile` does nothing.
+/// Converts one T3D file into one scene. The settings are saved to `store` first. Nothing is thrown: what goes wrong is
+/// in the result. An empty `inFile` does nothing.
 RunResult ConvertFile(const std::filesystem::path& inFile, const std::filesystem::path& outFile,
                       const ConversionSettings& settings, SettingsStore& store, RunMemory& memory, RunInterface& user);
 

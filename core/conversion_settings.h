@@ -31,8 +31,8 @@ struct ConversionSettings {
   std::string ComboInFileName;
   std::string TextOutFileName;
   std::string TextSearchPathTxt; ///< folders joined with ";", here and in the two below; empty: the input's folder
-  std::string TextSearchPathSnd;
-  std::string TextSearchPathMesh;
+  std::string TextSearchPathSnd = R"(d:\data\sound)";
+  std::string TextSearchPathMesh = R"(d:\data\3d\unreal)";
   std::string ListBMtypeOut = "png";
   std::string ListMaskedBMtypeOut = "png";
   std::string ListTerrainBMtypeOut = "png";

@@ -37,8 +37,10 @@ bool IsChosen(const RunState& run, const BrushRecord& brush) {
 
 void SkipBrush(RunState& run, const BrushRecord& brush) {
   run.User.ShowItem("skipping brush");
-  if (brush.CsgOper == "CSG_Subtract") run.Result.Findings.Count("brushes left out as subtractive");
-  else if (!brush.CsgOper.empty() && !IsAdditive(brush)) run.Result.Findings.Count("brushes left out as " + brush.CsgOper);
+  if (brush.CsgOper == "CSG_Subtract")
+    run.Result.Findings.Count("brushes left out as subtractive");
+  else if (!brush.CsgOper.empty() && !IsAdditive(brush))
+    run.Result.Findings.Count("brushes left out as " + brush.CsgOper);
 }
 
 /// A file without actors may be one builder brush, as the editor saves it alone.
@@ -63,8 +65,10 @@ void ProcessBrushes(RunState& run) {
     WaitWhilePaused(run);
     run.User.ShowItem("on brush ", run.Geometry.GeometryCount);
     const bool chosen = IsChosen(run, brush);
-    if (chosen) ConvertBrush(run, brush);
-    else SkipBrush(run, brush);
+    if (chosen)
+      ConvertBrush(run, brush);
+    else
+      SkipBrush(run, brush);
     StepOn(run);
     if (chosen && run.Settings.CheckBuildBrush) return;
     run.User.ShowItem("getting brush");
@@ -79,9 +83,11 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
     WaitWhilePaused(run);
     run.User.ShowItem(pass.On, run.Geometry.GeometryCount);
     if (mover.TooManyKeys)
-      run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) + ", but a mover can have " +
-                                                     std::to_string(MaxKeys) + " keys at most; it was left out");
-    else ConvertBrush(run, mover);
+      run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
+                                                     ", but a mover can have " + std::to_string(MaxKeys) +
+                                                     " keys at most; it was left out");
+    else
+      ConvertBrush(run, mover);
     StepOn(run);
   }
   run.User.ShowItem(pass.Then);

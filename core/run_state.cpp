@@ -17,9 +17,11 @@ TextEncoding EncodingOf(const ConversionSettings& settings) {
 
 RunState::RunState(const std::filesystem::path& inFile, const SceneFileNames& files, const ConversionSettings& settings,
                    const LevelText& level, RunInterface& user, RunResult& result, std::string litColor)
-    : Settings(settings), Level(level), User(user), Result(result), Scene(EncodingOf(settings), settings.CheckConforming),
+    : Settings(settings), Level(level), User(user), Result(result),
+      Scene(EncodingOf(settings), settings.CheckConforming),
       File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
-      Resources(settings, inFile, files.Text, result.Findings), Materials(Scene, Resources, settings, std::move(litColor)),
+      Resources(settings, inFile, files.Text, result.Findings),
+      Materials(Scene, Resources, settings, std::move(litColor)),
       Geometry{Scene, File, Materials, settings, user, result.Findings}, Numbers{user} {}
 
 void StepOn(RunState& run) {

@@ -20,8 +20,8 @@ struct RunStopped {};
 
 /// Everything that one run works with, from its header to its reports.
 struct RunState {
-  RunState(const std::filesystem::path& inFile, const SceneFileNames& files, const ConversionSettings& settings, const LevelText& level,
-           RunInterface& user, RunResult& result, std::string litColor);
+  RunState(const std::filesystem::path& inFile, const SceneFileNames& files, const ConversionSettings& settings,
+           const LevelText& level, RunInterface& user, RunResult& result, std::string litColor);
 
   const ConversionSettings& Settings;
   const LevelText& Level;

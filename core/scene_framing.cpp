@@ -15,7 +15,8 @@ constexpr const char* documentSpeed = "5.3";
 
 std::string MovementType(const ConversionSettings& settings) {
   std::string type = settings.ListMovement;
-  std::transform(type.begin(), type.end(), type.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  std::transform(type.begin(), type.end(), type.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
   return type;
 }
 
@@ -51,7 +52,8 @@ void WriteTextHeader(SceneWriter& scene, TextFile& file, const ConversionSetting
   scene.Flush(file);
 }
 
-void WriteDocumentHead(SceneWriter& scene, TextFile& file, const ConversionSettings& settings, const std::string& sceneName) {
+void WriteDocumentHead(SceneWriter& scene, TextFile& file, const ConversionSettings& settings,
+                       const std::string& sceneName) {
   pugi::xml_node declaration = scene.SceneDocument.append_child(pugi::node_declaration);
   declaration.set_name("xml");
   AddAttribute(declaration, "version", "1.0");

@@ -12,7 +12,8 @@ void WriteTextHeader(SceneWriter& scene, TextFile& file, const ConversionSetting
 
 /// Builds the head of the document down to the element that holds the content. With `CheckEnclose` the Transform that
 /// encloses everything is opened in both encodings; its name is `sceneName`.
-void WriteDocumentHead(SceneWriter& scene, TextFile& file, const ConversionSettings& settings, const std::string& sceneName);
+void WriteDocumentHead(SceneWriter& scene, TextFile& file, const ConversionSettings& settings,
+                       const std::string& sceneName);
 
 /// Closes what WriteDocumentHead opened in the text.
 void CloseEnclosingTransform(SceneWriter& scene, const ConversionSettings& settings);

@@ -59,14 +59,16 @@ double ParseLeadingNumber(std::string_view text) {
   bool negative = false;
   if (at < text.size() && (text[at] == '+' || text[at] == '-')) negative = text[at++] == '-';
   // from_chars would read "nan" and "inf", and a second sign.
-  const bool digits = at < text.size() && (IsDigit(text[at]) || (text[at] == '.' && at + 1 < text.size() && IsDigit(text[at + 1])));
+  const bool digits =
+      at < text.size() && (IsDigit(text[at]) || (text[at] == '.' && at + 1 < text.size() && IsDigit(text[at + 1])));
   if (!digits) return 0;
   double value = 0;
   const auto result = std::from_chars(text.data() + at, text.data() + text.size(), value);
   if (result.ec == std::errc::result_out_of_range) {
     // Too large and too small look alike here: a negative exponent, or a zero before the point, tells the small ones.
     const std::string_view taken(text.data() + at, static_cast<std::size_t>(result.ptr - text.data()) - at);
-    const bool small = taken.find("e-") != taken.npos || taken.find("E-") != taken.npos || taken.starts_with("0.") || taken.starts_with(".");
+    const bool small = taken.find("e-") != taken.npos || taken.find("E-") != taken.npos || taken.starts_with("0.") ||
+                       taken.starts_with(".");
     value = small ? 0 : std::numeric_limits<double>::infinity();
   }
   return negative ? -value : value;

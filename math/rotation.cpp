@@ -10,7 +10,8 @@ Quaternion4 EulerToQuaternion(double a, double b, double c) {
   const double ca = std::cos(a / 2), sa = std::sin(a / 2);
   const double cb = std::cos(b / 2), sb = std::sin(b / 2);
   const double cc = std::cos(c / 2), sc = std::sin(c / 2);
-  const Vector3 axis = NormalizeVector({cb * ca * sc - sb * sa * cc, cb * sa * cc + sb * ca * sc, sb * ca * cc - cb * sa * sc});
+  const Vector3 axis =
+      NormalizeVector({cb * ca * sc - sb * sa * cc, cb * sa * cc + sb * ca * sc, sb * ca * cc - cb * sa * sc});
   return {axis.X, axis.Y, axis.Z, cb * ca * cc + sb * sa * sc};
 }
 
@@ -32,7 +33,8 @@ double UnrealToRadians(double units) {
 
 AxisAngle4 RotatorToAxisAngle(const Rotator3& rotator, const Matrix4& conversionMatrix) {
   const double yaw = -(Pi / 2 + UnrealToRadians(rotator.Yaw));
-  AxisAngle4 turn = QuaternionToAxisAngle(EulerToQuaternion(UnrealToRadians(rotator.Roll), yaw, UnrealToRadians(rotator.Pitch)));
+  AxisAngle4 turn =
+      QuaternionToAxisAngle(EulerToQuaternion(UnrealToRadians(rotator.Roll), yaw, UnrealToRadians(rotator.Pitch)));
   if (turn.X == 0 && turn.Y == 0 && turn.Z == 0 && turn.Angle == 0) turn.Y = 1;
   const Vector3 axis = TransformPoint(conversionMatrix, {turn.X, turn.Y, turn.Z});
   return {axis.X, axis.Y, axis.Z, turn.Angle};

@@ -15,7 +15,8 @@ void ReplaceAll(std::string& text, std::string_view what, std::string_view by) {
     text.replace(at, what.size(), by);
 }
 
-std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord& brush, const BrushPlacement& placement, Bounds3& bounds) {
+std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord& brush, const BrushPlacement& placement,
+                                    Bounds3& bounds) {
   std::vector<ChosenFace> faces;
   faces.reserve(brush.Polygons.size());
   const auto first = static_cast<int>(RoundToInteger(context.Settings.TextStartAtPoly, 0, 1 << 30));
@@ -74,8 +75,8 @@ std::string IndexList(const std::vector<std::vector<int>>& faces) {
 bool IsSolid(std::uint32_t flags) { return (flags & (SurfaceTwoSided | SurfaceMasked | SurfaceTranslucent)) == 0; }
 
 /// Point lists are long: the values follow on a line of their own.
-void WritePoints(SceneWriter& scene, pugi::xml_node geometry, std::string_view lead, const char* type, const std::string& def,
-                 const std::string& points) {
+void WritePoints(SceneWriter& scene, pugi::xml_node geometry, std::string_view lead, const char* type,
+                 const std::string& def, const std::string& points) {
   const SceneNode node = scene.Open(geometry, lead, type, def, " { point [");
   AddAttribute(node.Element(), "point", points);
   scene.Line(points, "]");
@@ -91,7 +92,8 @@ void WriteIndices(SceneWriter& scene, const std::string& indices) {
   }
 }
 
-void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::string& brushName, int number, bool mirrored, pugi::xml_node parent) {
+void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::string& brushName, int number, bool mirrored,
+                  pugi::xml_node parent) {
   SceneWriter& scene = context.Scene;
   const ConversionSettings& settings = context.Settings;
   const std::string piece = scene.PieceNames.Take(brushName + std::to_string(number));
@@ -106,14 +108,16 @@ void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::strin
   geometry.Attribute("coordIndex", indices);
   geometry.Attribute("texCoordIndex", indices);
   WritePoints(scene, geometry.Element(), "        coord ", "Coordinate", "C_" + piece, PointList(set.Points));
-  WritePoints(scene, geometry.Element(), "        texCoord ", "TextureCoordinate", "TC_" + piece, TexturePointList(set.TexturePoints));
+  WritePoints(scene, geometry.Element(), "        texCoord ", "TextureCoordinate", "TC_" + piece,
+              TexturePointList(set.TexturePoints));
   WriteIndices(scene, indices);
   scene.Line("      }");
   scene.Line("    }");
   context.User.ShowItem("saving verts");
 }
 
-void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const BrushPlacement& placement, const std::string& brushName, pugi::xml_node parent) {
+void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const BrushPlacement& placement,
+                       const std::string& brushName, pugi::xml_node parent) {
   SceneWriter& scene = context.Scene;
   const std::uint32_t flags = face.Polygon->Flags;
   const bool staysSolid = context.Settings.CheckTranslucentSolid && (flags & SurfaceTranslucent);
@@ -124,7 +128,8 @@ void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const B
     scene.Line("    children [");
     parent = collision.Element();
   }
-  WriteFaceSet(context, MakeFaceSet(face, placement, context.Materials), brushName, face.Number, placement.Mirrored, parent);
+  WriteFaceSet(context, MakeFaceSet(face, placement, context.Materials), brushName, face.Number, placement.Mirrored,
+               parent);
   if (passable) {
     scene.Line("    ]");
     scene.Line("   }");
@@ -132,8 +137,8 @@ void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const B
   scene.Flush(context.File);
 }
 
-void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& faces, bool breakUp, const BrushPlacement& placement,
-                      const std::string& brushName, pugi::xml_node parent) {
+void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& faces, bool breakUp,
+                      const BrushPlacement& placement, const std::string& brushName, pugi::xml_node parent) {
   int number = 0;
   for (const FaceSet& set : MergeFaces(faces, placement, context.Materials)) {
     const std::vector<FaceSet> pieces = breakUp ? SplitByPosition(set) : std::vector<FaceSet>{set};
@@ -144,8 +149,8 @@ void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& f
   }
 }
 
-void WriteFaces(GeometryContext& context, const BrushRecord& brush, const std::vector<ChosenFace>& faces, const BrushPlacement& placement,
-                const std::string& name, pugi::xml_node parent) {
+void WriteFaces(GeometryContext& context, const BrushRecord& brush, const std::vector<ChosenFace>& faces,
+                const BrushPlacement& placement, const std::string& name, pugi::xml_node parent) {
   if (context.Settings.OptionIFSs) {
     for (const ChosenFace& face : faces)
       WriteSeparateFace(context, face, placement, name, parent);
@@ -178,12 +183,14 @@ void ReportOddities(GeometryContext& context, const BrushRecord& brush, const st
   const std::string& actor = brush.Header.Name.empty() ? name : brush.Header.Name;
   if (brush.HasSheer) context.Findings.Add(actor, "its scale shears, which is not converted");
   if (brush.DamagedPolygons > 0)
-    context.Findings.Add(actor, std::to_string(brush.DamagedPolygons) + " of its polygons have no end and were left out");
+    context.Findings.Add(actor,
+                         std::to_string(brush.DamagedPolygons) + " of its polygons have no end and were left out");
 }
 
 } // namespace
 
-WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush, const std::function<void(pugi::xml_node)>& extraChildren) {
+WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
+                        const std::function<void(pugi::xml_node)>& extraChildren) {
   SceneWriter& scene = context.Scene;
   WrittenBrush written;
   written.Name = scene.Names.Take(BrushName(brush.Header, context.GeometryCount));
@@ -213,7 +220,8 @@ WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush, cons
 }
 
 std::string BrushName(const ActorHeader& header, int number) {
-  if (!header.Class.empty() && !SameText(header.Class, "Brush")) return MakeDefName(header.Class + "_" + std::to_string(number));
+  if (!header.Class.empty() && !SameText(header.Class, "Brush"))
+    return MakeDefName(header.Class + "_" + std::to_string(number));
   if (header.Name.empty()) return "BuildBrush";
   const bool digit = header.Name.front() >= '0' && header.Name.front() <= '9';
   return MakeDefName((digit ? "B_" : "") + header.Name);

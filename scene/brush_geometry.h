@@ -29,12 +29,12 @@ struct GeometryContext {
 
 /// What was written for one brush.
 struct WrittenBrush {
-  std::string Name;                     ///< DEF of its Transform
-  Bounds3 Bounds = InitBounds();        ///< at rest, in scene units; empty when no face was written
+  std::string Name;              ///< DEF of its Transform
+  Bounds3 Bounds = InitBounds(); ///< at rest, in scene units; empty when no face was written
 };
 
-/// Writes a brush: its Transform, an Anchor when it has a web address, and its face sets. `extraChildren` may add nodes to
-/// the Transform's children, in text and element, after the faces.
+/// Writes a brush: its Transform, an Anchor when it has a web address, and its face sets. `extraChildren` may add nodes
+/// to the Transform's children, in text and element, after the faces.
 WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
                         const std::function<void(pugi::xml_node)>& extraChildren = {});
 
@@ -42,7 +42,8 @@ WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
 /// class and the running number.
 std::string BrushName(const ActorHeader& header, int number);
 
-/// The URL that a brush's address text stands for ("http---a--b" is "http://a.b"), percent-encoded; empty when it is none.
+/// The URL that a brush's address text stands for ("http---a--b" is "http://a.b"), percent-encoded; empty when it is
+/// none.
 std::string WebAddress(const std::string& text);
 
 /// True when the polygon is one that nobody sees in the game, or that the options leave out.

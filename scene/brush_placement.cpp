@@ -32,7 +32,9 @@ bool AllPositive(const Vector3& v) { return v.X > 0 && v.Y > 0 && v.Z > 0; }
 int NegativeComponents(const Vector3& v) { return (v.X < 0) + (v.Y < 0) + (v.Z < 0); }
 
 /// The remainder that a pan of whole texels leaves, with the pan's sign.
-double PanWithin(double pan, int size) { return static_cast<double>(RoundToInteger(pan, -2147483648LL, 2147483647LL) % size); }
+double PanWithin(double pan, int size) {
+  return static_cast<double>(RoundToInteger(pan, -2147483648LL, 2147483647LL) % size);
+}
 
 } // namespace
 
@@ -45,7 +47,8 @@ BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Mat
   // handle negative scales badly.
   const bool transformScales = AllPositive(product) && NegativeComponents(brush.MainScale) == 0 &&
                                (brush.PostScale == one || brush.Rotation == Rotator3());
-  const Matrix4 folded = transformScales ? IdentityMatrix() : InOrder({main, rotation, post, TransposeMatrix(rotation)});
+  const Matrix4 folded =
+      transformScales ? IdentityMatrix() : InOrder({main, rotation, post, TransposeMatrix(rotation)});
 
   const Matrix4 toPivot = InOrder({TranslationMatrix(ScaleVector(brush.PrePivot, -1)), ScaleMatrix(1, -1, 1)});
   const Matrix4 toScene = InOrder({conversionMatrix, ScaleMatrix(worldScale, worldScale, worldScale)});

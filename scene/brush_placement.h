@@ -7,8 +7,8 @@
 
 namespace quarvel {
 
-/// Where a brush stands: the fields of its Transform, and how its vertices are written into it. The editor places a vertex
-/// at Location + PostScale x Rotation x MainScale x (vertex - PrePivot).
+/// Where a brush stands: the fields of its Transform, and how its vertices are written into it. The editor places a
+/// vertex at Location + PostScale x Rotation x MainScale x (vertex - PrePivot).
 struct BrushPlacement {
   std::string Translation, Rotation;
   std::string Scale;     ///< "1 1 1" when the vertices carry it
@@ -22,7 +22,7 @@ BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Mat
 
 /// Texture coordinates of one polygon: two linear functions of a vertex.
 struct TexturePlane {
-  Vector3 U, V;                  ///< gradients, in texture widths and heights per unit
+  Vector3 U, V; ///< gradients, in texture widths and heights per unit
   double OffsetU = 1, OffsetV = 1;
 };
 

@@ -36,7 +36,8 @@ int AddCorner(FaceSet& set, const Corner& corner) {
 
 /// Calls `take` with each corner of the polygon as the scene has it.
 template <typename Take>
-void ForEachCorner(const ChosenFace& face, const BrushPlacement& placement, const MaterialWriter& materials, Take take) {
+void ForEachCorner(const ChosenFace& face, const BrushPlacement& placement, const MaterialWriter& materials,
+                   Take take) {
   const TextureFile& file = materials.Entry(face.TextureNumber).File;
   const TexturePlane plane = MakeTexturePlane(*face.Polygon, file.Width, file.Height);
   for (const Vector3& vertex : face.Polygon->Vertices)
@@ -74,7 +75,8 @@ FaceSet MakeFaceSet(const ChosenFace& face, const BrushPlacement& placement, con
   return set;
 }
 
-std::vector<FaceSet> MergeFaces(const std::vector<ChosenFace>& faces, const BrushPlacement& placement, const MaterialWriter& materials) {
+std::vector<FaceSet> MergeFaces(const std::vector<ChosenFace>& faces, const BrushPlacement& placement,
+                                const MaterialWriter& materials) {
   std::vector<FaceSet> sets;
   std::vector<CornerIndex> corners;
   std::unordered_map<int, std::size_t> setOfTexture;

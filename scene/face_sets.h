@@ -11,10 +11,10 @@ namespace quarvel {
 /// One face set to be written: faces of one texture entry, with the corners that they share.
 struct FaceSet {
   int TextureNumber = 0;
-  std::uint32_t Flags = 0; ///< of its first polygon
-  std::vector<Vector3> Points;           ///< in the brush's Transform, scene units
+  std::uint32_t Flags = 0;                 ///< of its first polygon
+  std::vector<Vector3> Points;             ///< in the brush's Transform, scene units
   std::vector<TexturePoint> TexturePoints; ///< as many
-  std::vector<std::vector<int>> Faces;   ///< indices into both
+  std::vector<std::vector<int>> Faces;     ///< indices into both
 };
 
 /// One polygon of a brush that is to be converted.
@@ -29,9 +29,11 @@ FaceSet MakeFaceSet(const ChosenFace& face, const BrushPlacement& placement, con
 
 /// One face set per texture entry, in the order in which the entries first occur; corners of equal position and texture
 /// coordinate are shared.
-std::vector<FaceSet> MergeFaces(const std::vector<ChosenFace>& faces, const BrushPlacement& placement, const MaterialWriter& materials);
+std::vector<FaceSet> MergeFaces(const std::vector<ChosenFace>& faces, const BrushPlacement& placement,
+                                const MaterialWriter& materials);
 
-/// The pieces of a face set whose faces hang together by the positions of their corners, in the order of their first faces.
+/// The pieces of a face set whose faces hang together by the positions of their corners, in the order of their first
+/// faces.
 std::vector<FaceSet> SplitByPosition(const FaceSet& faces);
 
 } // namespace quarvel

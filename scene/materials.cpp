@@ -10,15 +10,13 @@ namespace quarvel {
 namespace {
 
 /// The surface bits that change how a texture looks; real exports set others at random.
-constexpr std::uint32_t appearanceFlags = SurfaceMasked | SurfaceTranslucent | SurfaceTwoSided | SurfacePansU | SurfacePansV |
-                                          SurfaceSmallWavy | SurfaceUnlit | SurfaceShiny;
+constexpr std::uint32_t appearanceFlags = SurfaceMasked | SurfaceTranslucent | SurfaceTwoSided | SurfacePansU |
+                                          SurfacePansV | SurfaceSmallWavy | SurfaceUnlit | SurfaceShiny;
 
 constexpr const char* defaultTexture = "default";
 
 std::string EntryKey(std::string_view texture, std::uint32_t flags) {
-  std::string key(texture);
-  std::transform(key.begin(), key.end(), key.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return key + '|' + std::to_string(flags);
+  return LowerCase(texture) + '|' + std::to_string(flags);
 }
 
 TextureMotion MotionOf(std::uint32_t flags) {
@@ -47,8 +45,10 @@ MaterialValues ValuesFor(const TextureEntry& entry, const std::string& litColor,
 }
 
 std::string MaterialName(const MaterialValues& values) {
-  std::string name = "Mat_" + values.Diffuse + " " + values.Specular + " " + values.Shininess + " " + values.Emissive + " " + values.Transparency;
-  std::replace_if(name.begin(), name.end(), [](char c) { return c == ' ' || c == '.'; }, '_');
+  std::string name = "Mat_" + values.Diffuse + " " + values.Specular + " " + values.Shininess + " " + values.Emissive +
+                     " " + values.Transparency;
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return c == ' ' || c == '.'; }, '_');
   return name;
 }
 
@@ -59,7 +59,8 @@ const char* TextureTransformName(TextureMotion motion) {
   return names[static_cast<int>(motion)];
 }
 
-MaterialWriter::MaterialWriter(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings, std::string litColor)
+MaterialWriter::MaterialWriter(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings,
+                               std::string litColor)
     : scene_(scene), resources_(resources), settings_(settings), litColor_(std::move(litColor)) {}
 
 int MaterialWriter::TextureNumber(std::string_view texture, std::uint32_t flags) {
@@ -69,7 +70,8 @@ int MaterialWriter::TextureNumber(std::string_view texture, std::uint32_t flags)
   TextureEntry entry;
   entry.Name = texture.empty() ? defaultTexture : std::string(texture);
   entry.Flags = kept;
-  if (!texture.empty()) entry.File = resources_.FindTexture(texture, kept & SurfaceMasked ? TextureUse::Masked : TextureUse::Ordinary);
+  if (!texture.empty())
+    entry.File = resources_.FindTexture(texture, kept & SurfaceMasked ? TextureUse::Masked : TextureUse::Ordinary);
   entry.AppearanceName = names_.Take(MakeDefName("T_" + entry.Name));
   entry.ImageName = ImageNameFor(entry);
   entries_.push_back(std::move(entry));
@@ -90,7 +92,8 @@ void MaterialWriter::WriteAppearance(int number, pugi::xml_node shape, RunInterf
     return;
   }
   user.ShowUniqueMaterials(++uniqueMaterialCount_);
-  const pugi::xml_node appearance = scene_.Open(shape, "      appearance ", "Appearance", entry.AppearanceName).Element();
+  const pugi::xml_node appearance =
+      scene_.Open(shape, "      appearance ", "Appearance", entry.AppearanceName).Element();
   // Without a material a surface is unlit (VRML97, clause 4.14.2), but then it has no transparency either.
   const bool withoutMaterial = scene_.Conforming() && IsUnlit(entry) && !(entry.Flags & SurfaceTranslucent);
   if (!withoutMaterial) WriteMaterial(entry, appearance);
@@ -123,8 +126,10 @@ void MaterialWriter::WriteTexture(const TextureEntry& entry, pugi::xml_node appe
   if (IsUnlit(entry) && !scene_.Conforming()) {
     const bool contact = settings_.OptionContact;
     parent = appearance.append_child(contact ? "texture" : "MultiTexture");
-    if (contact) scene_.NoteQuirk("the element \"texture\" in the .x3d, which X3D does not know");
-    else AddAttribute(parent, "mode", "MODULATE");
+    if (contact)
+      scene_.NoteQuirk("the element \"texture\" in the .x3d, which X3D does not know");
+    else
+      AddAttribute(parent, "mode", "MODULATE");
   }
   if (!imagesWritten_.insert(entry.ImageName).second) {
     scene_.Use(parent, "        texture ", "ImageTexture", entry.ImageName);

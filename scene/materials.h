@@ -24,7 +24,8 @@ struct TextureEntry {
   std::string ImageName;
 };
 
-/// The texture transforms that the surfaces of a run share, by what their animation does. The order is that of precedence.
+/// The texture transforms that the surfaces of a run share, by what their animation does. The order is that of
+/// precedence.
 enum class TextureMotion { PanUV, PanU, PanV, SmallWavy, Still };
 
 /// DEF name of a shared transform, "TEXTRANSUV" to "TEXTRANS".
@@ -34,7 +35,8 @@ const char* TextureTransformName(TextureMotion motion);
 class MaterialWriter {
  public:
   /// `litColor` is the diffuse colour of surfaces that take light.
-  MaterialWriter(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings, std::string litColor);
+  MaterialWriter(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings,
+                 std::string litColor);
 
   /// The number of the texture's entry for surfaces with these flags; made when it is new. Letter case does not count.
   int TextureNumber(std::string_view texture, std::uint32_t flags);

@@ -63,7 +63,8 @@ void SceneNode::AttributeOrder(std::initializer_list<const char*> names) {
 
 SceneWriter::SceneWriter(TextEncoding encoding, bool conforming) : encoding_(encoding), conforming_(conforming) {}
 
-SceneNode SceneWriter::Open(pugi::xml_node parent, std::string_view lead, const char* type, std::string_view def, std::string_view tail) {
+SceneNode SceneWriter::Open(pugi::xml_node parent, std::string_view lead, const char* type, std::string_view def,
+                            std::string_view tail) {
   const pugi::xml_node element = parent.append_child(type);
   if (def.empty()) {
     Line(lead, type, tail);
@@ -104,7 +105,8 @@ void SceneWriter::WriteReadyRoutes() {
 void SceneWriter::FinishRoutes(Report& report) {
   for (const Route& route : PendingRoutes) {
     const bool wanted = route.Scope != RouteScope::Text;
-    const bool possible = IsDefined(route.FromNode, RouteScope::Document) && IsDefined(route.ToNode, RouteScope::Document);
+    const bool possible =
+        IsDefined(route.FromNode, RouteScope::Document) && IsDefined(route.ToNode, RouteScope::Document);
     if (wanted && possible) {
       pugi::xml_node element = Scene.append_child("ROUTE");
       AddAttribute(element, "fromNode", route.FromNode);
@@ -113,7 +115,8 @@ void SceneWriter::FinishRoutes(Report& report) {
       AddAttribute(element, "toField", route.ToField);
     }
     if ((wanted && !possible) || (route.Scope != RouteScope::Document && !route.InText))
-      report.Add(route.FromNode, "its route to " + route.ToNode + "." + route.ToField + " was left out: one of the nodes was never written");
+      report.Add(route.FromNode, "its route to " + route.ToNode + "." + route.ToField +
+                                     " was left out: one of the nodes was never written");
   }
 }
 
@@ -123,7 +126,8 @@ void AddAttribute(pugi::xml_node element, const char* name, const std::string& v
   attribute.set_value(value.c_str());
 }
 
-void AddScriptField(pugi::xml_node parent, const std::string& name, const char* type, const char* accessType, const std::string& value) {
+void AddScriptField(pugi::xml_node parent, const std::string& name, const char* type, const char* accessType,
+                    const std::string& value) {
   pugi::xml_node field = parent.append_child("field");
   AddAttribute(field, "name", name);
   AddAttribute(field, "type", type);
@@ -145,10 +149,12 @@ void WritePassable(SceneNode& collision, const char* line) {
   const std::string indent(line, FieldName(line));
   collision.TextField(writer.Conforming() && writer.IsX3DClassic() ? (indent + "enabled").c_str() : line, "FALSE");
   collision.Attribute(writer.Conforming() ? "enabled" : "collide", "false");
-  if (writer.IsX3DClassic() && !writer.Conforming()) writer.NoteQuirk("the field \"collide\" in the .x3dv, which X3D calls \"enabled\"");
+  if (writer.IsX3DClassic() && !writer.Conforming())
+    writer.NoteQuirk("the field \"collide\" in the .x3dv, which X3D calls \"enabled\"");
 }
 
-void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, bool loop, bool enabled, pugi::xml_node parent) {
+void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, bool loop, bool enabled,
+                     pugi::xml_node parent) {
   SceneNode node = writer.Open(parent, "", "TimeSensor", name);
   node.Field(" cycleInterval", FormatGeneral(cycleInterval));
   node.Flag(" loop", loop);

@@ -24,10 +24,14 @@ std::string MakeDefName(std::string_view text) {
 std::string MakeSceneText(std::string_view text) {
   std::string result;
   for (const char c : text) {
-    if (c == '\'') result += '`';
-    else if (c == '"') result += "``";
-    else if (c == '&' || c == '<' || c == '\\' || static_cast<unsigned char>(c) < 0x20 || c == 0x7f) result += '_';
-    else result += c;
+    if (c == '\'')
+      result += '`';
+    else if (c == '"')
+      result += "``";
+    else if (c == '&' || c == '<' || c == '\\' || static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+      result += '_';
+    else
+      result += c;
   }
   return result;
 }

@@ -14,10 +14,18 @@ bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t
 /// Length of the UTF-8 sequence that `text` begins with; 0 when it begins with none.
 std::size_t Utf8Length(std::string_view text) {
   const auto first = static_cast<unsigned char>(text.front());
-  const std::size_t length = first < 0x80 ? 1 : first < 0xc2 ? 0 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : first < 0xf5 ? 4 : 0;
+  const std::size_t length = first < 0x80   ? 1
+                             : first < 0xc2 ? 0
+                             : first < 0xe0 ? 2
+                             : first < 0xf0 ? 3
+                             : first < 0xf5 ? 4
+                                            : 0;
   if (length > text.size()) return 0;
   const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; };
-  return std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(length, 1)), continues) ? length : 0;
+  return std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(length, 1)),
+                     continues)
+             ? length
+             : 0;
 }
 
 bool HasBadCharacters(std::string_view text) {
@@ -30,7 +38,9 @@ bool HasBadCharacters(std::string_view text) {
 }
 
 void AppendPlain(std::string& out, std::string_view value, XMLFaults& faults) {
-  const auto special = [](char c) { return c == '\'' || c == '&' || c == '<' || static_cast<unsigned char>(c) >= 0x80 || IsControl(c); };
+  const auto special = [](char c) {
+    return c == '\'' || c == '&' || c == '<' || static_cast<unsigned char>(c) >= 0x80 || IsControl(c);
+  };
   if (std::any_of(value.begin(), value.end(), special)) {
     faults.Markup = faults.Markup || value.find_first_of("'&<") != value.npos;
     faults.Characters = faults.Characters || HasBadCharacters(value);
@@ -41,19 +51,28 @@ void AppendPlain(std::string& out, std::string_view value, XMLFaults& faults) {
 /// Line breaks as character references: a reader would turn plain ones into blanks (XML 1.0, clause 3.3.3).
 void AppendEscaped(std::string& out, std::string_view value) {
   for (const char c : value) {
-    if (c == '&') out += "&amp;";
-    else if (c == '<') out += "&lt;";
-    else if (c == '\'') out += "&apos;";
-    else if (c == '\n') out += "&#10;";
-    else if (c == '\r') continue;
-    else if (IsControl(c)) out += '_';
-    else AppendCoded(out, std::string_view(&c, 1), TextCoding::Utf8);
+    if (c == '&')
+      out += "&amp;";
+    else if (c == '<')
+      out += "&lt;";
+    else if (c == '\'')
+      out += "&apos;";
+    else if (c == '\n')
+      out += "&#10;";
+    else if (c == '\r')
+      continue;
+    else if (IsControl(c))
+      out += '_';
+    else
+      AppendCoded(out, std::string_view(&c, 1), TextCoding::Utf8);
   }
 }
 
 void AppendValue(std::string& out, std::string_view value, bool conforming, XMLFaults& faults) {
-  if (conforming && value.find_first_not_of(" ,-.0123456789") != value.npos) AppendEscaped(out, value);
-  else AppendPlain(out, value, faults);
+  if (conforming && value.find_first_not_of(" ,-.0123456789") != value.npos)
+    AppendEscaped(out, value);
+  else
+    AppendPlain(out, value, faults);
 }
 
 void AppendAttributes(const pugi::xml_node& element, std::string& out, bool conforming, XMLFaults& faults) {
@@ -96,7 +115,8 @@ void WriteXMLNode(const pugi::xml_node& node, TextFile& file, int depth, bool co
   file.Append(indent + "</" + node.name() + ">\r\n");
 }
 
-bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming, XMLFaults& faults) {
+bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming,
+             XMLFaults& faults) {
   TextFile file(path, TextCoding::AsIs);
   for (const pugi::xml_node& node : document.children())
     WriteXMLNode(node, file, 0, conforming, faults);

@@ -14,8 +14,8 @@ struct XMLFaults {
   bool Characters = false; ///< a control character, or bytes that are not UTF-8
 };
 
-/// Writes a document: one tag a line, one blank of indentation a level, attributes in single quotes. As held in the tree,
-/// or escaped and in UTF-8 when `conforming`. False when the file cannot be written.
+/// Writes a document: one tag a line, one blank of indentation a level, attributes in single quotes. As held in the
+/// tree, or escaped and in UTF-8 when `conforming`. False when the file cannot be written.
 bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming, XMLFaults& faults);
 
 /// Writes a node and everything below it, `depth` levels deep.

@@ -9,9 +9,11 @@ needed=(build-essential g++ cmake ninja-build
         qt6-base-dev libgtest-dev libbenchmark-dev "$@")
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-  echo "This is not a Debian-based system, so nothing is installed here. Quarvel needs: a C++20 compiler (g++ 12 or newer)," >&2
-  echo "CMake 3.25 or newer, Ninja, and the libraries pugixml, SimpleIni, CLI11, libpng, libjpeg-turbo, Qt 6 Widgets," >&2
-  echo "GoogleTest and Google Benchmark, with their headers. Install them with your package manager and run this again." >&2
+  cat >&2 <<'MESSAGE'
+This is not a Debian-based system, so nothing is installed here. Quarvel needs a C++20 compiler (g++ 12 or newer),
+CMake 3.25 or newer, Ninja, and with their headers the libraries pugixml, SimpleIni, CLI11, libpng, libjpeg-turbo,
+Qt 6 Widgets, GoogleTest and Google Benchmark. Install them with your package manager and run this again.
+MESSAGE
   for tool in c++ cmake ninja; do
     command -v "$tool" >/dev/null || { echo "Missing: $tool" >&2; exit 1; }
   done

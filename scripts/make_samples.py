@@ -2,7 +2,7 @@
 """Makes the sample levels with their textures, sounds and meshes, and the teleporter model's texture.
 
     make_samples.py             writes the files
-    make_samples.py --check     tells which of the files in the tree are not what this script makes; exit status 1 if any
+    make_samples.py --check     tells which files in the tree are not what this script makes; exit status 1 if any
 
 Needs nothing but Python's standard library. What it writes is part of the repository.
 """
@@ -10,7 +10,7 @@ Needs nothing but Python's standard library. What it writes is part of the repos
 import sys
 from pathlib import Path
 
-from samplelib import harbour, image_files, sounds, textures
+from samplelib import harbour, image_files, meshes, sounds, terrace, textures
 
 ROOT = Path(__file__).resolve().parent.parent
 
@@ -29,17 +29,18 @@ def texture_files():
         "glass.png": png(textures.glass()),
         "grass.png": png(textures.grain((38, 58, 24), (122, 146, 66), 21, 0.45)),
         "grating.bmp": image_files.bmp(textures.grating()),
-        "lamp.png": png(textures.lamp()),
+        "lamp.tga": image_files.tga(textures.lamp()),
         "lava.png": png(textures.lava()),
         "metal.png": png(textures.metal()),
         "netting.pcx": image_files.pcx(textures.netting()),
-        "planks.tga": image_files.tga(textures.planks()),
+        "planks.png": png(textures.planks()),
         "plaster.png": png(textures.grain((150, 142, 126), (216, 208, 190), 22, 0.25)),
         "quay.png": png(textures.masonry(32, 16, textures.ramp((44, 48, 50), (150, 150, 142), 16), 23)),
         "sand.png": png(textures.grain((120, 102, 74), (192, 170, 128), 24, 0.35)),
         "shingle.png": png(textures.shingles()),
         "sign.png": png(textures.sign()),
         "sun.png": png(textures.sun()),
+        "terrace_heights.bmp": image_files.grey16_bmp(terrace.height_map()),
         "water.png": png(textures.water()),
     }
 
@@ -49,10 +50,20 @@ def sound_files():
     return {name + ".wav": getattr(sounds, name)() for name in names}
 
 
+def model_files():
+    """Every model in both encodings."""
+    props = {"Bench": meshes.bench(), "Gate": meshes.gate(), "Lantern": meshes.lantern(), "Urn": meshes.urn()}
+    models = {"samples/meshes/Terrace/" + name: parts for name, parts in props.items()}
+    models["resources/data/TheVisTeleporter"] = meshes.teleporter()
+    files = {name + ".wrl": meshes.wrl(parts).encode("ascii") for name, parts in models.items()}
+    return files | {name + ".x3d": meshes.x3d(parts).encode("ascii") for name, parts in models.items()}
+
+
 def all_files():
     """Every file by its path below the root."""
-    files = {"resources/data/VisTeleport.png": image_files.png(textures.crystal())}
+    files = {"resources/data/VisTeleport.png": image_files.png(textures.crystal())} | model_files()
     files["samples/harbour.t3d"] = harbour.level().encode("ascii")
+    files["samples/terrace.t3d"] = terrace.level().encode("ascii")
     files |= {"samples/textures/" + name: data for name, data in texture_files().items()}
     files |= {"samples/sounds/" + name: data for name, data in sound_files().items()}
     return files

@@ -59,7 +59,8 @@ LevelText::LevelText(std::string_view text) : Text(text), Actors(IndexActors(tex
 
 const ActorBlock* FindActor(const LevelText& level, TextCursor& cursor, std::string_view searchText) {
   const auto before = [](const ActorBlock& actor, TextCursor position) { return actor.From < position; };
-  for (auto at = std::lower_bound(level.Actors.begin(), level.Actors.end(), cursor, before); at != level.Actors.end(); ++at) {
+  for (auto at = std::lower_bound(level.Actors.begin(), level.Actors.end(), cursor, before); at != level.Actors.end();
+       ++at) {
     if (!at->IsComplete() || !FitsSearchText(at->Class, searchText)) continue;
     cursor = at->To + static_cast<TextCursor>(endActor.size());
     return &*at;

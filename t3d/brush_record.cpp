@@ -16,7 +16,8 @@ std::string_view PolygonWord(std::string_view text, std::string_view key, TextCu
   const TextCursor at = FindText(text, key, from, to);
   if (at == 0) return {};
   const std::size_t start = static_cast<std::size_t>(at) - 1 + key.size();
-  std::string_view word = text.substr(start, std::min(text.find_first_of(" \t\r\n", start), static_cast<std::size_t>(to) - 1) - start);
+  std::string_view word =
+      text.substr(start, std::min(text.find_first_of(" \t\r\n", start), static_cast<std::size_t>(to) - 1) - start);
   if (word.size() >= 2 && word.front() == '"' && word.back() == '"') word = word.substr(1, word.size() - 2);
   return word;
 }
@@ -50,7 +51,8 @@ void ReadVertices(std::string_view text, TextCursor cursor, TextCursor to, std::
 
 /// Reads the polygon between its "Begin Polygon" and "End Polygon". The first line holds names that may look like the
 /// keys of the lines below it.
-void ReadPolygonBody(std::string_view text, TextCursor from, TextCursor to, PolygonRecord& polygon, NumberCheck& check) {
+void ReadPolygonBody(std::string_view text, TextCursor from, TextCursor to, PolygonRecord& polygon,
+                     NumberCheck& check) {
   polygon.Texture = PolygonWord(text, "Texture=", from, to);
   polygon.Flags = ParseFlags(PolygonWord(text, "Flags=", from, to));
   TextCursor lines = from;
@@ -157,7 +159,8 @@ void ReadPolygons(std::string_view text, TextCursor from, TextCursor to, BrushRe
 
 } // namespace
 
-bool ReadBrush(const LevelText& level, TextCursor& cursor, std::string_view searchText, BrushRecord& brush, NumberCheck& check) {
+bool ReadBrush(const LevelText& level, TextCursor& cursor, std::string_view searchText, BrushRecord& brush,
+               NumberCheck& check) {
   const ActorBlock* actor = FindActor(level, cursor, searchText);
   if (actor == nullptr) return false;
   brush = BrushRecord();

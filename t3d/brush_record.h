@@ -71,13 +71,14 @@ struct BrushRecord {
   std::string StaticMesh; ///< of the second generation's movers, which have no polygons
   bool IsLoopMover = false, IsMover = false;
   SoundBlock Sound;
-  std::uint32_t PolyFlags = 0;          ///< already in the polygons' flags
+  std::uint32_t PolyFlags = 0; ///< already in the polygons' flags
   std::vector<PolygonRecord> Polygons;
   int DamagedPolygons = 0; ///< polygons left out because their end is missing
 };
 
 /// Reads the next actor that fits the search text. False when there is none.
-bool ReadBrush(const LevelText& level, TextCursor& cursor, std::string_view searchText, BrushRecord& brush, NumberCheck& check);
+bool ReadBrush(const LevelText& level, TextCursor& cursor, std::string_view searchText, BrushRecord& brush,
+               NumberCheck& check);
 
 /// Reads a bare "Begin PolyList" block (a file without actors) as one additive brush. False when there is none.
 bool ReadPolyList(std::string_view text, TextCursor& cursor, BrushRecord& brush, NumberCheck& check);

@@ -70,7 +70,9 @@ TextBlock::TextBlock(std::string_view text, TextCursor from, TextCursor to)
     IndexEqualsSigns(at, nested == 0 ? to_ : nested);
     if (nested == 0) return;
     const std::string_view behind = text_.substr(Offset(nested) + 6, 6);
-    const std::string_view closing = behind.starts_with("Brush ") ? "End Brush" : behind == "Object" ? "End Object" : "";
+    const std::string_view closing = behind.starts_with("Brush ") ? "End Brush"
+                                     : behind == "Object"         ? "End Object"
+                                                                  : "";
     at = closing.empty() ? nested + 6 : FindText(text_, closing, nested, to_);
     if (closing.empty()) IndexEqualsSigns(nested, at);
   }
@@ -210,7 +212,8 @@ bool GetColor(const TextBlock& block, std::string_view key, ColorRGB& target) {
   return inRange;
 }
 
-Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to, NumberCheck& check) {
+Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to,
+                         NumberCheck& check) {
   const TextCursor at = FindText(text, key, cursor, to);
   if (at == 0) return {};
   cursor = at + static_cast<TextCursor>(key.size());
@@ -273,7 +276,8 @@ std::string_view GetBetween(std::string_view text, std::string_view opening, std
   return n < 1 ? std::string_view() : GetBetweenFrom(text, Cursor(at), opening, closing);
 }
 
-std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening, std::string_view closing) {
+std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening,
+                                std::string_view closing) {
   const std::size_t at = text.find(opening, Offset(cursor));
   if (at == text.npos) return {};
   const std::size_t start = at + opening.size();
@@ -286,14 +290,6 @@ bool TryGetBetween(std::string_view text, std::string_view opening, std::string_
   if (at == text.npos || text.find(closing, at + opening.size()) == text.npos) return false;
   target = GetBetweenFrom(text, 1, opening, closing);
   return true;
-}
-
-bool SameText(std::string_view a, std::string_view b) { return a.size() == b.size() && StartsWithText(a, b); }
-
-bool StartsWithText(std::string_view text, std::string_view prefix) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  return text.size() >= prefix.size() &&
-         std::equal(prefix.begin(), prefix.end(), text.begin(), [&](char a, char b) { return lower(a) == lower(b); });
 }
 
 } // namespace quarvel

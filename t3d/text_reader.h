@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/run_interface.h"
+#include "math/ascii_text.h"
 #include "math/vector.h"
 
 #include <cstdint>
@@ -15,17 +16,18 @@ namespace quarvel {
 /// A 1-based character position in the T3D text; 0 means "not found". Positions below 1 are taken as 1.
 using TextCursor = std::int32_t;
 
-/// The whole file as 8-bit text: no decoding, line breaks as they stand. Read in pieces between which `user` may process
-/// events and ask for a stop (the text read so far is returned then). nullopt when the file cannot be read, or is larger
-/// than a TextCursor reaches.
+/// The whole file as 8-bit text: no decoding, line breaks as they stand. Read in pieces between which `user` may
+/// process events and ask for a stop (the text read so far is returned then). nullopt when the file cannot be read, or
+/// is larger than a TextCursor reaches.
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, RunInterface& user);
 
-/// First occurrence at or after `from` that starts at or before `to`; 0 when there is none. Never looks beyond the bound.
+/// First occurrence at or after `from` that starts at or before `to`; 0 when there is none. Never looks beyond the
+/// bound.
 TextCursor FindText(std::string_view text, std::string_view what, TextCursor from, TextCursor to);
 
 /// The bounds of every search made for one actor, polygon or object, with the positions of the "=" signs between them:
-/// a key ends in "=", so looking one up costs a few comparisons, not a scan. What stands in nested "Begin Brush" and "Begin
-/// Object" blocks belongs to them and is left out.
+/// a key ends in "=", so looking one up costs a few comparisons, not a scan. What stands in nested "Begin Brush" and
+/// "Begin Object" blocks belongs to them and is left out.
 class TextBlock {
  public:
   TextBlock(std::string_view text, TextCursor from, TextCursor to);
@@ -70,14 +72,16 @@ std::string GetQuotedValue(const TextBlock& block, std::string_view key);
 /// The number behind the key, 0 when it is missing or empty.
 double GetKeyOrZero(const TextBlock& block, std::string_view key);
 
-/// Each of these sets `target` and returns true when the key is there, and leaves it alone otherwise. Texts lose one pair
-/// of surrounding quotes; booleans are true unless the word is "False"; 16-bit integers are rounded and held in range.
+/// Each of these sets `target` and returns true when the key is there, and leaves it alone otherwise. Texts lose one
+/// pair of surrounding quotes; booleans are true unless the word is "False"; 16-bit integers are rounded and held in
+/// range.
 bool GetKeyValue(const TextBlock& block, std::string_view key, std::string& target);
 bool GetKeyValue(const TextBlock& block, std::string_view key, bool& target);
 bool GetKeyValue(const TextBlock& block, std::string_view key, double& target);
 bool GetKeyValue(const TextBlock& block, std::string_view key, std::int16_t& target);
 
-/// Components are read from the ten characters behind "X=", "Y=" and "Z=" on the key's line; a missing one is `fallback`.
+/// Components are read from the ten characters behind "X=", "Y=" and "Z=" on the key's line; a missing one is
+/// `fallback`.
 Vector3 GetVector(const TextBlock& block, std::string_view key, double fallback);
 Vector3 GetVectorOr0(const TextBlock& block, std::string_view key);
 Vector3 GetVectorOr1(const TextBlock& block, std::string_view key);
@@ -92,9 +96,11 @@ struct NumberCheck {
   bool BadNumbersWarned = false;
 };
 
-/// The three numbers behind the key on its line, separated by commas; zeros when the key is missing before `to`. Components
-/// beyond plus or minus 1000000 become plus or minus 1, and the user is told. The cursor moves behind the line's end.
-Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to, NumberCheck& check);
+/// The three numbers behind the key on its line, separated by commas; zeros when the key is missing before `to`.
+/// Components beyond plus or minus 1000000 become plus or minus 1, and the user is told. The cursor moves behind the
+/// line's end.
+Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to,
+                         NumberCheck& check);
 /// The three numbers between `from` and the line's end, or `to`, without that check.
 Vector3 ReadTripleOfLine(std::string_view text, TextCursor& cursor, TextCursor to);
 
@@ -106,11 +112,8 @@ std::string_view NextWord(std::string_view text, TextCursor& cursor);
 std::string_view NextToken(std::string_view text, std::string_view delimiter, TextCursor& cursor);
 /// The text between the n-th opening and the next closing, "" when there is none.
 std::string_view GetBetween(std::string_view text, std::string_view opening, std::string_view closing, int n);
-std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening, std::string_view closing);
+std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening,
+                                std::string_view closing);
 bool TryGetBetween(std::string_view text, std::string_view opening, std::string_view closing, std::string& target);
-
-/// ASCII letters without regard to case: how values that were read are compared.
-bool SameText(std::string_view a, std::string_view b);
-bool StartsWithText(std::string_view text, std::string_view prefix);
 
 } // namespace quarvel

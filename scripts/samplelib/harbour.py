@@ -1,10 +1,8 @@
 """The sample level of the first generation: a small harbour with one of everything that is converted.
 
-X runs along the quay to the right, Y from the town (negative) over the water, Z is up; the quay lies at Z 0, the water at
--64. North is negative Y.
+X runs along the quay to the right, Y from the town (negative) over the water, Z is up. The quay lies at Z 0, the water
+at -64. North is negative Y.
 """
-
-import math
 
 from . import solids
 from .harbour_actors import add_actors
@@ -38,7 +36,8 @@ def level():
     _quayside(town)
     _terrace(town)
     _lighthouse(town)
-    _movers(town)
+    _opening_movers(town)
+    _restless_movers(town)
     _sky(town)
     add_actors(town)
     return town.text()
@@ -114,9 +113,8 @@ def _warehouse(town):
     town.brush(wedge, at=(-880, -304, 0))
     town.brush(wedge, at=(-656, -304, 0), main=scale((-1, 1, 1)))
     board = Look("sign", UNLIT, fit=(128, 64))
-    town.brush(
-        box((-832, -320, 172), (-704, -312, 236), PLANKS, south=board), ("url", quoted("http---www--example--org/harbour"))
-    )
+    address = ("url", quoted("http---www--example--org/harbour"))
+    town.brush(box((-832, -320, 172), (-704, -312, 236), PLANKS, south=board), address)
     lost = Look("tide_table", fit=(128, 128))
     town.brush(box((-1088, -320, 64), (-992, -314, 136), PLANKS, south=lost))
     rail = [(-1160, -904), (-376, -904), (-376, -312), (-1160, -312)]
@@ -137,10 +135,9 @@ def _crates(town):
 
 def _quayside(town):
     edge = Look("grating", MASKED | TWO_SIDED)
-    town.brush(
-        solids.sheet(_facing_south(192, 880, -72, 0, 64), edge) + solids.sheet(_facing_south(1040, 1280, -72, 0, 64), edge),
-        flags=NONSOLID,
-    )
+    long_rail = solids.sheet(_facing_south(192, 880, -72, 0, 64), edge)
+    short_rail = solids.sheet(_facing_south(1040, 1280, -72, 0, 64), edge)
+    town.brush(long_rail + short_rail, flags=NONSOLID)
     town.brush(box((192, -80, 0), (880, -64, 160), Look("", INVISIBLE)), flags=NONSOLID)
     bollard = solids.extrude(ring(8, 16), 0, 40, METAL, Look("metal", texels=2))
     town.brush(bollard, at=(-576, -96, 0))
@@ -202,7 +199,8 @@ def _lighthouse(town):
     town.brush(solids.spire(ring(8, 84, place), 464, (*place, 560), SHINGLE, PLANKS))
 
 
-def _movers(town):
+def _opening_movers(town):
+    """A door, the lift, the drawbridge and the load of the crane."""
     door = box((-832, -346, 0), (-704, -326, 160), PLANKS)
     town.brush(
         door,
@@ -239,6 +237,20 @@ def _movers(town):
         pivot=(-128, 0, 8),
     )
     town.brush(
+        box((-96, 64, 48), (-32, 128, 112), CRATE),
+        ("AttachTag", quoted("craneLamp")),
+        ("MoveTime", number(3)),
+        ("KeyPos(1)", "(Z=-112.000000)"),
+        ("BasePos", "(X=-64.000000,Y=96.000000,Z=80.000000)"),
+        ("InitialState", quoted("TriggerToggle")),
+        kind="AttachMover",
+        tag="crane",
+    )
+
+
+def _restless_movers(town):
+    """What moves all the time: a boat, a water wheel and the lighthouse's lamp."""
+    town.brush(
         _boat(),
         ("MoveTime", number(5)),
         ("NumKeys", "3"),
@@ -264,16 +276,6 @@ def _movers(town):
         ("BasePos", "(X=960.000000,Y=640.000000,Z=424.000000)"),
         kind="RotatingMover",
         at=(960, 640, 424),
-    )
-    town.brush(
-        box((-96, 64, 48), (-32, 128, 112), CRATE),
-        ("AttachTag", quoted("craneLamp")),
-        ("MoveTime", number(3)),
-        ("KeyPos(1)", "(Z=-112.000000)"),
-        ("BasePos", "(X=-64.000000,Y=96.000000,Z=80.000000)"),
-        ("InitialState", quoted("TriggerToggle")),
-        kind="AttachMover",
-        tag="crane",
     )
 
 
@@ -301,5 +303,6 @@ def _sky(town):
     town.brush(solids.wall_sheets(ring(8, 288)[::-1], -1580, -1320, DUSK), flags=NONSOLID)
     town.brush(solids.sheet(_flat(-288, -288, 288, 288, -1320)[::-1], CLOUDS), flags=NONSOLID)
     sun = Look("sun", UNLIT | MASKED | TWO_SIDED, fit=(32, 32))
-    town.brush(solids.sheet([(-272, 40, -1500), (-272, 40, -1420), (-272, -40, -1420), (-272, -40, -1500)], sun), flags=NONSOLID)
+    disc = [(-272, 40, -1500), (-272, 40, -1420), (-272, -40, -1420), (-272, -40, -1500)]
+    town.brush(solids.sheet(disc, sun), flags=NONSOLID)
     town.in_zone("LevelInfo", 1)

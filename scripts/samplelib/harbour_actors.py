@@ -42,8 +42,8 @@ def _zones(town):
 
 
 def _light(brightness, hue, saturation, radius, *more):
-    keys = (("LightBrightness", brightness), ("LightHue", hue), ("LightSaturation", saturation), ("LightRadius", radius))
-    return [(key, str(value)) for key, value in keys] + list(more)
+    values = {"Brightness": brightness, "Hue": hue, "Saturation": saturation, "Radius": radius}
+    return [("Light" + key, str(value)) for key, value in values.items()] + list(more)
 
 
 def _lights(town):
@@ -56,16 +56,18 @@ def _lights(town):
     town.in_zone("ZoneInfo", 2)
     town.actor("Light", at=(-560, -736, 200), late=_light(180, 36, 120, 30))
     town.actor("Light", at=(-992, -448, 200), late=_light(128, 150, 160, 26))
-    town.actor("TriggerLight", ("ChangeTime", number(0.8)), at=(-768, -608, 216), tag="lantern", late=_light(240, 34, 90, 36))
+    lantern = _light(240, 34, 90, 36)
+    town.actor("TriggerLight", ("ChangeTime", number(0.8)), at=(-768, -608, 216), tag="lantern", late=lantern)
     town.in_zone("LevelInfo", 1)
-    fire = [("AmbientSound", sound("Loops", "crackle")), ("SoundRadius", "24"), ("SoundVolume", "220"), ("SoundPitch", "72")]
+    fire = [("AmbientSound", sound("Loops", "crackle"))]
+    fire += [("SoundRadius", "24"), ("SoundVolume", "220"), ("SoundPitch", "72")]
     glow = _light(220, 14, 60, 28, ("LightType", "LT_Flicker"), ("LightEffect", "LT_FLICKER"))
     town.actor("Light", at=(1016, -888, 224), late=fire + glow)
-    spot = _light(255, 40, 200, 96, ("LightCone", "72"))
+    spot = [("LightEffect", "LE_StaticSpot")] + _light(255, 40, 200, 96, ("LightCone", "72"))
     bridge = (960, 64, 0)
     mast = (960, 520, 336)
-    town.actor("Spotlight", dynamic, at=mast, turned=facing(mast, bridge), late=[("LightEffect", "LE_StaticSpot")] + spot)
-    town.actor("Sunlight", dynamic, at=(-900, 600, 800), turned=(-5200, -6000, 0), late=_light(120, 18, 150, 64))
+    town.actor("Spotlight", dynamic, at=mast, turned=facing(mast, bridge), late=spot)
+    town.actor("Sunlight", dynamic, at=(-900, 600, 800), turned=(-8200, -6000, 0), late=_light(190, 20, 190, 64))
     town.actor("Light", at=(-64, 96, 128), tag="craneLamp", late=_light(160, 32, 140, 16))
     town.in_zone("SkyZoneInfo", 3)
     town.actor("Light", at=(-200, 0, -1440), late=_light(255, 20, 180, 64))
@@ -122,7 +124,7 @@ def _triggers(town):
     town.actor("Trigger", ("ReTriggerDelay", number(8)), at=(960, 288, 48), event="bridgecall", late=_size(128, 64))
     town.actor("Trigger", at=(1016, -784, 168), event="hammer")
     town.actor("Trigger", ("bInitiallyActive", "False"), at=(160, -400, 48), event="nobody")
-    # The bell first, then the bridge, then (later still) a lamp at the forge that no light answers to.
+    # The bell first, then the bridge.
     town.actor(
         "Dispatcher",
         ("OutEvents(0)", quoted("bridgebell")),
@@ -158,9 +160,11 @@ def _teleporters(town):
     town.actor("Teleporter", ("URL", quoted("gallery")), at=(-1056, -784, 44), turned=(0, 8192, 0), tag="store")
     town.in_zone("LevelInfo", 1)
     town.actor("Teleporter", ("URL", quoted("store")), at=(832, 640, 408), turned=(0, 2 * QUARTER, 0), tag="gallery")
-    town.actor("Teleporter", ("URL", quoted("Marsh.unr#ferry")), at=(1216, -384, 44), turned=(0, 2 * QUARTER, 0), tag="towngate")
-    number_one = ("FavoriteNumber", "1")
-    town.actor("FavoritesTeleporter", number_one, ("URL", quoted("Quayside")), at=(720, 896, 44), turned=(0, -8192, 0), tag="mole")
+    # One that leads to another level.
+    away = ("URL", quoted("Marsh.unr#ferry"))
+    town.actor("Teleporter", away, at=(1216, -384, 44), turned=(0, 2 * QUARTER, 0), tag="towngate")
+    home = (("FavoriteNumber", "1"), ("URL", quoted("Quayside")))
+    town.actor("FavoritesTeleporter", *home, at=(720, 896, 44), turned=(0, -8192, 0), tag="mole")
     town.actor("VisibleTeleporter", ("URL", quoted("mole")), at=(160, -640, 52), turned=(0, QUARTER, 0), tag="quayside")
 
 
@@ -181,7 +185,8 @@ def _flights(town):
         here = (round(960 + 330 * math.cos(angle)), round(640 + 330 * math.sin(angle)), 440 + 24 * (step % 2))
         circle.append((here, (-800, round(QUARTER * (step + 1)), 2400)))
     _path(town, "gull", circle)
-    town.actor("SpecialEvent", ("InitialState", quoted("PlayerPath")), at=(960, 900, 48), tag="followGull", event="gull")
+    ride = ("InitialState", quoted("PlayerPath"))
+    town.actor("SpecialEvent", ride, at=(960, 900, 48), tag="followGull", event="gull")
 
 
 def _path(town, tag, points, slow=None):

@@ -87,7 +87,7 @@ def pcx(picture):
     """An 8-bit pcx: runs per line, the palette after the byte 12 at the end."""
     line_bytes = picture.width + picture.width % 2
     size = (0, 0, picture.width - 1, picture.height - 1)
-    header = struct.pack("<BBBB4H2H", 10, 5, 1, 8, *size, 72, 72) + bytes(48) + struct.pack("<BBHH", 0, 1, line_bytes, 1)
+    header = struct.pack("<BBBB4H2H48xBBHH", 10, 5, 1, 8, *size, 72, 72, 0, 1, line_bytes, 1)
     palette = picture.palette + [(0, 0, 0)] * (256 - len(picture.palette))
     data = b"".join(_pcx_line(bytes(row) + b"\0" * (line_bytes - picture.width)) for row in picture.rows)
     return header.ljust(128, b"\0") + data + b"\x0c" + b"".join(bytes(colour) for colour in palette)

@@ -1,7 +1,7 @@
 """Polygons of brushes: boxes, prisms, stairs and sheets in Unreal units, with their texture axes.
 
-The editor's axes are left-handed (X right, Y towards the reader, Z up on a map), but a polygon's normal is the right-hand
-normal of its vertex order taken on the raw numbers. Points are (x, y, z).
+The editor's axes are left-handed (on a map X points right, Y towards the reader, Z up), but a polygon's normal is the
+right-hand normal of its vertex order taken on the raw numbers. Points are (x, y, z).
 """
 
 import math
@@ -49,9 +49,12 @@ def newell(points):
 
 @dataclass(frozen=True)
 class Look:
-    """What a polygon wears. texels: texture pixels per Unreal unit. world: the texture starts at the level's origin, so that
-    it runs on over neighbouring brushes; else at the polygon's upper left corner. fit: (width, height) of a texture that
-    covers the polygon once."""
+    """What a polygon wears.
+
+    texels: texture pixels per Unreal unit. world: the texture starts at the level's origin, so that it runs on over
+    neighbouring brushes; else at the polygon's upper left corner. fit: (width, height) of a texture that covers the
+    polygon once.
+    """
 
     texture: str = ""
     flags: int = 0

@@ -68,10 +68,37 @@ class Level:
         self._close(late, name)
         return name
 
-    def brush(self, polygons, *properties, kind="Brush", at=None, turned=(0, 0, 0), pivot=(0, 0, 0), main=None, post=None,
-              csg="CSG_Add", flags=0, tag=None, event=None):
-        """Adds a brush or mover. Without a place, the polygons are where they stand in the level, and their middle becomes
-        the brush's location."""
+    def scene_manager(self, actions, at):
+        """Adds a scene manager that moves the camera; actions are lists of (key, text) pairs."""
+        name = self._open("SceneManager", [])
+        references = []
+        for keys in actions:
+            action = "ActionMoveCamera%d" % self.count["ActionMoveCamera"]
+            self.count["ActionMoveCamera"] += 1
+            self.lines.append("     Begin Object Class=ActionMoveCamera Name=" + action)
+            self.lines += [f"         {key}={text}" for key, text in [*keys, ("Name", quoted(action))]]
+            self.lines.append("     End Object")
+            references.append(f"ActionMoveCamera'{self._owned(action)}'")
+        self._write([(f"Actions({index})", reference) for index, reference in enumerate(references)])
+        self._place("SceneManager", None, None, at, (0, 0, 0))
+        self._close([], name)
+
+    def brush(
+        self,
+        polygons,
+        *properties,
+        kind="Brush",
+        csg="CSG_Add",
+        at=None,
+        turned=(0, 0, 0),
+        pivot=(0, 0, 0),
+        main=None,
+        post=None,
+        flags=0,
+        tag=None,
+    ):
+        """Adds a brush or mover. Without a place, the polygons are where they stand in the level, and their middle
+        becomes the brush's location."""
         if at is None:
             corners = [point for polygon in polygons for point in polygon.points]
             at = tuple(round(c) for c in middle([tuple(map(min, zip(*corners))), tuple(map(max, zip(*corners)))]))
@@ -82,7 +109,7 @@ class Level:
         scales += [("PolyFlags", str(flags))] if flags else []
         csg_lines = [("CsgOper", csg)] if csg and kind == "Brush" else []
         name = self._open(kind, csg_lines + list(properties) + scales)
-        self._place(kind, tag, event, at, turned)
+        self._place(kind, tag, None, at, turned)
         model = "Model%d" % self.count["Model"]
         self.count["Model"] += 1
         self._poly_list(polygons, model, origin, shift)

@@ -83,7 +83,8 @@ def masonry(width, height, palette, seed):
 
 def cobble():
     palette = ramp((38, 36, 34), (168, 158, 146), 16)
-    points = [(8 + 16 * i + 9 * chance(i, j, 1) - 4, 8 + 16 * j + 9 * chance(i, j, 2) - 4) for i in range(4) for j in range(4)]
+    cells = [(i, j) for i in range(4) for j in range(4)]
+    points = [(16 * i + 4 + 9 * chance(i, j, 1), 16 * j + 4 + 9 * chance(i, j, 2)) for i, j in cells]
 
     def pixel(x, y):
         def apart(point):
@@ -93,12 +94,13 @@ def cobble():
 
         near, second = sorted(points, key=apart)[:2]
         edge = min(1.0, (apart(second) - apart(near)) / 6)
-        return shade(0.1 + edge * (0.35 + 0.3 * chance(int(near[0]), int(near[1]), 3)) + 0.25 * clouds(x, y, 64, 4), palette)
+        stone = 0.35 + 0.3 * chance(int(near[0]), int(near[1]), 3)
+        return shade(0.1 + edge * stone + 0.25 * clouds(x, y, 64, 4), palette)
 
     return Picture(64, 64, palette).paint(pixel)
 
 
-def planks(width=32, height=64):
+def planks():
     palette = ramp((44, 30, 18), (150, 112, 70), 24)
 
     def pixel(x, y):
@@ -108,16 +110,15 @@ def planks(width=32, height=64):
         grain = noise(x * 2 % 64, (y + 13 * board) % 64 // 4 * 4, 4, 64, 5 + board)
         return shade(0.35 + 0.2 * chance(board, 0, 6) + 0.4 * (grain - 0.3), palette)
 
-    return Picture(width, height, palette).paint(pixel)
+    return Picture(32, 64, palette).paint(pixel)
 
 
 def shingles():
     palette = ramp((40, 22, 26), (150, 84, 72), 16)
 
     def pixel(x, y):
-        row = y // 16
         joint, tile = courses(x, y, 16, 16, 64, 7)
-        if (x + (8 if row % 2 else 0)) % 16 == 0 or y % 16 == 15:
+        if joint == 0 and y % 16 or y % 16 == 15:
             return 0
         return shade(0.25 + 0.4 * (y % 16) / 16 + 0.25 * tile, palette)
 
