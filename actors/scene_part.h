@@ -30,6 +30,7 @@ bool ReadShown(const ScenePart& part, Read read, const LevelText& level, TextCur
                std::string_view searchText, Record& record) {
   while (read(level, cursor, searchText, record)) {
     if (!part.Shows(record.Header)) continue;
+    if constexpr (requires { record.BasePos; }) record.BasePos = SubtractVector(record.BasePos, part.Origin);
     if constexpr (requires { record.Location; }) record.Location = SubtractVector(record.Location, part.Origin);
     return true;
   }
