@@ -1,8 +1,8 @@
 #include "core/run_passes.h"
 
 #include "actors/triggers.h"
+#include "core/actor_passes.h"
 #include "core/level_check.h"
-#include "core/world_nodes.h"
 #include "t3d/brush_record.h"
 
 #include <array>
@@ -118,29 +118,6 @@ void ProcessMovers(RunState& run) {
     ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", ""});
 }
 
-/// The level's title and author, and the fog of the level and its zones.
-void ScanAmbience(RunState& run) {
-  run.User.ShowPass("Scanning ambience");
-  LevelRecord info;
-  TextCursor cursor = 1;
-  if (ReadShown(run.Actors.Part, ReadLevel, run.Level, cursor, LevelSearchText, info)) WriteWorldInfo(run.Scene, info);
-  FlushBlock(run);
-  if (!run.Settings.CheckFog) return;
-  const auto writeFog = [&](const auto& record) {
-    if (record.Zone.bDistanceFog)
-      WriteFog(run.Scene, run.Settings, record.Zone, record.Header.Name, run.Result.Findings);
-  };
-  ForEachActor<LevelRecord>(run, LevelSearchText, ReadLevel, writeFog);
-  ForEachActor<ZoneRecord>(run, ZoneSearchText, ReadZone, writeFog);
-}
-
-void InlineSky(RunState& run) {
-  if (run.Sky == nullptr) return;
-  run.User.ShowPass("Writing SkyZone");
-  WriteSkyZoneWorld(run.Scene, run.Settings, *run.Sky);
-  FlushBlock(run);
-}
-
 } // namespace
 
 void MakePasses(RunState& run) {
@@ -155,7 +132,10 @@ void MakePasses(RunState& run) {
   ProcessMovers(run);
   if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
   run.User.ShowPass("Processing non-geo");
-  InlineSky(run);
+  WriteLights(run);
+  WriteAmbientSounds(run);
+  WriteSkyZone(run);
+  WriteTriggeredEvents(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);
 }
