@@ -155,7 +155,8 @@ void WriteFaces(GeometryContext& context, const BrushRecord& brush, const std::v
     for (const ChosenFace& face : faces)
       WriteSeparateFace(context, face, placement, name, parent);
   } else {
-    const bool breakUp = context.Settings.CheckBreakUpBB && brush.CsgOper.empty();
+    const bool isBuilderBrush = brush.CsgOper.empty() || brush.Header.Class.empty();
+    const bool breakUp = context.Settings.CheckBreakUpBB && isBuilderBrush;
     WriteMergedFaces(context, faces, breakUp, placement, name, parent);
   }
 }

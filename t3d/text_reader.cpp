@@ -22,7 +22,17 @@ TextCursor Cursor(std::size_t offset) { return static_cast<TextCursor>(offset) +
 /// The line of the key, from the key on; empty when the key is not there or starts at the bound itself.
 std::string_view LineOfKey(const TextBlock& block, std::string_view key) {
   TextCursor at = block.Find(key);
-  return at == 0 || at >= block.To() ? std::string_view() : ReadLineAt(block.Text(), at);
+  if (at == 0 || at >= block.To()) return {};
+  if (IsLineBreak(block.Text()[Offset(at)])) ++at; // what the blank that begins the key stands for
+  return ReadLineAt(block.Text(), at);
+}
+
+/// What closes the nested block that begins here, if its keys are its own; "" for other blocks.
+std::string_view ClosingOf(std::string_view block) {
+  const auto begins = [&](std::string_view word) {
+    return block.starts_with(word) && (block.size() == word.size() || IsSeparator(block[word.size()]));
+  };
+  return begins("Begin Brush") ? "End Brush" : begins("Begin Object") ? "End Object" : "";
 }
 
 /// The number in the ten characters behind a label.
@@ -31,6 +41,16 @@ bool ReadComponent(std::string_view line, std::string_view label, double& target
   if (at == line.npos) return false;
   target = ParseLeadingNumber(line.substr(at + label.size(), 10));
   return true;
+}
+
+/// The text between the first opening at or after `from` and the closing that follows. A closing that overlaps the
+/// opening ends it before anything is cut.
+std::optional<std::string_view> Cut(std::string_view text, std::size_t from, std::string_view opening,
+                                    std::string_view closing) {
+  const std::size_t at = text.find(opening, from);
+  const std::size_t end = at == text.npos ? at : text.find(closing, at);
+  if (end == text.npos || end < at + opening.size()) return std::nullopt;
+  return text.substr(at + opening.size(), end - at - opening.size());
 }
 
 } // namespace
@@ -69,10 +89,7 @@ TextBlock::TextBlock(std::string_view text, TextCursor from, TextCursor to)
     const TextCursor nested = FindText(text_, "Begin ", at, to_);
     IndexEqualsSigns(at, nested == 0 ? to_ : nested);
     if (nested == 0) return;
-    const std::string_view behind = text_.substr(Offset(nested) + 6, 6);
-    const std::string_view closing = behind.starts_with("Brush ") ? "End Brush"
-                                     : behind == "Object"         ? "End Object"
-                                                                  : "";
+    const std::string_view closing = ClosingOf(text_.substr(Offset(nested)));
     at = closing.empty() ? nested + 6 : FindText(text_, closing, nested, to_);
     if (closing.empty()) IndexEqualsSigns(nested, at);
   }
@@ -278,18 +295,13 @@ std::string_view GetBetween(std::string_view text, std::string_view opening, std
 
 std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening,
                                 std::string_view closing) {
-  const std::size_t at = text.find(opening, Offset(cursor));
-  if (at == text.npos) return {};
-  const std::size_t start = at + opening.size();
-  const std::size_t end = text.find(closing, start);
-  return end == text.npos ? std::string_view() : text.substr(start, end - start);
+  return Cut(text, Offset(cursor), opening, closing).value_or(std::string_view());
 }
 
 bool TryGetBetween(std::string_view text, std::string_view opening, std::string_view closing, std::string& target) {
-  const std::size_t at = text.find(opening);
-  if (at == text.npos || text.find(closing, at + opening.size()) == text.npos) return false;
-  target = GetBetweenFrom(text, 1, opening, closing);
-  return true;
+  const auto found = Cut(text, 0, opening, closing);
+  if (found) target = *found;
+  return found.has_value();
 }
 
 bool SameText(std::string_view a, std::string_view b) { return a.size() == b.size() && StartsWithText(a, b); }
