@@ -38,25 +38,32 @@ void AppendTrimmed(std::string& out, const char* first, const char* last) {
   out.append(first, last);
 }
 
-/// The pattern for values so large, or so near the middle of two texts, that the millionths could round wrongly.
-void AppendExactPattern(std::string& out, double value) {
+/// The pattern for values so large that their millionths are no whole numbers.
+void AppendLargePattern(std::string& out, double value) {
   char buffer[400];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 6);
   AppendTrimmed(out, buffer, result.ptr);
 }
 
+/// The nearest whole number of millionths, halves to even. The product is rounded itself, which decides wrongly where
+/// it looks like a half and is not quite one; its error is known exactly.
+std::uint64_t Millionths(double value) {
+  const double product = value * 1e6;
+  const double whole = std::floor(product);
+  const double half = product - whole - 0.5;
+  auto millionths = static_cast<std::uint64_t>(whole);
+  const double beyond = half != 0 ? half : std::fma(value, 1e6, -product);
+  if (beyond > 0 || (beyond == 0 && millionths % 2 == 1)) ++millionths;
+  return millionths;
+}
+
 void AppendPattern(std::string& out, double value) {
-  const double millionths = std::fabs(value) * 1e6;
-  const double rounded = std::nearbyint(millionths);
-  if (millionths >= 1e12 || std::fabs(std::fabs(millionths - rounded) - 0.5) < 1e-3) {
-    AppendExactPattern(out, value);
-    return;
-  }
-  const auto whole = static_cast<std::uint64_t>(rounded);
+  if (std::fabs(value) >= 1e9) return AppendLargePattern(out, value);
+  const std::uint64_t millionths = Millionths(std::fabs(value));
   if (value < 0) out += '-';
-  AppendInteger(out, static_cast<long long>(whole / 1000000));
+  AppendInteger(out, static_cast<long long>(millionths / 1000000));
   char decimals[8] = ".000000";
-  std::uint64_t rest = whole % 1000000;
+  std::uint64_t rest = millionths % 1000000;
   for (int i = 6; i > 0 && rest != 0; --i, rest /= 10)
     decimals[i] = static_cast<char>('0' + rest % 10);
   AppendTrimmed(out, decimals, decimals + 7);
