@@ -37,9 +37,9 @@ void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMem
   if (fs::is_directory(inFile, error)) throw RunFailed{Display(inFile) + " is a folder"};
   std::optional<std::string> text = ReadWholeFile(inFile, user);
   if (!text) throw RunFailed{Display(inFile) + " cannot be read"};
+  if (user.StopRequested()) throw RunStopped(); // what was read may be a part only
   memory.T3DText = std::move(*text);
   memory.LoadedFileName = Display(inFile);
-  if (user.StopRequested()) throw RunStopped();
 }
 
 /// Outputs that turn out unwritable after all passes would cost the user the whole run.

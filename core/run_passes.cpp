@@ -18,6 +18,7 @@ struct MoverPass {
   const char* Getting;
   const char* On;
   const char* Then;
+  bool NeedsPolygons = false; ///< nothing is known of such a class, but that one with polygons is a brush that moves
 };
 
 /// The children of the enclosing node are separated by commas.
@@ -96,6 +97,8 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
       run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
                                                      ", but a mover can have " + std::to_string(MaxKeys) +
                                                      " keys at most; it was left out");
+    else if (pass.NeedsPolygons && mover.Polygons.empty())
+      run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
       ConvertBrush(run, mover);
     StepOn(run);
@@ -115,7 +118,7 @@ void ProcessMovers(RunState& run) {
   for (const MoverPass& pass : passes)
     ProcessMoverClass(run, pass);
   for (const std::string& className : OtherMoverClasses(run.Level))
-    ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", ""});
+    ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", "", true});
 }
 
 } // namespace

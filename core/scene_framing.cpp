@@ -1,7 +1,6 @@
 #include "core/scene_framing.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace quarvel {
 
@@ -16,7 +15,7 @@ constexpr const char* documentSpeed = "5.3";
 std::string MovementType(const ConversionSettings& settings) {
   std::string type = settings.ListMovement;
   std::transform(type.begin(), type.end(), type.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
   return type;
 }
 
