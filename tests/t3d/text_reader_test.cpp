@@ -121,7 +121,7 @@ TEST(TextReader, ReadsNumberTriplesToTheEndOfTheirLine) {
   EXPECT_EQ(user.Count, 1) << "once a run";
   EXPECT_EQ(user.Last, "Input file contains badly formatted numbers");
   const TextCursor before = cursor;
-  EXPECT_EQ(ReadNumberTriple(text, "TextureV", cursor, before, check), Vector3()) << "beyond the bound";
+  EXPECT_EQ(ReadNumberTriple(text, "TextureV", cursor, before - 1, check), Vector3()) << "beyond the bound";
   EXPECT_EQ(cursor, before);
   EXPECT_EQ(ReadNumberTriple(text, "TextureV", cursor, end, check), (Vector3{1, 2, 3}));
 }
