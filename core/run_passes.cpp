@@ -3,6 +3,7 @@
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
 #include "core/level_check.h"
+#include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
 
 #include <array>
@@ -29,7 +30,7 @@ void SeparateChildren(RunState& run) {
 
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
   SeparateChildren(run);
-  WriteBrush(run.Geometry, brush);
+  WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
   FlushBlock(run);
   ++run.Result.Brushes;
 }
@@ -130,14 +131,15 @@ void MakePasses(RunState& run) {
   ScanAmbience(run);
   run.User.ShowPass("getting triggers");
   ReadTriggers(run.Actors, run.Level);
-  if (run.Settings.CheckDoMeshes) run.User.ShowPass("Processing meshes");
+  ProcessMeshes(run);
   ProcessBrushes(run);
   ProcessMovers(run);
-  if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
+  ProcessTerrain(run);
   run.User.ShowPass("Processing non-geo");
   WriteLights(run);
   WriteAmbientSounds(run);
   WriteSkyZone(run);
+  AnimateTextures(run);
   WriteTriggeredEvents(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);
