@@ -5,6 +5,7 @@
 #include "core/run_state.h"
 #include "core/scene_framing.h"
 #include "core/settings_file.h"
+#include "core/sky_scene.h"
 #include "math/color_math.h"
 #include "math/number_text.h"
 #include "resources/missing_lists.h"
@@ -102,6 +103,23 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
   ReportFaults(run, faults);
 }
 
+/// Writes one scene from its header to its end.
+void WriteScene(RunState& run, const SceneFileNames& files) {
+  WriteTextHeader(run.Scene, run.File, run.Settings);
+  WriteDocumentHead(run.Scene, run.File, run.Settings, files.Document.stem().string());
+  MakePasses(run);
+  CloseScene(run, files);
+  run.Result.Faces += run.Geometry.Faces;
+  run.Result.UniqueMaterials += run.Materials.UniqueMaterialCount();
+}
+
+void WriteSkyScene(const SkyScene& sky, RunState& world) {
+  RunState run(sky.Files, sky.Settings, world.Level, world.Resources, world.User, world.Result, LitColor(world.Level));
+  run.LegacyFormat = world.LegacyFormat;
+  run.Actors.Part = {ScenePart::Kind::Sky, sky.Zone.Location};
+  WriteScene(run, sky.Files);
+}
+
 void WritePreloadScript(RunState& run, const fs::path& outFile) {
   if (!run.Settings.CheckMakePreloadScript) return;
   run.Result.PreloadScript = MakePreloadScript(run.Resources.UsedTextureUrls(), run.Settings.TextJavascriptURL);
@@ -140,15 +158,17 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
     throw RunFailed{Display(inFile) + " " + why};
   CheckOutputs(files, settings);
 
-  RunState run(inFile, files, settings, level, user, result, LitColor(level));
+  const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);
+  if (sky) CheckOutputs(sky->Files, sky->Settings);
+
+  ResourceFiles resources(settings, inFile, files.Text, result.Findings);
+  RunState run(files, settings, level, resources, user, result, LitColor(level));
   run.LegacyFormat = IsLegacyFormat(memory.T3DText);
-  WriteTextHeader(run.Scene, run.File, settings);
-  WriteDocumentHead(run.Scene, run.File, settings, outFile.stem().string());
-  MakePasses(run);
-  CloseScene(run, files);
-  result.Faces = run.Geometry.Faces;
-  result.UniqueMaterials = run.Materials.UniqueMaterialCount();
+  if (sky) run.Sky = &sky->Zone;
+  if (sky) run.Actors.Part.Kept = ScenePart::Kind::World;
+  WriteScene(run, files);
   result.Bounds = run.Geometry.Bounds;
+  if (sky) WriteSkyScene(*sky, run);
   WriteReports(run, outFile);
   user.ShowPass("Done");
   user.ShowFraction(1);

@@ -1,5 +1,7 @@
 #include "core/run_passes.h"
 
+#include "actors/triggers.h"
+#include "core/actor_passes.h"
 #include "core/level_check.h"
 #include "t3d/brush_record.h"
 
@@ -55,6 +57,14 @@ void ConvertPolyLists(RunState& run) {
   }
 }
 
+/// Reads the next brush that this scene shows.
+bool NextBrush(RunState& run, TextCursor& cursor, std::string_view searchText, BrushRecord& brush) {
+  const auto read = [&](const LevelText& level, TextCursor& at, std::string_view search, BrushRecord& record) {
+    return ReadBrush(level, at, search, record, run.Numbers);
+  };
+  return ReadShown(run.Actors.Part, read, run.Level, cursor, searchText, brush);
+}
+
 void ProcessBrushes(RunState& run) {
   if (!run.Settings.CheckDoGeometry) return;
   run.User.ShowPass("Processing Brushes");
@@ -62,7 +72,7 @@ void ProcessBrushes(RunState& run) {
   TextCursor cursor = 1;
   BrushRecord brush;
   run.User.ShowItem("getting brush");
-  while (ReadBrush(run.Level, cursor, "Class=Brush ", brush, run.Numbers)) {
+  while (NextBrush(run, cursor, "Class=Brush ", brush)) {
     WaitWhilePaused(run);
     run.User.ShowItem("on brush ", run.Geometry.GeometryCount);
     const bool chosen = IsChosen(run, brush);
@@ -80,7 +90,7 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
   TextCursor cursor = 1;
   BrushRecord mover;
   run.User.ShowItem(pass.Getting);
-  while (ReadBrush(run.Level, cursor, pass.SearchText, mover, run.Numbers)) {
+  while (NextBrush(run, cursor, pass.SearchText, mover)) {
     WaitWhilePaused(run);
     run.User.ShowItem(pass.On, run.Geometry.GeometryCount);
     if (mover.TooManyKeys)
@@ -115,14 +125,22 @@ void ProcessMovers(RunState& run) {
 
 void MakePasses(RunState& run) {
   run.User.ShowPass("Pre-scan");
-  ReportUnseenActors(run.Level, run.Result.Findings);
-  run.User.ShowPass("Scanning ambience");
+  const bool isSky = run.Actors.Part.Kept == ScenePart::Kind::Sky;
+  if (!isSky) ReportUnseenActors(run.Level, run.Result.Findings);
+  ScanAmbience(run);
   run.User.ShowPass("getting triggers");
+  ReadTriggers(run.Actors, run.Level);
   if (run.Settings.CheckDoMeshes) run.User.ShowPass("Processing meshes");
   ProcessBrushes(run);
   ProcessMovers(run);
   if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
   run.User.ShowPass("Processing non-geo");
+  WriteLights(run);
+  WriteAmbientSounds(run);
+  WriteSkyZone(run);
+  WriteTriggeredEvents(run);
+  WriteTriggersAndLinks(run.Actors);
+  FlushBlock(run);
 }
 
 } // namespace quarvel
