@@ -1,5 +1,6 @@
 #include "core/run_passes.h"
 
+#include "actors/movers.h"
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
 #include "core/level_check.h"
@@ -31,6 +32,13 @@ void SeparateChildren(RunState& run) {
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
   SeparateChildren(run);
   WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
+  FlushBlock(run);
+  ++run.Result.Brushes;
+}
+
+void ConvertMover(RunState& run, const BrushRecord& mover) {
+  SeparateChildren(run);
+  WriteMover(run.Actors, mover, WriteBrush(run.Geometry, mover));
   FlushBlock(run);
   ++run.Result.Brushes;
 }
@@ -101,7 +109,7 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
     else if (pass.NeedsPolygons && mover.Polygons.empty())
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
-      ConvertBrush(run, mover);
+      ConvertMover(run, mover);
     StepOn(run);
   }
   run.User.ShowItem(pass.Then);
