@@ -23,7 +23,7 @@ Vector3 MeshInliner::SceneScale(const Vector3& drawScale3D, double drawScale) co
 
 void MeshInliner::WriteInline(std::string_view mesh, const MeshFiles& files, pugi::xml_node parent,
                               const std::string& indent) {
-  const auto [known, isNew] = names_.try_emplace(&files);
+  const auto [known, isNew] = names_.try_emplace({files.Wrl.Url, files.X3d.Url});
   if (!isNew) {
     scene_.Use(parent, indent, "Inline", known->second);
     return;

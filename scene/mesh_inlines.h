@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace quarvel {
 
@@ -37,7 +38,7 @@ class MeshInliner {
   SceneWriter& scene_;
   ResourceFiles& resources_;
   const ConversionSettings& settings_;
-  std::map<const MeshFiles*, std::string> names_; ///< DEF names of the meshes written so far
+  std::map<std::pair<std::string, std::string>, std::string> names_; ///< DEF names by the URLs of the two files
 };
 
 } // namespace quarvel
