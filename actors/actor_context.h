@@ -33,6 +33,7 @@ struct ActorContext {
   TriggerList Triggers{};
   std::map<std::string, WrittenClip> Clips{}; ///< by DEF name
   bool FlickerTimerWritten = false;
+  bool BooleanFilterDeclared = false; ///< its prototype stands in the text
 };
 
 /// A location of the level as the text of a scene position.

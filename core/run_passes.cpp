@@ -3,6 +3,7 @@
 #include "actors/movers.h"
 #include "actors/triggers.h"
 #include "core/level_check.h"
+#include "core/motion_passes.h"
 #include "core/world_nodes.h"
 #include "t3d/brush_record.h"
 
@@ -166,7 +167,10 @@ void MakePasses(RunState& run) {
   ProcessMovers(run);
   if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
   run.User.ShowPass("Processing non-geo");
+  WriteFlights(run);
+  WriteStarts(run);
   InlineSky(run);
+  WriteTeleports(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);
 }
