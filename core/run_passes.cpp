@@ -1,8 +1,10 @@
 #include "core/run_passes.h"
 
+#include "actors/movers.h"
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
 #include "core/level_check.h"
+#include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
 
 #include <array>
@@ -29,7 +31,14 @@ void SeparateChildren(RunState& run) {
 
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
   SeparateChildren(run);
-  WriteBrush(run.Geometry, brush);
+  WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
+  FlushBlock(run);
+  ++run.Result.Brushes;
+}
+
+void ConvertMover(RunState& run, const BrushRecord& mover) {
+  SeparateChildren(run);
+  WriteMover(run.Actors, mover, WriteBrush(run.Geometry, mover));
   FlushBlock(run);
   ++run.Result.Brushes;
 }
@@ -100,7 +109,7 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
     else if (pass.NeedsPolygons && mover.Polygons.empty())
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
-      ConvertBrush(run, mover);
+      ConvertMover(run, mover);
     StepOn(run);
   }
   run.User.ShowItem(pass.Then);
@@ -130,14 +139,15 @@ void MakePasses(RunState& run) {
   ScanAmbience(run);
   run.User.ShowPass("getting triggers");
   ReadTriggers(run.Actors, run.Level);
-  if (run.Settings.CheckDoMeshes) run.User.ShowPass("Processing meshes");
+  ProcessMeshes(run);
   ProcessBrushes(run);
   ProcessMovers(run);
-  if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
+  ProcessTerrain(run);
   run.User.ShowPass("Processing non-geo");
   WriteLights(run);
   WriteAmbientSounds(run);
   WriteSkyZone(run);
+  AnimateTextures(run);
   WriteTriggeredEvents(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);

@@ -67,14 +67,19 @@ const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
   return indexes_.emplace(std::move(folders), std::move(index)).first->second;
 }
 
+/// The folders in which resources of a kind are searched, as typed.
+static std::string SearchPath(const ConversionSettings& settings, ResourceKind kind) {
+  if (kind == ResourceKind::Texture) return settings.TextSearchPathTxt;
+  return kind == ResourceKind::Sound ? settings.TextSearchPathSnd : settings.TextSearchPathMesh;
+}
+
 const FileIndex& ResourceFiles::IndexOf(ResourceKind kind) {
   const auto known = indexOfKind_.find(kind);
   if (known != indexOfKind_.end()) return *known->second;
-  const std::string& path = kind == ResourceKind::Texture ? settings_.TextSearchPathTxt
-                            : kind == ResourceKind::Sound ? settings_.TextSearchPathSnd
-                                                          : settings_.TextSearchPathMesh;
-  SearchFolders folders = SplitSearchPath(path);
-  for (const fs::path& missing : folders.Missing)
+  SearchFolders folders = SplitSearchPath(SearchPath(settings_, kind));
+  // A default folder that is not there was not asked for.
+  const bool byDefault = SearchPath(settings_, kind) == SearchPath(ConversionSettings(), kind);
+  for (const fs::path& missing : byDefault ? std::vector<fs::path>() : folders.Missing)
     report_.Add(Utf8Path(missing), folders.Existing.empty()
                                        ? "search folder does not exist, the input's folder was searched instead"
                                        : "search folder does not exist");
