@@ -4,6 +4,7 @@
 #include "core/settings_store.h"
 #include "tests/temporary_folder.h"
 
+#include <sstream>
 #include <string>
 
 namespace quarvel::test {
@@ -16,8 +17,9 @@ struct Converted {
 };
 
 inline std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
 }
 
 /// Settings that find the sample textures.

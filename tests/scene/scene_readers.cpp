@@ -5,7 +5,6 @@
 #include <cmath>
 #include <pugixml.hpp>
 #include <set>
-#include <sstream>
 
 namespace quarvel::test {
 
@@ -57,10 +56,11 @@ const std::map<std::string, std::string, std::less<>>& FieldsOfTypes() {
   return fields;
 }
 
+/// Whether a word stands in a list of words with blanks between them.
 bool IsOneOf(std::string_view word, std::string_view list) {
-  std::istringstream words{std::string(list)};
-  for (std::string item; words >> item;)
-    if (item == word) return true;
+  const auto isEnd = [&](std::size_t at) { return at >= list.size() || list[at] == ' '; };
+  for (std::size_t at = list.find(word); at != list.npos; at = list.find(word, at + 1))
+    if ((at == 0 || list[at - 1] == ' ') && isEnd(at + word.size())) return !word.empty();
   return false;
 }
 
@@ -169,7 +169,7 @@ class VrmlReader {
   void ReadStatement() {
     if (IsWord("ROUTE")) return ReadRoute();
     if (IsWord("PROTO")) return ReadProto();
-    if (IsWord("PROFILE")) {
+    if (IsWord("PROFILE") || IsWord("COMPONENT")) {
       Advance();
       return Advance();
     }
