@@ -31,14 +31,8 @@ void SeparateChildren(RunState& run) {
 
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
   SeparateChildren(run);
-  WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
-  FlushBlock(run);
-  ++run.Result.Brushes;
-}
-
-void ConvertMover(RunState& run, const BrushRecord& mover) {
-  SeparateChildren(run);
-  WriteMover(run.Actors, mover, WriteBrush(run.Geometry, mover));
+  const WrittenBrush written = WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
+  if (brush.IsMover) WriteMover(run.Actors, brush, written);
   FlushBlock(run);
   ++run.Result.Brushes;
 }
@@ -109,7 +103,7 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
     else if (pass.NeedsPolygons && mover.Polygons.empty())
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
-      ConvertMover(run, mover);
+      ConvertBrush(run, mover);
     StepOn(run);
   }
   run.User.ShowItem(pass.Then);

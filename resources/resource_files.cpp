@@ -27,6 +27,12 @@ constexpr const char* SceneOwner = "the scene";
 
 std::string VariantOf(TextureUse use) { return use == TextureUse::Masked ? "masked" : "opaque"; }
 
+/// The folders in which resources of a kind are searched, as typed.
+std::string SearchPath(const ConversionSettings& settings, ResourceKind kind) {
+  if (kind == ResourceKind::Texture) return settings.TextSearchPathTxt;
+  return kind == ResourceKind::Sound ? settings.TextSearchPathSnd : settings.TextSearchPathMesh;
+}
+
 } // namespace
 
 bool ResourceFiles::FoldedLess::operator()(const std::string& a, const std::string& b) const {
@@ -65,12 +71,6 @@ const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
     report_.Add(Utf8Path(folders.front()),
                 "holds too many files, only the first " + std::to_string(FileIndex::MaxFiles) + " were looked at");
   return indexes_.emplace(std::move(folders), std::move(index)).first->second;
-}
-
-/// The folders in which resources of a kind are searched, as typed.
-static std::string SearchPath(const ConversionSettings& settings, ResourceKind kind) {
-  if (kind == ResourceKind::Texture) return settings.TextSearchPathTxt;
-  return kind == ResourceKind::Sound ? settings.TextSearchPathSnd : settings.TextSearchPathMesh;
 }
 
 const FileIndex& ResourceFiles::IndexOf(ResourceKind kind) {

@@ -169,7 +169,7 @@ class VrmlReader {
   void ReadStatement() {
     if (IsWord("ROUTE")) return ReadRoute();
     if (IsWord("PROTO")) return ReadProto();
-    if (IsWord("PROFILE")) {
+    if (IsWord("PROFILE") || IsWord("COMPONENT")) {
       Advance();
       return Advance();
     }
