@@ -230,7 +230,7 @@ TEST(ActorPasses, TellWhatStrictViewersRefuseOfTheDefaultLayout) {
   const Converted converted = Convert(ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d"), settings);
   Texts reasons;
   for (const Finding& finding : converted.Result.Findings.Findings())
-    reasons.push_back(finding.Reason);
+    reasons.push_back(finding.Actor + finding.Reason);
   const auto tells = [&](const char* part) {
     return std::any_of(reasons.begin(), reasons.end(), [&](const std::string& reason) { return Holds(reason, part); });
   };
