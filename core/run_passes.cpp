@@ -4,6 +4,7 @@
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
 #include "core/level_check.h"
+#include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
 
@@ -139,9 +140,12 @@ void MakePasses(RunState& run) {
   ProcessTerrain(run);
   run.User.ShowPass("Processing non-geo");
   WriteLights(run);
+  WriteFlights(run);
+  WriteStarts(run);
   WriteAmbientSounds(run);
   WriteSkyZone(run);
   AnimateTextures(run);
+  WriteTeleports(run);
   WriteTriggeredEvents(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);
