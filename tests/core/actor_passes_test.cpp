@@ -130,9 +130,18 @@ TEST(WorldNodes, TellThatASkyTakesThePlaceOfAnother) {
   EXPECT_TRUE(tells(convert("two")));
 }
 
+/// What a scene holds, with the name that X3D has for a field of VRML97.
+Texts DescribeAsX3D(const test::ReadScene& scene) {
+  Texts lines = test::Describe(scene);
+  for (std::string& line : lines)
+    if (const std::size_t at = line.find(" collide "); at != line.npos) line.replace(at, 9, " enabled ");
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
 /// Expects two scenes to hold the same, and shows what only one of them has.
 void ExpectSameScene(const test::ReadScene& text, const test::ReadScene& document) {
-  const Texts a = test::Describe(text), b = test::Describe(document);
+  const Texts a = DescribeAsX3D(text), b = DescribeAsX3D(document);
   Texts onlyInText, onlyInDocument;
   std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(onlyInText));
   std::set_difference(b.begin(), b.end(), a.begin(), a.end(), std::back_inserter(onlyInDocument));
@@ -212,6 +221,7 @@ TEST(ActorPasses, ConvertEveryActorOfRealLevels) {
 TEST(ActorPasses, RouteTriggersOutsideTheEnclosingTransform) {
   ConversionSettings settings = Everything();
   settings.CheckEnclose = settings.CheckShowTriggers = settings.CheckLightTransform = settings.CheckConforming = true;
+  settings.CheckDoGeometry = settings.CheckMovers = false;
   const Converted converted = Convert(ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d"), settings);
   const test::ReadScene scene = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
   EXPECT_EQ(scene.Faults, Texts());
@@ -228,13 +238,12 @@ TEST(ActorPasses, TellWhatStrictViewersRefuseOfTheDefaultLayout) {
   settings.OptionFlux = true;
   settings.OptionVRML97 = false;
   const Converted converted = Convert(ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d"), settings);
-  Texts reasons;
-  for (const Finding& finding : converted.Result.Findings.Findings())
-    reasons.push_back(finding.Actor + finding.Reason);
   const auto tells = [&](const char* part) {
-    return std::any_of(reasons.begin(), reasons.end(), [&](const std::string& reason) { return Holds(reason, part); });
+    const std::vector<Finding>& findings = converted.Result.Findings.Findings();
+    return std::any_of(findings.begin(), findings.end(),
+                       [&](const Finding& finding) { return Holds(finding.Actor + finding.Reason, part); });
   };
-  EXPECT_TRUE(tells("eventIn, eventOut and field"));
+  EXPECT_TRUE(tells("eventIn/eventOut/field"));
   EXPECT_TRUE(tells("(' & <)"));
   EXPECT_TRUE(tells("negative distances"));
 }
