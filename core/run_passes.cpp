@@ -101,7 +101,7 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
       run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
                                                      ", but a mover can have " + std::to_string(MaxKeys) +
                                                      " keys at most; it was left out");
-    else if (pass.NeedsPolygons && mover.Polygons.empty())
+    else if (pass.NeedsPolygons && mover.Polygons.empty() && !MoverChildren(run, mover))
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
       ConvertBrush(run, mover);
