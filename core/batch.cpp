@@ -1,6 +1,6 @@
 #include "core/batch.h"
 
-#include "core/ascii_text.h"
+#include "math/ascii_text.h"
 
 #include <algorithm>
 #include <map>

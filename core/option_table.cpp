@@ -1,6 +1,6 @@
 #include "core/option_table.h"
 
-#include "core/ascii_text.h"
+#include "math/ascii_text.h"
 
 #include <algorithm>
 #include <array>
@@ -351,7 +351,7 @@ const std::vector<OptionInfo>& OptionTable() {
 
 const OptionInfo* FindOption(std::string_view control) {
   for (const OptionInfo& option : OptionTable())
-    if (EqualIgnoringCase(option.Control, control)) return &option;
+    if (SameText(option.Control, control)) return &option;
   return nullptr;
 }
 

@@ -1,6 +1,6 @@
 #include "core/option_values.h"
 
-#include "core/ascii_text.h"
+#include "math/ascii_text.h"
 #include "math/number_text.h"
 
 #include <algorithm>
@@ -49,8 +49,7 @@ bool IsWithin(double value, const NumberRange& range) {
 
 std::optional<bool> SwitchFromText(std::string_view text, bool isButton) {
   const auto isOneOf = [&](std::initializer_list<std::string_view> words) {
-    return std::any_of(words.begin(), words.end(),
-                       [&](std::string_view word) { return EqualIgnoringCase(text, word); });
+    return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return SameText(text, word); });
   };
   if (isOneOf({"1", "true", "on", "yes"}) || (isButton && text == "-1")) return true;
   if (isOneOf({"0", "false", "off", "no"})) return false;
@@ -115,7 +114,7 @@ std::string SetInteger(const OptionInfo& option, std::string_view text, Conversi
 
 std::string SetList(const OptionInfo& option, std::string_view text, ConversionSettings& settings) {
   for (const std::string_view item : option.Items) {
-    if (!EqualIgnoringCase(item, text)) continue;
+    if (!SameText(item, text)) continue;
     In<std::string>(option, settings) = item;
     return {};
   }

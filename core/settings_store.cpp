@@ -1,6 +1,6 @@
 #include "core/settings_store.h"
 
-#include "core/ascii_text.h"
+#include "math/ascii_text.h"
 
 namespace quarvel {
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <iterator>
 
 namespace quarvel {
 
@@ -48,6 +49,8 @@ void OutputFolders::Note(const fs::path& folder, const std::string& name) {
 bool OutputFolders::Claim(const fs::path& file, const std::string& owner) {
   return owners_.try_emplace(FoldName(Utf8Path(file)), owner).first->second == owner;
 }
+
+void OutputFolders::Release(const fs::path& file) { owners_.erase(FoldName(Utf8Path(file))); }
 
 std::string OutputFolders::OwnerOf(const fs::path& file) const {
   const auto found = owners_.find(FoldName(Utf8Path(file)));
@@ -105,6 +108,15 @@ bool SameContent(const fs::path& a, const fs::path& b) {
     if (!std::equal(bufferA.begin(), bufferA.begin() + streamA.gcount(), bufferB.begin())) return false;
   }
   return streamA.eof() && streamB.eof();
+}
+
+bool HoldsBytes(const fs::path& file, std::span<const std::uint8_t> bytes) {
+  std::error_code error;
+  if (fs::file_size(file, error) != bytes.size() || error) return false;
+  std::ifstream stream(file, std::ios::binary);
+  return std::equal(bytes.begin(), bytes.end(), std::istreambuf_iterator<char>(stream),
+                    std::istreambuf_iterator<char>(),
+                    [](std::uint8_t a, char b) { return a == static_cast<std::uint8_t>(b); });
 }
 
 } // namespace quarvel

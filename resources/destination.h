@@ -2,10 +2,12 @@
 
 #include "core/conversion_settings.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 
 namespace quarvel {
@@ -30,6 +32,7 @@ class OutputFolders {
 
   /// Gives the file to `owner` unless another one has it; true when `owner` has it now.
   bool Claim(const std::filesystem::path& file, const std::string& owner);
+  void Release(const std::filesystem::path& file);
   /// Who has the file; empty when nobody.
   std::string OwnerOf(const std::filesystem::path& file) const;
 
@@ -75,5 +78,7 @@ class Destination {
 
 /// True when two files hold the same bytes.
 bool SameContent(const std::filesystem::path& a, const std::filesystem::path& b);
+/// True when a file holds these bytes.
+bool HoldsBytes(const std::filesystem::path& file, std::span<const std::uint8_t> bytes);
 
 } // namespace quarvel

@@ -133,6 +133,13 @@ std::filesystem::path PathOfUtf8(std::string_view text) {
 #endif
 }
 
+std::string StemOf(const std::string& name) { return name.substr(0, name.rfind('.')); }
+
+std::string ExtensionOf(const std::string& name) {
+  const std::size_t point = name.rfind('.');
+  return point == std::string::npos ? std::string() : name.substr(point + 1);
+}
+
 bool LiesWithin(const std::filesystem::path& inner, const std::filesystem::path& outer) {
   auto at = inner.begin();
   for (const auto& part : outer) {

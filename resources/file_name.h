@@ -35,6 +35,10 @@ std::string Utf8Path(const std::filesystem::path& path);
 /// The path that UTF-8 text names.
 std::filesystem::path PathOfUtf8(std::string_view text);
 
+/// A file name up to its last point, and what follows that point; a name without a point has no extension.
+std::string StemOf(const std::string& name);
+std::string ExtensionOf(const std::string& name);
+
 /// True when `inner` is `outer` or lies below it; both absolute and without "." and "..".
 bool LiesWithin(const std::filesystem::path& inner, const std::filesystem::path& outer);
 

@@ -78,7 +78,8 @@ bool ReadBmpPalette(std::uint32_t colorsUsed, BmpHeader& header) {
 
 bool FitsBmp(const BmpHeader& header, std::uint64_t fileSize) {
   if (header.DataOffset > fileSize) return false;
-  if (header.Rle) return true; // a run may stand for 255 pixels, a skip for a whole picture
+  // A run of two bytes stands for 255 pixels at most, and skips of lines for a few more.
+  if (header.Rle) return PixelCount(header.Size) <= fileSize * 1024;
   const std::uint64_t needed = std::uint64_t{header.RowBytes} * static_cast<std::uint64_t>(header.Size.Height);
   return header.DataOffset + needed <= fileSize + 3; // some writers leave out the padding of the last row
 }

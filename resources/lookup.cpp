@@ -55,13 +55,14 @@ std::vector<std::string> BaseNames(const ResourceReference& reference, bool qual
 }
 
 const IndexedFile* FindReferenced(const FileIndex& index, const ResourceReference& reference, bool qualified,
-                                  std::span<const std::string_view> extensions) {
+                                  std::span<const std::string_view> extensions,
+                                  const std::function<bool(const IndexedFile&)>& refused) {
   for (const std::string& name : BaseNames(reference, qualified)) {
     const IndexedFile* best = nullptr;
     std::optional<std::tuple<FolderFit, std::ptrdiff_t>> bestRank;
     for (const IndexedFile& file : index.Find(name)) {
       const auto extension = std::find(extensions.begin(), extensions.end(), file.Extension);
-      if (extension == extensions.end()) continue;
+      if (extension == extensions.end() || (refused && refused(file))) continue;
       const std::tuple rank(FitOf(index, file, reference), extension - extensions.begin());
       if (bestRank && !(rank < *bestRank)) continue;
       bestRank = rank;

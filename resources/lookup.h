@@ -4,6 +4,7 @@
 #include "resources/file_name.h"
 #include "resources/image_type.h"
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -27,9 +28,11 @@ FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceR
 std::vector<std::string> BaseNames(const ResourceReference& reference, bool qualified);
 
 /// The file of a reference among those with one of the extensions. Several are told apart by the nearest folder that is
-/// named like group or package, then by the order of the extensions, then by path. Null when there is none.
+/// named like group or package, then by the order of the extensions, then by path. Null when there is none. Files that
+/// are `refused` are passed over.
 const IndexedFile* FindReferenced(const FileIndex& index, const ResourceReference& reference, bool qualified,
-                                  std::span<const std::string_view> extensions);
+                                  std::span<const std::string_view> extensions,
+                                  const std::function<bool(const IndexedFile&)>& refused = {});
 
 /// The extensions of images in order of preference, the wanted type's first.
 std::vector<std::string_view> ImageExtensions(ImageType wanted);

@@ -1,5 +1,6 @@
 #include "resources/resource_files.h"
 
+#include "resources/image_file.h"
 #include "resources/image_size.h"
 #include "resources/lookup.h"
 
@@ -16,24 +17,15 @@ FoundFile Located(const FileIndex& index, const IndexedFile& file) {
   return {index.PathOf(file), file.Folder, file.Name};
 }
 
-std::string StemOf(const std::string& name) { return name.substr(0, name.rfind('.')); }
-
-std::string ExtensionOf(const std::string& name) {
-  const std::size_t point = name.rfind('.');
-  return point == std::string::npos ? std::string() : name.substr(point + 1);
-}
-
 /// The last part of a path typed with either separator.
 std::string_view LastPart(std::string_view path) {
   const std::size_t separator = path.find_last_of("/\\");
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
-/// What to put in front of the second of two files of one name.
-std::string Distinction(const FoundFile& found, const std::string& package) {
-  if (!package.empty()) return package;
-  return Utf8Path(found.Path.parent_path().filename());
-}
+constexpr const char* SceneOwner = "the scene";
+
+std::string VariantOf(TextureUse use) { return use == TextureUse::Masked ? "masked" : "opaque"; }
 
 } // namespace
 
@@ -47,7 +39,7 @@ ResourceFiles::ResourceFiles(const ConversionSettings& settings, const fs::path&
       sceneFolder_(AbsolutePath(textScene).parent_path()), sceneFolderAsGiven_(textScene.parent_path()),
       report_(report), textureDestination_(settings.TextureDest, sceneFolder_, "textures"),
       soundDestination_(settings.SoundDest, sceneFolder_, "sounds"),
-      meshDestination_(settings.MeshDest, sceneFolder_, "meshes") {
+      meshDestination_(settings.MeshDest, sceneFolder_, "meshes"), copier_(report) {
   ClaimSceneFiles(textScene);
 }
 
@@ -58,8 +50,10 @@ void ResourceFiles::ClaimSceneFiles(const fs::path& textScene) {
   if (stem.size() > 1 && stem.back() == '-') stems.push_back(stem.substr(0, stem.size() - 1));
   for (const std::string& name : stems)
     for (const char* extension : {".wrl", ".x3d", ".x3dv", ".xml"})
-      output_.Claim(sceneFolder_ / PathOfUtf8(name + extension), "the scene");
+      copier_.Folders().Claim(sceneFolder_ / PathOfUtf8(name + extension), SceneOwner);
 }
+
+bool ResourceFiles::IsSceneFile(const fs::path& file) const { return copier_.Folders().OwnerOf(file) == SceneOwner; }
 
 const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
   const auto known = indexes_.find(folders);
@@ -135,12 +129,22 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
     texture.Url = textureDestination_.PlaceByName(reference.Name + "." + WantedExtension(use)).Url;
     return texture;
   }
-  const FoundFile found = Located(index, *file);
+  const FoundFile found = EarlierVariant(Located(index, *file), use);
   texture.Found = true;
   texture.Source = found.Path;
   NoteTextureSize(texture);
-  texture.Url = PlaceTexture(found, reference, use);
+  texture.Url = CopyTexture(found, reference, use);
   return texture;
+}
+
+/// Where the library is the scene's own folder, an earlier run's conversions are in it. One that had to be told apart
+/// from another image of the same file ("grate.png", "grate_masked.png") is found again here.
+FoundFile ResourceFiles::EarlierVariant(const FoundFile& found, TextureUse use) {
+  const fs::path folder = found.Path.parent_path();
+  if (textureDestination_.Place(found, found.Name).Folder != folder) return found;
+  const std::string name = StemOf(found.Name) + "_" + VariantOf(use) + "." + WantedExtension(use);
+  const auto existing = copier_.Folders().Existing(folder, name);
+  return existing ? FoundFile{folder / PathOfUtf8(*existing), found.Folder, *existing} : found;
 }
 
 void ResourceFiles::NoteTextureSize(TextureFile& texture) {
@@ -153,8 +157,25 @@ void ResourceFiles::NoteTextureSize(TextureFile& texture) {
   texture.Height = size->Height;
 }
 
-std::string ResourceFiles::PlaceTexture(const FoundFile& found, const ResourceReference& reference, TextureUse) {
-  return CopyVerbatim(ResourceKind::Texture, found, reference.Package());
+std::optional<ImageConversion> ResourceFiles::ConversionOf(const FoundFile& found, TextureUse use) {
+  const ImageType wanted = WantedType(use);
+  const ImageType type = ImageTypeOfExtension(ExtensionOf(found.Name));
+  if (!CanWriteImage(wanted) || !CanReadPixels(type)) return std::nullopt;
+  const bool unmasked = use == TextureUse::Masked && HidesTransparency(found.Path);
+  if (type == wanted && !unmasked) return std::nullopt;
+  return ImageConversion{wanted, use == TextureUse::Masked ? Transparency::Masked : Transparency::Dropped};
+}
+
+std::string ResourceFiles::CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use) {
+  if (!textureDestination_.Options().DestDoCopy) return textureDestination_.UrlInLibrary(found);
+  CopyJob job{found, found.Name, reference.Package(), {}, ConversionOf(found, use)};
+  if (job.Conversion) {
+    job.Name = StemOf(found.Name) + "." + WantedExtension(use);
+    if (MayBeTransparent(found.Path)) job.Variant = VariantOf(use);
+    if (use == TextureUse::Masked && job.Conversion->Type == ImageType::Jpg && !job.Variant.empty())
+      report_.Add(found.Name, "is masked, but jpg images hold no transparency");
+  }
+  return copier_.Copy(textureDestination_, job);
 }
 
 std::optional<fs::path> ResourceFiles::FindTextureSource(std::string_view reference) {
@@ -178,9 +199,9 @@ const ResourceFile& ResourceFiles::FindSound(std::string_view fileName, std::str
 ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_view reference) {
   const DestinationOptions& options = soundDestination_.Options();
   const Placement expected = soundDestination_.PlaceByName(name);
-  if (const auto existing = output_.Existing(expected.Folder, name); existing && !options.DestOverwrite) {
+  if (const auto existing = copier_.Folders().Existing(expected.Folder, name); existing && !options.DestOverwrite) {
     Placement kept = expected;
-    kept.Name = output_.AlignCase(expected.Folder, *existing, name);
+    kept.Name = copier_.Folders().AlignCase(expected.Folder, *existing, name);
     return {true, kept.Name == name ? expected.Url : soundDestination_.PlaceByName(kept.Name).Url, kept.File()};
   }
   ResourceReference parsed = ParseReference(reference);
@@ -197,7 +218,8 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
   FoundFile found = Located(index, *file);
   const fs::path source = found.Path;
   if (!options.DestDoCopy) return {true, soundDestination_.UrlInLibrary(found), source};
-  return {true, CopyTo(soundDestination_.Place(found, name), found, options), source};
+  const CopyJob job{found, name, {}, {}, {}};
+  return {true, copier_.CopyTo(soundDestination_.Place(found, name), job, options.DestOverwrite), source};
 }
 
 const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWhenMissing) {
@@ -215,10 +237,10 @@ const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWh
 ResourceFile ResourceFiles::LookUpMesh(const ResourceReference& reference, std::string_view extension) {
   const std::array<std::string_view, 1> extensions{extension};
   for (const FileIndex* index : {&IndexOf(ResourceKind::Mesh), &SceneFolderIndex()}) {
-    const IndexedFile* file = FindReferenced(*index, reference, Qualified(ResourceKind::Mesh), extensions);
+    const auto isScene = [&](const IndexedFile& file) { return IsSceneFile(index->PathOf(file)); };
+    const IndexedFile* file = FindReferenced(*index, reference, Qualified(ResourceKind::Mesh), extensions, isScene);
     if (!file) continue;
     const FoundFile found = Located(*index, *file);
-    if (output_.OwnerOf(found.Path) == "the scene") continue;
     return {true, CopyVerbatim(ResourceKind::Mesh, found, reference.Package()), found.Path};
   }
   return {};
@@ -236,7 +258,7 @@ const std::vector<std::string>& ResourceFiles::MeshNames() {
     for (const IndexedFile& file : index->Files()) {
       const bool wanted = (file.Extension == "wrl" && settings_.CheckInlineWRL) ||
                           (file.Extension == "x3d" && settings_.CheckInlineX3D);
-      if (wanted && output_.OwnerOf(index->PathOf(file)) != "the scene") names.push_back(file.Key);
+      if (wanted && !IsSceneFile(index->PathOf(file))) names.push_back(file.Key);
     }
   std::sort(names.begin(), names.end());
   names.erase(std::unique(names.begin(), names.end()), names.end());
@@ -255,9 +277,9 @@ ResourceFile ResourceFiles::FindAndCopyFile(std::string_view fileName, ResourceK
     if (file.Extension != extension) continue;
     const FoundFile found = Located(index, file);
     if (!options.DestDoCopy) return {true, beside.UrlInLibrary(found), found.Path};
-    return {true, CopyTo(placement, found, options), found.Path};
+    return {true, copier_.CopyTo(placement, {found, name, {}, {}, {}}, options.DestOverwrite), found.Path};
   }
-  if (output_.Existing(placement.Folder, name)) return {true, placement.Url, placement.File()};
+  if (copier_.Folders().Existing(placement.Folder, name)) return {true, placement.Url, placement.File()};
   MissingOf(kind).insert(name);
   return {false, placement.Url, {}};
 }
@@ -265,48 +287,7 @@ ResourceFile ResourceFiles::FindAndCopyFile(std::string_view fileName, ResourceK
 std::string ResourceFiles::CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package) {
   const Destination& destination = DestinationOf(kind);
   if (!destination.Options().DestDoCopy) return destination.UrlInLibrary(found);
-  return CopyTo(PlaceUnclaimed(destination, found, found.Name, package), found, destination.Options());
-}
-
-Placement ResourceFiles::PlaceUnclaimed(const Destination& destination, const FoundFile& found, const std::string& name,
-                                        const std::string& package) {
-  const std::string owner = Utf8Path(found.Path);
-  const std::string distinct = Distinction(found, package) + "." + name;
-  for (int number = 0;; ++number) {
-    const std::string tried = number == 0   ? name
-                              : number == 1 ? distinct
-                                            : StemOf(distinct) + "_" + std::to_string(number) + "." + ExtensionOf(name);
-    Placement placement = destination.Place(found, tried);
-    const std::string other = output_.OwnerOf(placement.File());
-    const bool same = !other.empty() && other != owner && SameContent(found.Path, PathOfUtf8(other));
-    if (same || output_.Claim(placement.File(), owner)) return placement;
-  }
-}
-
-std::string ResourceFiles::CopyTo(const Placement& placement, const FoundFile& found,
-                                  const DestinationOptions& options) {
-  if (placement.File() == found.Path) return placement.Url;
-  if (const auto existing = output_.Existing(placement.Folder, placement.Name); existing && !options.DestOverwrite) {
-    output_.AlignCase(placement.Folder, *existing, placement.Name);
-    return placement.Url;
-  }
-  if (WriteCopy(placement, found)) output_.Note(placement.Folder, placement.Name);
-  return placement.Url;
-}
-
-bool ResourceFiles::WriteCopy(const Placement& placement, const FoundFile& found) {
-  std::error_code error;
-  if (fs::equivalent(placement.File(), found.Path, error)) return true;
-  error.clear();
-  fs::create_directories(placement.Folder, error);
-  if (!error) fs::copy_file(found.Path, placement.File(), fs::copy_options::overwrite_existing, error);
-  if (!error) {
-    ++filesCopied_;
-    return true;
-  }
-  errors_.push_back(Utf8Path(placement.File()) + " could not be written: " + error.message());
-  report_.Add(placement.Name, "could not be copied: " + error.message());
-  return false;
+  return copier_.Copy(destination, {found, found.Name, package, {}, {}});
 }
 
 } // namespace quarvel

@@ -3,6 +3,7 @@
 #include "core/conversion_settings.h"
 #include "core/report.h"
 #include "resources/destination.h"
+#include "resources/file_copier.h"
 #include "resources/file_index.h"
 #include "resources/file_name.h"
 #include "resources/image_type.h"
@@ -55,6 +56,8 @@ class ResourceFiles {
   /// one of which no folder exists, means the folder of `inputFile`.
   ResourceFiles(const ConversionSettings& settings, const std::filesystem::path& inputFile,
                 const std::filesystem::path& textScene, Report& report);
+  ResourceFiles(const ResourceFiles&) = delete;
+  ResourceFiles& operator=(const ResourceFiles&) = delete;
 
   /// The image of a texture, by reference ("Name", "Package.Group.Name", "Texture'Package.Name'"). The result stays
   /// valid as long as this object. An empty reference and "None" are no texture: not found, no URL, not missed.
@@ -90,9 +93,9 @@ class ResourceFiles {
   const std::vector<std::string>& UsedTextureUrls() const { return usedTextureUrls_; }
 
   /// Files that could not be written, one sentence each without a full stop.
-  const std::vector<std::string>& Errors() const { return errors_; }
+  const std::vector<std::string>& Errors() const { return copier_.Errors(); }
   /// How many files this run wrote.
-  int FilesCopied() const { return filesCopied_; }
+  int FilesCopied() const { return copier_.FilesWritten(); }
 
  private:
   /// Names compared without regard to case, listed as they were first met.
@@ -111,20 +114,17 @@ class ResourceFiles {
   ImageType WantedType(TextureUse use) const;
   std::string WantedExtension(TextureUse use) const;
   TextureFile LookUpTexture(const ResourceReference& reference, TextureUse use);
-  std::string PlaceTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use);
+  FoundFile EarlierVariant(const FoundFile& found, TextureUse use);
+  std::optional<ImageConversion> ConversionOf(const FoundFile& found, TextureUse use);
+  std::string CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use);
   void NoteTextureSize(TextureFile& texture);
 
   ResourceFile LookUpSound(const std::string& name, std::string_view reference);
   ResourceFile LookUpMesh(const ResourceReference& reference, std::string_view extension);
   void ClaimSceneFiles(const std::filesystem::path& textScene);
 
-  /// A free name for a file at its destination; the second of two different files gets its package in front.
-  Placement PlaceUnclaimed(const Destination& destination, const FoundFile& found, const std::string& name,
-                           const std::string& package);
   std::string CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package);
-  /// Copies unless a file of that name is there already and may stay. Returns the URL.
-  std::string CopyTo(const Placement& placement, const FoundFile& found, const DestinationOptions& options);
-  bool WriteCopy(const Placement& placement, const FoundFile& found);
+  bool IsSceneFile(const std::filesystem::path& file) const;
 
   const ConversionSettings settings_;
   std::filesystem::path inputFolder_;
@@ -135,7 +135,7 @@ class ResourceFiles {
   Destination textureDestination_;
   Destination soundDestination_;
   Destination meshDestination_;
-  OutputFolders output_;
+  FileCopier copier_;
   std::map<std::vector<std::filesystem::path>, FileIndex> indexes_;
   std::map<ResourceKind, const FileIndex*> indexOfKind_;
   std::optional<FileIndex> sceneFolderIndex_;
@@ -149,8 +149,6 @@ class ResourceFiles {
   NameList missingMeshes_;
   std::vector<std::string> usedTextureUrls_;
   std::set<std::string> usedTextureUrlSet_;
-  std::vector<std::string> errors_;
-  int filesCopied_ = 0;
 };
 
 } // namespace quarvel

@@ -16,10 +16,7 @@ constexpr std::uint32_t appearanceFlags = SurfaceMasked | SurfaceTranslucent | S
 constexpr const char* defaultTexture = "default";
 
 std::string EntryKey(std::string_view texture, std::uint32_t flags) {
-  std::string key(texture);
-  std::transform(key.begin(), key.end(), key.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return key + '|' + std::to_string(flags);
+  return LowerCase(texture) + '|' + std::to_string(flags);
 }
 
 TextureMotion MotionOf(std::uint32_t flags) {

@@ -292,12 +292,4 @@ bool TryGetBetween(std::string_view text, std::string_view opening, std::string_
   return true;
 }
 
-bool SameText(std::string_view a, std::string_view b) { return a.size() == b.size() && StartsWithText(a, b); }
-
-bool StartsWithText(std::string_view text, std::string_view prefix) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  return text.size() >= prefix.size() &&
-         std::equal(prefix.begin(), prefix.end(), text.begin(), [&](char a, char b) { return lower(a) == lower(b); });
-}
-
 } // namespace quarvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/run_interface.h"
+#include "math/ascii_text.h"
 #include "math/vector.h"
 
 #include <cstdint>
@@ -114,9 +115,5 @@ std::string_view GetBetween(std::string_view text, std::string_view opening, std
 std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening,
                                 std::string_view closing);
 bool TryGetBetween(std::string_view text, std::string_view opening, std::string_view closing, std::string& target);
-
-/// ASCII letters without regard to case: how values that were read are compared.
-bool SameText(std::string_view a, std::string_view b);
-bool StartsWithText(std::string_view text, std::string_view prefix);
 
 } // namespace quarvel

@@ -2,11 +2,11 @@
 
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
-#include "core/ascii_text.h"
 #include "core/ini_store.h"
 #include "core/option_values.h"
 #include "core/run_summary.h"
 #include "core/settings_file.h"
+#include "math/ascii_text.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
@@ -35,7 +35,7 @@ class UsageFormatter : public CLI::Formatter {
 };
 
 bool EndsLike(std::string_view name, std::string_view extension) {
-  return name.size() > extension.size() && EqualIgnoringCase(name.substr(name.size() - extension.size()), extension);
+  return name.size() > extension.size() && SameText(name.substr(name.size() - extension.size()), extension);
 }
 
 bool IsOutputName(std::string_view name) {

@@ -1,7 +1,9 @@
+#include "resources/image_file.h"
 #include "resources/resource_files.h"
 #include "tests/resources/made_images.h"
 #include "tests/resources/temp_folder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quarvel::test {
@@ -86,6 +88,219 @@ TEST_F(ResourceFilesTest, NearestFolderThenWantedTypeThenPathDecide) {
   EXPECT_EQ(width("Foreign.Group.wall"), 5) << "of two equally near, by type";
   Write("lib/c/wall.tga", MadeTga(2, 6, 6, 24, 0, Blob(108)));
   EXPECT_EQ(width("wall"), 3) << "ties go by path";
+}
+
+TEST_F(ResourceFilesTest, EditorQualifiedNamesAreAnOption) {
+  Write("lib/Pack.Group.wall.png", MadePngHead(3, 3));
+  Write("lib/x/wall.png", MadePngHead(1, 1));
+  EXPECT_EQ(Run().FindTexture("Pack.Group.wall", TextureUse::Ordinary).Width, 1);
+  settings_.TextureDest.UEd3Behavior = true;
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTexture("Pack.Group.wall", TextureUse::Ordinary).Width, 3);
+  EXPECT_EQ(files.FindTexture("Other.wall", TextureUse::Ordinary).Width, 1) << "then any";
+}
+
+TEST_F(ResourceFilesTest, AnEmptyOrMissingSearchPathMeansTheInputsFolder) {
+  Write("in/sub/wall.png", MadePngHead(5, 5));
+  settings_.TextSearchPathTxt = "";
+  EXPECT_EQ(Run().FindTexture("wall", TextureUse::Ordinary).Width, 5);
+  settings_.TextSearchPathTxt = "d:\\data\\none;" + (folder_ / "nowhere").string();
+  EXPECT_EQ(Run().FindTexture("wall", TextureUse::Ordinary).Width, 5);
+  EXPECT_EQ(report_.Findings().size(), 2U);
+}
+
+TEST_F(ResourceFilesTest, AnUnknownSizeIsReportedOnce) {
+  Write("lib/wall.png", "not a png");
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Width, 0);
+  EXPECT_TRUE(files.FindTexture("Pack.wall", TextureUse::Masked).Found);
+  EXPECT_EQ(report_.Findings().size(), 1U);
+}
+
+/// An 8-bit bitmap of two pixels, of which the first has index 0.
+Blob PaletteBmp() { return MadeBmp(2, 1, 8, {0, 0, 255, 0, 0, 255, 0, 0}, {0, 1, 0, 0}); }
+
+Image PictureIn(const fs::path& file) {
+  ImageResult result = ReadImageFile(file);
+  return result ? ToRgba(std::move(*result.Picture), Transparency::Kept) : Image();
+}
+
+TEST_F(ResourceFilesTest, OtherTypesAreConvertedWhereTheWantedOneCanBeWritten) {
+  Write("lib/wall.bmp", PaletteBmp());
+  Write("lib/stone.tga", MadeTga(2, 2, 1, 24, 0, Blob(6, 9)));
+  Write("lib/web.gif", MadeGif(3, 3));
+  Write("lib/bad.tga", MadeTga(10, 2, 1, 24, 0, {0x01, 1, 1, 1, 1, 1}));
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Url, "wall.png");
+  EXPECT_EQ(PictureIn(folder_ / "out/wall.png").Values, (std::vector<std::uint8_t>{255, 0, 0, 255, 0, 255, 0, 255}));
+  EXPECT_EQ(files.FindTexture("web", TextureUse::Ordinary).Url, "web.gif");
+  EXPECT_EQ(files.FindTexture("bad", TextureUse::Ordinary).Url, "bad.tga") << "what cannot be read is copied as it is";
+  settings_.ListBMtypeOut = "dds";
+  EXPECT_EQ(Run().FindTexture("stone", TextureUse::Ordinary).Url, "stone.tga");
+  EXPECT_EQ(Output(), (Names{"bad.tga", "stone.tga", "wall.png", "web.gif"}));
+  EXPECT_TRUE(files.Errors().empty());
+}
+
+TEST_F(ResourceFilesTest, MaskedTexturesGetTheirHolesAndAreToldApartFromTheSolidOnes) {
+  Write("lib/grate.bmp", PaletteBmp());
+  const std::vector<std::uint8_t> masked{255, 0, 0, 0, 0, 255, 0, 255};
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTexture("grate", TextureUse::Masked).Url, "grate.png");
+  EXPECT_EQ(PictureIn(folder_ / "out/grate.png").Values, masked);
+  EXPECT_EQ(files.FindTexture("grate", TextureUse::Ordinary).Url, "grate_opaque.png");
+  EXPECT_EQ(PictureIn(folder_ / "out/grate_opaque.png").Values[3], 255);
+
+  settings_.ListMaskedBMtypeOut = "bmp";
+  EXPECT_EQ(Run().FindTexture("grate", TextureUse::Masked).Url, "grate.bmp") << "written anew, with an alpha channel";
+  EXPECT_EQ(PictureIn(folder_ / "out/grate.bmp").Values, masked);
+}
+
+TEST_F(ResourceFilesTest, ALibraryInTheScenesFolderIsNeverOverwrittenAndASecondRunChangesNothing) {
+  settings_.TextSearchPathTxt = (folder_ / "out").string();
+  settings_.ListMaskedBMtypeOut = "bmp";
+  Write("out/GRATE.BMP", PaletteBmp());
+  Write("out/Pack/wall.tga", MadeTga(2, 2, 1, 32, 8, {1, 2, 3, 0, 4, 5, 6, 255}));
+  const auto convert = [&](int& copied) {
+    ResourceFiles files = Run();
+    Names urls;
+    for (const char* reference : {"grate", "Pack.wall", "Other.wall"})
+      for (const TextureUse use : {TextureUse::Ordinary, TextureUse::Masked, TextureUse::Terrain})
+        urls.push_back(files.FindTexture(reference, use).Url);
+    copied = files.FilesCopied();
+    return urls;
+  };
+  int copied = 0;
+  const Names first = convert(copied);
+  EXPECT_EQ(copied, 4);
+  EXPECT_EQ(first, (Names{"GRATE.png", "GRATE_masked.bmp", "GRATE.png", "wall.png", "wall.bmp", "wall.png", "wall.png",
+                          "wall.bmp", "wall.png"}));
+  EXPECT_EQ(Read("out/GRATE.BMP").size(), PaletteBmp().size());
+  EXPECT_EQ(convert(copied), first);
+  EXPECT_EQ(copied, 0);
+
+  settings_.ListMaskedBMtypeOut = "png"; // now solid and masked images of one file have one type
+  const Names third = convert(copied);
+  EXPECT_EQ(third[4], "wall_masked.png");
+  EXPECT_EQ(convert(copied), third);
+  EXPECT_EQ(copied, 0);
+}
+
+TEST_F(ResourceFilesTest, TwoFilesOfOneNameBothArrive) {
+  Write("lib/A/wall.png", MadePngHead(1, 1));
+  Write("lib/B/wall.png", MadePngHead(2, 2));
+  Write("lib/C/wall.png", MadePngHead(1, 1));
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTexture("B.wall", TextureUse::Ordinary).Url, "wall.png");
+  EXPECT_EQ(files.FindTexture("A.wall", TextureUse::Ordinary).Url, "A.wall.png");
+  EXPECT_EQ(files.FindTexture("C.wall", TextureUse::Ordinary).Url, "C.wall.png");
+  EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Url, "A.wall.png") << "the file that this name finds";
+  EXPECT_EQ(Output(), (Names{"A.wall.png", "C.wall.png", "wall.png"}));
+}
+
+TEST_F(ResourceFilesTest, DestinationOptionsDecideFolderAndUrl) {
+  Write("lib/My Pack/wall.png", MadePngHead(1, 1));
+  const auto url = [&] { return Run().FindTexture("wall", TextureUse::Ordinary).Url; };
+  settings_.TextureDest.DestPathBehavior = 1;
+  EXPECT_EQ(url(), "textures/wall.png");
+  settings_.TextureDest.DestPathBehavior = 2;
+  EXPECT_EQ(url(), "My%20Pack/wall.png");
+  settings_.TextureDest.DestPrependPath = "http://example.org/x";
+  EXPECT_EQ(url(), "http://example.org/x/My%20Pack/wall.png");
+  EXPECT_EQ(Output(), (Names{"My Pack/wall.png", "textures/wall.png"}));
+
+  settings_.TextureDest.DestDoCopy = false;
+  EXPECT_EQ(url(), "http://example.org/x/My%20Pack/wall.png");
+  settings_.TextureDest.DestPrependPath = "";
+  EXPECT_EQ(url(), "../lib/My%20Pack/wall.png");
+  EXPECT_EQ(Output().size(), 2U);
+}
+
+TEST_F(ResourceFilesTest, AFileThatIsThereStaysUnlessOverwritingIsAskedFor) {
+  Write("lib/wall.png", MadePngHead(1, 1));
+  Write("out/WALL.png", "mine");
+  EXPECT_EQ(Run().FindTexture("wall", TextureUse::Ordinary).Url, "wall.png");
+  EXPECT_EQ(Read("out/wall.png"), "mine") << "under the name that the scene uses";
+  EXPECT_EQ(report_.Findings().size(), 1U) << "it is another file";
+  settings_.TextureDest.DestOverwrite = true;
+  ResourceFiles files = Run();
+  files.FindTexture("wall", TextureUse::Ordinary);
+  files.FindTexture("Pack.wall", TextureUse::Masked);
+  EXPECT_EQ(Read("out/wall.png"), Read("lib/wall.png"));
+  EXPECT_EQ(files.FilesCopied(), 1);
+}
+
+TEST_F(ResourceFilesTest, ACopyThatFailsIsAnError) {
+  Write("lib/wall.png", MadePngHead(1, 1));
+  Write("lib/stone.bmp", PaletteBmp());
+  Write("out/textures", "a file where the folder should be");
+  settings_.TextureDest.DestPathBehavior = 1;
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Url, "textures/wall.png");
+  EXPECT_EQ(files.FindTexture("stone", TextureUse::Ordinary).Url, "textures/stone.png");
+  EXPECT_EQ(files.Errors().size(), 2U);
+}
+
+TEST_F(ResourceFilesTest, SoundsAtTheDestinationAreKeptAndOthersFetched) {
+  Write("out/HUM60.WAV", "mine");
+  Write("lib/Looping/hum60.wav", "library");
+  Write("lib/Other/Fire.WAV", "other");
+  Write("lib/Ambient/fire.wav", "fire");
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindSound("hum60.wav").Url, "hum60.wav");
+  EXPECT_EQ(Read("out/hum60.wav"), "mine");
+  EXPECT_TRUE(files.FindSound("Fire.wav", "Sound'Ambient.Looping.Fire'").Found);
+  EXPECT_EQ(Read("out/Fire.wav"), "fire");
+  const ResourceFile& missing = files.FindSound("no such.wav");
+  EXPECT_FALSE(missing.Found);
+  EXPECT_EQ(missing.Url, "no%20such.wav");
+  EXPECT_EQ(files.MissingSounds(), Names{(folder_ / "out/no such.wav").string()});
+  EXPECT_EQ(Output(), (Names{"Fire.wav", "hum60.wav"}));
+}
+
+TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverTheSceneItself) {
+  Write("lib/Base/Crate-.wrl", "a");
+  Write("lib/Other/crate-.wrl", "b");
+  Write("lib/Other/Crate-.x3d", "c");
+  Write("lib/Level.wrl", "d");
+  Write("out/Torch.x3d", "e");
+  Write("out/level.wrl", "the scene");
+  ResourceFiles files = Run();
+  const MeshFiles& crate = files.FindMesh("Base.Crate-", true);
+  EXPECT_EQ(crate.Wrl.Url, "Crate-.wrl");
+  EXPECT_EQ(crate.X3d.Url, "Crate-.x3d");
+  EXPECT_EQ(Read("out/Crate-.wrl"), "a");
+  EXPECT_EQ(files.FindMesh("Pack.Level", true).Wrl.Url, "Pack.Level.wrl");
+  EXPECT_EQ(Read("out/level.wrl"), "the scene");
+  EXPECT_TRUE(files.HasMesh("TORCH"));
+  EXPECT_EQ(files.MeshNames(), (Names{"crate-", "level", "torch"}));
+  EXPECT_FALSE(files.FindMesh("Base.None", false).Found());
+  EXPECT_TRUE(files.MissingMeshes().empty());
+  files.FindMesh("Base.None", true);
+  EXPECT_EQ(files.MissingMeshes(), Names{"Base.None"});
+
+  settings_.CheckInlineWRL = false;
+  ResourceFiles onlyX3d = Run();
+  EXPECT_FALSE(onlyX3d.FindMesh("Crate-", true).Wrl.Found);
+  EXPECT_TRUE(onlyX3d.FindMesh("Crate-", true).X3d.Found);
+}
+
+TEST_F(ResourceFilesTest, FilesThatNameEachOtherGoBesideTheScene) {
+  settings_.MeshDest.DestPathBehavior = 1;
+  Write("lib/models/thevisteleporter.wrl", "model");
+  ResourceFiles files = Run();
+  EXPECT_TRUE(files.FindAndCopyFile("TheVisTeleporter.wrl", ResourceKind::Mesh).Found);
+  EXPECT_FALSE(files.FindAndCopyFile("TheVisTeleporter.x3d", ResourceKind::Mesh).Found);
+  EXPECT_EQ(Read("out/TheVisTeleporter.wrl"), "model");
+  EXPECT_EQ(files.MissingMeshes(), Names{"TheVisTeleporter.x3d"});
+}
+
+TEST_F(ResourceFilesTest, HeightmapsAreReadWhereTheyLie) {
+  const fs::path map = Write("lib/terrain.bmp", MadeBmp(2, 2, 16, {}, Blob(8, 1)));
+  ResourceFiles files = Run();
+  EXPECT_EQ(files.FindTextureSource("Texture'Pack.Terrain'"), map);
+  EXPECT_EQ(files.FindTextureSource("Gone"), std::nullopt);
+  EXPECT_EQ(files.MissingTextures(), Names{"Gone"});
+  EXPECT_TRUE(Output().empty());
 }
 
 } // namespace

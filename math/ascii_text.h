@@ -15,9 +15,14 @@ inline std::string LowerCase(std::string_view text) {
   return lower;
 }
 
-inline bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+/// Equal without regard to letter case: how values that were read are compared.
+inline bool SameText(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char x, char y) { return LowerCase(x) == LowerCase(y); });
+}
+
+inline bool StartsWithText(std::string_view text, std::string_view prefix) {
+  return SameText(text.substr(0, prefix.size()), prefix);
 }
 
 /// Without the blanks and tabs at both ends.
