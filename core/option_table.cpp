@@ -122,7 +122,7 @@ Rows FileAndPathRows() {
 
 Rows ContentRows() {
   return {
-      List(FIELD(ListMovement), "Visitors", Tab::Viewpoints, movements,
+      List(FIELD(ListMovement), "Movement", Tab::Viewpoints, movements,
            "How visitors move: the type of the NavigationInfo node"),
       Check(FIELD(CheckShowTriggers), "Show triggers", Tab::MoversAndTriggers,
             "Puts a translucent box around triggers and teleport entries"),
