@@ -5,6 +5,7 @@
 #include "core/run_state.h"
 #include "core/scene_framing.h"
 #include "core/settings_file.h"
+#include "core/sky_scene.h"
 #include "math/color_math.h"
 #include "math/number_text.h"
 #include "resources/missing_lists.h"
@@ -36,9 +37,9 @@ void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMem
   if (fs::is_directory(inFile, error)) throw RunFailed{Display(inFile) + " is a folder"};
   std::optional<std::string> text = ReadWholeFile(inFile, user);
   if (!text) throw RunFailed{Display(inFile) + " cannot be read"};
+  if (user.StopRequested()) throw RunStopped(); // what was read may be a part only
   memory.T3DText = std::move(*text);
   memory.LoadedFileName = Display(inFile);
-  if (user.StopRequested()) throw RunStopped();
 }
 
 /// Outputs that turn out unwritable after all passes would cost the user the whole run.
@@ -82,7 +83,7 @@ void ReportFaults(RunState& run, const XMLFaults& faults) {
   if (faults.Characters)
     report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
   for (const std::string& quirk : run.Scene.Quirks())
-    report.Add("", "strict viewers may refuse " + quirk + advice);
+    report.Add(quirk, std::string("strict viewers may refuse what follows") + advice);
 }
 
 void CloseScene(RunState& run, const SceneFileNames& files) {
@@ -100,6 +101,23 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
   if (run.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, faults);
   SaveDocument(run, files.Document, faults);
   ReportFaults(run, faults);
+}
+
+/// Writes one scene from its header to its end.
+void WriteScene(RunState& run, const SceneFileNames& files) {
+  WriteTextHeader(run.Scene, run.File, run.Settings);
+  WriteDocumentHead(run.Scene, run.File, run.Settings, files.Document.stem().string());
+  MakePasses(run);
+  CloseScene(run, files);
+  run.Result.Faces += run.Geometry.Faces;
+  run.Result.UniqueMaterials += run.Materials.UniqueMaterialCount();
+}
+
+void WriteSkyScene(const SkyScene& sky, RunState& world) {
+  RunState run(sky.Files, sky.Settings, world.Level, world.Resources, world.User, world.Result, LitColor(world.Level));
+  run.LegacyFormat = world.LegacyFormat;
+  run.Actors.Part = {ScenePart::Kind::Sky, sky.Zone.Location};
+  WriteScene(run, sky.Files);
 }
 
 void WritePreloadScript(RunState& run, const fs::path& outFile) {
@@ -140,15 +158,17 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
     throw RunFailed{Display(inFile) + " " + why};
   CheckOutputs(files, settings);
 
-  RunState run(inFile, files, settings, level, user, result, LitColor(level));
+  const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);
+  if (sky) CheckOutputs(sky->Files, sky->Settings);
+
+  ResourceFiles resources(settings, inFile, files.Text, result.Findings);
+  RunState run(files, settings, level, resources, user, result, LitColor(level));
   run.LegacyFormat = IsLegacyFormat(memory.T3DText);
-  WriteTextHeader(run.Scene, run.File, settings);
-  WriteDocumentHead(run.Scene, run.File, settings, outFile.stem().string());
-  MakePasses(run);
-  CloseScene(run, files);
-  result.Faces = run.Geometry.Faces;
-  result.UniqueMaterials = run.Materials.UniqueMaterialCount();
+  if (sky) run.Sky = &sky->Zone;
+  if (sky) run.Actors.Part.Kept = ScenePart::Kind::World;
+  WriteScene(run, files);
   result.Bounds = run.Geometry.Bounds;
+  if (sky) WriteSkyScene(*sky, run);
   WriteReports(run, outFile);
   user.ShowPass("Done");
   user.ShowFraction(1);

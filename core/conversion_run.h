@@ -6,6 +6,7 @@
 #include "math/vector.h"
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -40,10 +41,11 @@ struct RunResult {
   double Seconds = 0;
 };
 
-/// What survives from one run to the next: the text last read, and the file it came from.
+/// What survives from one run to the next: the text last read, the file it came from, and what was written.
 struct RunMemory {
   std::string T3DText;
   std::string LoadedFileName;
+  std::map<std::string, std::string> SkyScenes; ///< every sky scene written, and the level that it belongs to
 };
 
 /// The two names that a run gives its scenes (and the optional copy).

@@ -1,6 +1,10 @@
 #include "core/run_passes.h"
 
+#include "actors/movers.h"
+#include "actors/triggers.h"
+#include "core/actor_passes.h"
 #include "core/level_check.h"
+#include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
 
 #include <array>
@@ -16,6 +20,7 @@ struct MoverPass {
   const char* Getting;
   const char* On;
   const char* Then;
+  bool NeedsPolygons = false; ///< nothing is known of such a class, but that one with polygons is a brush that moves
 };
 
 /// The children of the enclosing node are separated by commas.
@@ -26,7 +31,8 @@ void SeparateChildren(RunState& run) {
 
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
   SeparateChildren(run);
-  WriteBrush(run.Geometry, brush);
+  const WrittenBrush written = WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
+  if (brush.IsMover) WriteMover(run.Actors, brush, written);
   FlushBlock(run);
   ++run.Result.Brushes;
 }
@@ -54,6 +60,14 @@ void ConvertPolyLists(RunState& run) {
   }
 }
 
+/// Reads the next brush that this scene shows.
+bool NextBrush(RunState& run, TextCursor& cursor, std::string_view searchText, BrushRecord& brush) {
+  const auto read = [&](const LevelText& level, TextCursor& at, std::string_view search, BrushRecord& record) {
+    return ReadBrush(level, at, search, record, run.Numbers);
+  };
+  return ReadShown(run.Actors.Part, read, run.Level, cursor, searchText, brush);
+}
+
 void ProcessBrushes(RunState& run) {
   if (!run.Settings.CheckDoGeometry) return;
   run.User.ShowPass("Processing Brushes");
@@ -61,7 +75,7 @@ void ProcessBrushes(RunState& run) {
   TextCursor cursor = 1;
   BrushRecord brush;
   run.User.ShowItem("getting brush");
-  while (ReadBrush(run.Level, cursor, "Class=Brush ", brush, run.Numbers)) {
+  while (NextBrush(run, cursor, "Class=Brush ", brush)) {
     WaitWhilePaused(run);
     run.User.ShowItem("on brush ", run.Geometry.GeometryCount);
     const bool chosen = IsChosen(run, brush);
@@ -79,13 +93,15 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
   TextCursor cursor = 1;
   BrushRecord mover;
   run.User.ShowItem(pass.Getting);
-  while (ReadBrush(run.Level, cursor, pass.SearchText, mover, run.Numbers)) {
+  while (NextBrush(run, cursor, pass.SearchText, mover)) {
     WaitWhilePaused(run);
     run.User.ShowItem(pass.On, run.Geometry.GeometryCount);
     if (mover.TooManyKeys)
       run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
                                                      ", but a mover can have " + std::to_string(MaxKeys) +
                                                      " keys at most; it was left out");
+    else if (pass.NeedsPolygons && mover.Polygons.empty())
+      run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
       ConvertBrush(run, mover);
     StepOn(run);
@@ -105,21 +121,30 @@ void ProcessMovers(RunState& run) {
   for (const MoverPass& pass : passes)
     ProcessMoverClass(run, pass);
   for (const std::string& className : OtherMoverClasses(run.Level))
-    ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", ""});
+    ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", "", true});
 }
 
 } // namespace
 
 void MakePasses(RunState& run) {
   run.User.ShowPass("Pre-scan");
-  ReportUnseenActors(run.Level, run.Result.Findings);
-  run.User.ShowPass("Scanning ambience");
+  const bool isSky = run.Actors.Part.Kept == ScenePart::Kind::Sky;
+  if (!isSky) ReportUnseenActors(run.Level, run.Result.Findings);
+  ScanAmbience(run);
   run.User.ShowPass("getting triggers");
-  if (run.Settings.CheckDoMeshes) run.User.ShowPass("Processing meshes");
+  ReadTriggers(run.Actors, run.Level);
+  ProcessMeshes(run);
   ProcessBrushes(run);
   ProcessMovers(run);
-  if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
+  ProcessTerrain(run);
   run.User.ShowPass("Processing non-geo");
+  WriteLights(run);
+  WriteAmbientSounds(run);
+  WriteSkyZone(run);
+  AnimateTextures(run);
+  WriteTriggeredEvents(run);
+  WriteTriggersAndLinks(run.Actors);
+  FlushBlock(run);
 }
 
 } // namespace quarvel

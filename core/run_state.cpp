@@ -15,14 +15,14 @@ TextEncoding EncodingOf(const ConversionSettings& settings) {
 
 } // namespace
 
-RunState::RunState(const std::filesystem::path& inFile, const SceneFileNames& files, const ConversionSettings& settings,
-                   const LevelText& level, RunInterface& user, RunResult& result, std::string litColor)
+RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const LevelText& level,
+                   ResourceFiles& resources, RunInterface& user, RunResult& result, std::string litColor)
     : Settings(settings), Level(level), User(user), Result(result),
       Scene(EncodingOf(settings), settings.CheckConforming),
-      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
-      Resources(settings, inFile, files.Text, result.Findings),
+      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs), Resources(resources),
       Materials(Scene, Resources, settings, std::move(litColor)),
-      Geometry{Scene, File, Materials, settings, user, result.Findings}, Numbers{user} {}
+      Meshes(Scene, Resources, settings), Geometry{Scene, File, Materials, settings, user, result.Findings},
+      Actors{Scene, settings, resources, Materials, user, result.Findings}, Numbers{user} {}
 
 void StepOn(RunState& run) {
   const double total = static_cast<double>(std::max<std::size_t>(run.Level.Actors.size(), 1));

@@ -1,14 +1,17 @@
 #pragma once
 
+#include "actors/actor_context.h"
 #include "core/conversion_run.h"
 #include "core/conversion_settings.h"
 #include "core/run_interface.h"
 #include "resources/resource_files.h"
 #include "scene/brush_geometry.h"
 #include "scene/materials.h"
+#include "scene/mesh_inlines.h"
 #include "scene/node_writer.h"
 #include "scene/text_file.h"
 #include "t3d/actor_index.h"
+#include "t3d/world_records.h"
 
 #include <filesystem>
 #include <string>
@@ -18,23 +21,26 @@ namespace quarvel {
 /// Thrown between two actors when the user asked the run to stop; caught by the run alone.
 struct RunStopped {};
 
-/// Everything that one run works with, from its header to its reports.
+/// Everything that a run works with while it writes one scene. A level whose sky is a scene of its own has two of them.
 struct RunState {
-  RunState(const std::filesystem::path& inFile, const SceneFileNames& files, const ConversionSettings& settings,
-           const LevelText& level, RunInterface& user, RunResult& result, std::string litColor);
+  RunState(const SceneFileNames& files, const ConversionSettings& settings, const LevelText& level,
+           ResourceFiles& resources, RunInterface& user, RunResult& result, std::string litColor);
 
   const ConversionSettings& Settings;
   const LevelText& Level;
   RunInterface& User;
   RunResult& Result;
-  bool LegacyFormat = true; ///< an export of the older editor generation
-  bool FirstChild = true;   ///< no geometry node has been written yet
+  bool LegacyFormat = true;           ///< an export of the older editor generation
+  const SkyZoneRecord* Sky = nullptr; ///< the sky zone whose own scene this one is to inline
+  bool FirstChild = true;             ///< no geometry node has been written yet
 
   SceneWriter Scene;
   TextFile File;
-  ResourceFiles Resources;
+  ResourceFiles& Resources;
   MaterialWriter Materials;
+  MeshInliner Meshes;
   GeometryContext Geometry;
+  ActorContext Actors;
   NumberCheck Numbers;
   std::size_t ActorsDone = 0;
 };
@@ -45,7 +51,23 @@ void StepOn(RunState& run);
 /// Waits while the run is paused. Throws RunStopped when it is to end.
 void WaitWhilePaused(RunState& run);
 
+/// Reads every actor that fits and that this scene shows, hands it to `convert` and flushes what that wrote as one
+/// block. `read` is the record's reader.
+template <typename Record, typename Read, typename Convert>
+void ForEachActor(RunState& run, std::string_view searchText, Read read, Convert convert);
+
 /// Flushes what the scene text holds, if anything, as one block.
 void FlushBlock(RunState& run);
+
+template <typename Record, typename Read, typename Convert>
+void ForEachActor(RunState& run, std::string_view searchText, Read read, Convert convert) {
+  TextCursor cursor = 1;
+  Record record;
+  while (ReadShown(run.Actors.Part, read, run.Level, cursor, searchText, record)) {
+    convert(record);
+    FlushBlock(run);
+    StepOn(run);
+  }
+}
 
 } // namespace quarvel

@@ -25,8 +25,8 @@ void AppendVec(std::string& out, const Vector3& value);
 std::string FormatFlt(double value);
 std::string FormatVec(const Vector3& value);
 
-/// The plain general form: the shortest text that reads back as the same number (2, 0.25, 0.33333). NaN and infinities
-/// come out as "0".
+/// The plain general form: the shortest text that reads back as the same number (2, 0.25, 0.33333), but whole numbers
+/// up to 15 digits in full. NaN and infinities come out as "0".
 std::string FormatGeneral(double value);
 
 } // namespace quarvel

@@ -1,5 +1,7 @@
 #include "resources/file_name.h"
 
+#include "math/ascii_text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -51,11 +53,6 @@ void AppendUtf8(char32_t code, std::string& out) {
   }
 }
 
-void LowerAscii(std::string& text) {
-  for (char& c : text)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-}
-
 /// Lowers the accented letters of Latin-1 (U+00C0 to U+00DE), which UTF-8 writes as C3 80 to C3 9E.
 void LowerLatin1(std::string& text) {
   for (std::size_t i = 0; i + 1 < text.size(); ++i) {
@@ -89,8 +86,7 @@ std::string ToUtf8(std::string_view text) {
 }
 
 std::string FoldName(std::string_view name) {
-  std::string folded = ToUtf8(name);
-  LowerAscii(folded);
+  std::string folded = LowerCase(ToUtf8(name));
   LowerLatin1(folded);
   return folded;
 }

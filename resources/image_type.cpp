@@ -1,5 +1,7 @@
 #include "resources/image_type.h"
 
+#include "math/ascii_text.h"
+
 #include <array>
 
 namespace quarvel {
@@ -32,11 +34,8 @@ bool BeginsWith(Bytes bytes, std::string_view signature) {
 
 ImageType ImageTypeOfExtension(std::string_view extension) {
   if (!extension.empty() && extension.front() == '.') extension.remove_prefix(1);
-  std::string lower(extension);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   for (const TypeName& entry : TypeNames)
-    if (entry.Extension == lower) return entry.Type;
+    if (SameText(entry.Extension, extension)) return entry.Type;
   return ImageType::Unknown;
 }
 

@@ -3,8 +3,7 @@
 #include "math/number_text.h"
 #include "resources/url.h"
 #include "scene/face_sets.h"
-
-#include <charconv>
+#include "scene/geometry_fields.h"
 
 namespace quarvel {
 
@@ -46,48 +45,13 @@ std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord&
   return faces;
 }
 
-std::string PointList(const std::vector<Vector3>& points) {
-  std::string list;
-  list.reserve(points.size() * 24);
-  for (const Vector3& point : points) {
-    if (!list.empty()) list += ',';
-    AppendVec(list, point);
-  }
-  return list;
-}
-
-std::string TexturePointList(const std::vector<TexturePoint>& points) {
-  std::string list;
-  list.reserve(points.size() * 18);
-  for (const TexturePoint& point : points) {
-    if (!list.empty()) list += ',';
-    AppendFlt(list, point.U);
-    list += ' ';
-    AppendFlt(list, point.V);
-  }
-  return list;
-}
-
-std::string IndexList(const std::vector<std::vector<int>>& faces) {
-  std::string list;
-  for (const std::vector<int>& face : faces) {
-    if (!list.empty()) list += ", ";
-    for (const int index : face) {
-      char digits[16];
-      list.append(digits, std::to_chars(digits, digits + sizeof digits, index).ptr).append(", ");
-    }
-    list += "-1";
-  }
-  return list;
-}
-
 /// Two-sided, masked and translucent surfaces are seen from behind.
 bool IsSolid(std::uint32_t flags) { return (flags & (SurfaceTwoSided | SurfaceMasked | SurfaceTranslucent)) == 0; }
 
 /// Point lists are long: the values follow on a line of their own.
 void WritePoints(SceneWriter& scene, pugi::xml_node geometry, std::string_view lead, const char* type,
                  const std::string& def, const std::string& points) {
-  const SceneNode node = scene.Open(geometry, lead, type, def, " { point [");
+  const SceneNode node = scene.OpenUnrouted(geometry, lead, type, def, " { point [");
   AddAttribute(node.Element(), "point", points);
   scene.Line(points, "]");
   scene.Line("        }");
@@ -110,7 +74,7 @@ void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::strin
   const pugi::xml_node shape = scene.Open(parent, "    ", "Shape").Element();
   context.Materials.WriteAppearance(set.TextureNumber, shape, context.User);
 
-  SceneNode geometry = scene.Open(shape, "      geometry ", "IndexedFaceSet", "F_" + piece);
+  SceneNode geometry = scene.OpenUnrouted(shape, "      geometry ", "IndexedFaceSet", "F_" + piece);
   if (settings.CheckCreaseAngle) geometry.Field("        creaseAngle", FormatFlt(settings.TextCreaseAngle * Pi / 180));
   geometry.Flag("        ccw", settings.CheckCCW != mirrored);
   geometry.Flag("        solid", IsSolid(set.Flags));
@@ -150,12 +114,17 @@ void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const B
 void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& faces, bool breakUp,
                       const BrushPlacement& placement, const std::string& brushName, pugi::xml_node parent) {
   int number = 0;
+  const auto write = [&](const FaceSet& set) {
+    WriteFaceSet(context, set, brushName, number++, placement.Mirrored, parent);
+    context.Scene.Flush(context.File);
+  };
   for (const FaceSet& set : MergeFaces(faces, placement, context.Materials)) {
-    const std::vector<FaceSet> pieces = breakUp ? SplitByPosition(set) : std::vector<FaceSet>{set};
-    for (const FaceSet& piece : pieces) {
-      WriteFaceSet(context, piece, brushName, number++, placement.Mirrored, parent);
-      context.Scene.Flush(context.File);
+    if (!breakUp) {
+      write(set);
+      continue;
     }
+    for (const FaceSet& piece : SplitByPosition(set))
+      write(piece);
   }
 }
 
@@ -165,7 +134,8 @@ void WriteFaces(GeometryContext& context, const BrushRecord& brush, const std::v
     for (const ChosenFace& face : faces)
       WriteSeparateFace(context, face, placement, name, parent);
   } else {
-    const bool breakUp = context.Settings.CheckBreakUpBB && brush.CsgOper.empty();
+    const bool isBuilderBrush = brush.CsgOper.empty() || brush.Header.Class.empty();
+    const bool breakUp = context.Settings.CheckBreakUpBB && isBuilderBrush;
     WriteMergedFaces(context, faces, breakUp, placement, name, parent);
   }
 }

@@ -65,14 +65,19 @@ SceneWriter::SceneWriter(TextEncoding encoding, bool conforming) : encoding_(enc
 
 SceneNode SceneWriter::Open(pugi::xml_node parent, std::string_view lead, const char* type, std::string_view def,
                             std::string_view tail) {
-  const pugi::xml_node element = parent.append_child(type);
-  if (def.empty()) {
-    Line(lead, type, tail);
-  } else {
-    Line(lead, "DEF ", def, " ", type, tail);
-    AddAttribute(element, "DEF", std::string(def));
+  if (!def.empty()) {
     Define(def);
+    return OpenUnrouted(parent, lead, type, def, tail);
   }
+  Line(lead, type, tail);
+  return {*this, parent.append_child(type)};
+}
+
+SceneNode SceneWriter::OpenUnrouted(pugi::xml_node parent, std::string_view lead, const char* type,
+                                    std::string_view def, std::string_view tail) {
+  Line(lead, "DEF ", def, " ", type, tail);
+  const pugi::xml_node element = parent.append_child(type);
+  AddAttribute(element, "DEF", std::string(def));
   return {*this, element};
 }
 

@@ -96,6 +96,9 @@ class SceneWriter {
   /// appended to `parent`. The closing brace is the caller's line.
   SceneNode Open(pugi::xml_node parent, std::string_view lead, const char* type, std::string_view def = {},
                  std::string_view tail = " {");
+  /// As Open, for a node that no route will ever name: there are so many of these that keeping their names costs.
+  SceneNode OpenUnrouted(pugi::xml_node parent, std::string_view lead, const char* type, std::string_view def,
+                         std::string_view tail = " {");
   /// Writes a node that was written before: `lead`, "USE " and the name.
   void Use(pugi::xml_node parent, std::string_view lead, const char* type, const std::string& name);
 

@@ -133,8 +133,17 @@ void ReadMotion(const TextBlock& block, BrushRecord& brush) {
   GetKeyValue(block, "MoverGlideType=", brush.MoverGlideType);
   GetKeyValue(block, "BumpEvent=", brush.BumpEvent);
   GetKeyValue(block, "StaticMesh=", brush.StaticMesh);
+  brush.DrawScale3D = GetVectorOr1(block, "DrawScale3D=");
+  GetKeyValue(block, "DrawScale=", brush.DrawScale);
   brush.BasePos = GetVectorOr0(block, "BasePos=");
   brush.BaseRot = GetRotator(block, "BaseRot=");
+}
+
+void CountUnusedKeys(const TextBlock& block, BrushRecord& brush) {
+  for (int i = std::max<int>(brush.NumKeys, 1); i < MaxKeys; ++i) {
+    const std::string index = "(" + std::to_string(i) + ")=";
+    brush.UnusedKeys += (block.Find("KeyPos" + index) != 0) + (block.Find("KeyRot" + index) != 0);
+  }
 }
 
 void ReadKeys(const TextBlock& block, BrushRecord& brush) {
@@ -149,6 +158,7 @@ void ReadKeys(const TextBlock& block, BrushRecord& brush) {
     if (brush.HasKeyPos) brush.KeyPos[key] = GetVectorOr0(block, "KeyPos" + index);
     if (brush.HasKeyRot) brush.KeyRot[key] = GetRotator(block, "KeyRot" + index);
   }
+  if (brush.HasKeyPos || brush.HasKeyRot) CountUnusedKeys(block, brush);
 }
 
 void ReadPolygons(std::string_view text, TextCursor from, TextCursor to, BrushRecord& brush, NumberCheck& check) {

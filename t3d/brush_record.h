@@ -64,11 +64,14 @@ struct BrushRecord {
   std::array<Rotator3, MaxKeys> KeyRot{};
   bool HasKeyPos = false, HasKeyRot = false;
   bool TooManyKeys = false; ///< NumKeys is above MaxKeys: no key was read
+  int UnusedKeys = 0;       ///< keys in the text that NumKeys does not count
   double StayOpenTime = 4, DelayTime = 0;
   std::string MoverGlideType = "MV_GlideByTime";
   bool bUseTriggered = false;
   std::string BumpEvent, AttachTag, Url;
   std::string StaticMesh; ///< of the second generation's movers, which have no polygons
+  Vector3 DrawScale3D{1, 1, 1};
+  double DrawScale = 1; ///< this and DrawScale3D scale the mesh, not the polygons
   bool IsLoopMover = false, IsMover = false;
   SoundBlock Sound;
   std::uint32_t PolyFlags = 0; ///< already in the polygons' flags

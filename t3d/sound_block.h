@@ -1,5 +1,6 @@
 #pragma once
 
+#include "t3d/class_defaults.h"
 #include "t3d/text_reader.h"
 
 #include <cstdint>
@@ -7,12 +8,12 @@
 
 namespace quarvel {
 
-/// The sound properties that any actor may have. The defaults are the engine's; AmbientSound actors have others.
+/// The sound properties that any actor may have. AmbientSound actors have defaults of their own.
 struct SoundBlock {
-  std::string AmbientSound;       ///< a reference such as Sound'Package.Group.Name'; empty for none
-  double SoundRadius = 32;        ///< in steps of 25 Unreal units, less one
-  std::int16_t SoundVolume = 128; ///< 0 to 255
-  std::int16_t SoundPitch = 64;   ///< 64 is the normal pitch
+  std::string AmbientSound;                        ///< a reference such as Sound'Package.Group.Name'; empty for none
+  double SoundRadius = ClassDefaults::SoundRadius; ///< in steps of 25 Unreal units, less one
+  std::int16_t SoundVolume = ClassDefaults::SoundVolume; ///< 0 to 255
+  std::int16_t SoundPitch = ClassDefaults::SoundPitch;   ///< 64 is the normal pitch
   double TransientSoundVolume = 0;
   double TransientSoundRadius = 0;
 };

@@ -16,13 +16,30 @@ constexpr std::size_t pieceSize = 500000;
 bool IsLineBreak(char c) { return c == '\r' || c == '\n'; }
 bool IsSeparator(char c) { return c == ' ' || c == '\t' || IsLineBreak(c); }
 
+/// Lines are short: a plain loop takes half the time of find_first_of.
+std::size_t FindLineBreak(std::string_view text, std::size_t from) {
+  while (from < text.size() && !IsLineBreak(text[from]))
+    ++from;
+  return from;
+}
+
 std::size_t Offset(TextCursor cursor) { return cursor < 1 ? 0 : static_cast<std::size_t>(cursor) - 1; }
 TextCursor Cursor(std::size_t offset) { return static_cast<TextCursor>(offset) + 1; }
 
 /// The line of the key, from the key on; empty when the key is not there or starts at the bound itself.
 std::string_view LineOfKey(const TextBlock& block, std::string_view key) {
   TextCursor at = block.Find(key);
-  return at == 0 || at >= block.To() ? std::string_view() : ReadLineAt(block.Text(), at);
+  if (at == 0 || at >= block.To()) return {};
+  if (IsLineBreak(block.Text()[Offset(at)])) ++at; // what the blank that begins the key stands for
+  return ReadLineAt(block.Text(), at);
+}
+
+/// What closes the nested block that begins here, if its keys are its own; "" for other blocks.
+std::string_view ClosingOf(std::string_view block) {
+  const auto begins = [&](std::string_view word) {
+    return block.starts_with(word) && (block.size() == word.size() || IsSeparator(block[word.size()]));
+  };
+  return begins("Begin Brush") ? "End Brush" : begins("Begin Object") ? "End Object" : "";
 }
 
 /// The number in the ten characters behind a label.
@@ -31,6 +48,16 @@ bool ReadComponent(std::string_view line, std::string_view label, double& target
   if (at == line.npos) return false;
   target = ParseLeadingNumber(line.substr(at + label.size(), 10));
   return true;
+}
+
+/// The text between the first opening at or after `from` and the closing that follows. A closing that overlaps the
+/// opening ends it before anything is cut.
+std::optional<std::string_view> Cut(std::string_view text, std::size_t from, std::string_view opening,
+                                    std::string_view closing) {
+  const std::size_t at = text.find(opening, from);
+  const std::size_t end = at == text.npos ? at : text.find(closing, at);
+  if (end == text.npos || end < at + opening.size()) return std::nullopt;
+  return text.substr(at + opening.size(), end - at - opening.size());
 }
 
 } // namespace
@@ -69,10 +96,7 @@ TextBlock::TextBlock(std::string_view text, TextCursor from, TextCursor to)
     const TextCursor nested = FindText(text_, "Begin ", at, to_);
     IndexEqualsSigns(at, nested == 0 ? to_ : nested);
     if (nested == 0) return;
-    const std::string_view behind = text_.substr(Offset(nested) + 6, 6);
-    const std::string_view closing = behind.starts_with("Brush ") ? "End Brush"
-                                     : behind == "Object"         ? "End Object"
-                                                                  : "";
+    const std::string_view closing = ClosingOf(text_.substr(Offset(nested)));
     at = closing.empty() ? nested + 6 : FindText(text_, closing, nested, to_);
     if (closing.empty()) IndexEqualsSigns(nested, at);
   }
@@ -230,7 +254,7 @@ Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor
 Vector3 ReadTripleOfLine(std::string_view text, TextCursor& cursor, TextCursor to) {
   const std::size_t start = Offset(cursor);
   const std::string_view rest = text.substr(start, Offset(to) - std::min(Offset(to), start));
-  const std::size_t length = std::min(rest.find_first_of("\r\n"), rest.size());
+  const std::size_t length = FindLineBreak(rest, 0);
   const std::string_view line = rest.substr(0, length);
   cursor += static_cast<TextCursor>(std::min(length + 1, rest.size()));
   const std::size_t first = line.find(',');
@@ -242,7 +266,7 @@ Vector3 ReadTripleOfLine(std::string_view text, TextCursor& cursor, TextCursor t
 
 std::string_view ReadLineAt(std::string_view text, TextCursor& cursor) {
   const std::size_t start = std::min(Offset(cursor), text.size());
-  const std::size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+  const std::size_t end = FindLineBreak(text, start);
   cursor = Cursor(std::min(text.find_first_not_of("\r\n", end), text.size()));
   return text.substr(start, end - start);
 }
@@ -278,18 +302,13 @@ std::string_view GetBetween(std::string_view text, std::string_view opening, std
 
 std::string_view GetBetweenFrom(std::string_view text, TextCursor cursor, std::string_view opening,
                                 std::string_view closing) {
-  const std::size_t at = text.find(opening, Offset(cursor));
-  if (at == text.npos) return {};
-  const std::size_t start = at + opening.size();
-  const std::size_t end = text.find(closing, start);
-  return end == text.npos ? std::string_view() : text.substr(start, end - start);
+  return Cut(text, Offset(cursor), opening, closing).value_or(std::string_view());
 }
 
 bool TryGetBetween(std::string_view text, std::string_view opening, std::string_view closing, std::string& target) {
-  const std::size_t at = text.find(opening);
-  if (at == text.npos || text.find(closing, at + opening.size()) == text.npos) return false;
-  target = GetBetweenFrom(text, 1, opening, closing);
-  return true;
+  const auto found = Cut(text, 0, opening, closing);
+  if (found) target = *found;
+  return found.has_value();
 }
 
 } // namespace quarvel

@@ -1,0 +1,185 @@
+#include "actors/movers.h"
+
+#include "actors/triggers.h"
+#include "math/ascii_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quarvel {
+
+namespace {
+
+/// A timer needs a duration above zero.
+constexpr double shortestMoveTime = 0.01;
+constexpr double longestTime = 1e6; ///< seconds; what a damaged number may come to
+constexpr double standstillInterval = 0.33333;
+constexpr double third = 21845, twoThirds = 43690; ///< of a turn
+
+bool IsState(const BrushRecord& mover, std::string_view state) { return SameText(mover.InitialState, state); }
+
+const std::string& NameOf(const BrushRecord& mover) {
+  return mover.Header.Name.empty() ? mover.Header.Class : mover.Header.Name;
+}
+
+double RateOf(const Rotator3& rate, double Rotator3::*& component) {
+  component = &Rotator3::Yaw;
+  for (double Rotator3::*other : {&Rotator3::Pitch, &Rotator3::Roll})
+    if (std::fabs(rate.*other) > std::fabs(rate.*component)) component = other;
+  return rate.*component;
+}
+
+MoverAnimation SpinOf(const BrushRecord& mover, Report& findings) {
+  double Rotator3::*axis = nullptr;
+  const double rate = RateOf(mover.RotationRate, axis);
+  MoverAnimation track;
+  track.Loop = true;
+  track.AnimateRotation = true;
+  track.RotationKeyCount = 3;
+  track.RotationKeys.resize(3);
+  track.BaseRot = mover.Rotation;
+  track.CycleInterval = rate == 0 ? standstillInterval : 1024 / std::fabs(rate) * 60 / 3;
+  if (rate == 0) {
+    findings.Add(NameOf(mover), "its rotation rate is zero, so it stands still");
+    return track;
+  }
+  track.RotationKeys[1].*axis = rate > 0 ? third : twoThirds;
+  track.RotationKeys[2].*axis = rate > 0 ? twoThirds : third;
+  return track;
+}
+
+/// Wait, open from key to key, stay open, and close along the straight way back.
+std::vector<double> OpeningDurations(const BrushRecord& mover, int keys, double moveTime) {
+  const bool closesAtOnce =
+      IsState(mover, "TriggerToggle") || IsState(mover, "TriggerPound") || IsState(mover, "TriggerControl");
+  std::vector<double> durations{std::clamp(mover.DelayTime, 0.0, longestTime)};
+  for (int key = 1; key < keys; ++key) {
+    durations.push_back(moveTime);
+    durations.push_back(0);
+  }
+  durations.back() = closesAtOnce ? 0 : std::clamp(mover.StayOpenTime, 0.0, longestTime);
+  durations.push_back(moveTime * (keys - 1));
+  return durations;
+}
+
+void AddOpening(MoverAnimation& track, const BrushRecord& mover, int keys) {
+  track.PauseAtKeys = true;
+  track.PositionKeyDurations = OpeningDurations(mover, keys, track.MoveTime);
+  track.RotationKeyDurations = track.PositionKeyDurations;
+  track.HasPositionKeyTimes = track.HasRotationKeyTimes = true;
+  track.ReturnTime = track.PositionKeyDurations.back();
+}
+
+double UsableMoveTime(const BrushRecord& mover, Report& findings) {
+  if (mover.MoveTime > 0) return std::min(mover.MoveTime, longestTime);
+  findings.Add(NameOf(mover), "its MoveTime is not above 0; it was taken as 0.01 seconds");
+  return shortestMoveTime;
+}
+
+MoverAnimation KeyedMotionOf(const BrushRecord& mover, Report& findings) {
+  const int keys = std::clamp<int>(mover.NumKeys, 1, MaxKeys);
+  MoverAnimation track;
+  track.PositionKeyCount = track.RotationKeyCount = keys;
+  track.StartKey = std::max<int>(mover.KeyNum, 0) % keys;
+  track.MoveTime = UsableMoveTime(mover, findings);
+  track.AnimatePosition = mover.HasKeyPos;
+  track.AnimateRotation = mover.HasKeyRot;
+  track.BasePos = mover.BasePos;
+  track.BaseRot = mover.BaseRot;
+  track.PositionKeys.assign(mover.KeyPos.begin(), mover.KeyPos.begin() + keys);
+  track.RotationKeys.assign(mover.KeyRot.begin(), mover.KeyRot.begin() + keys);
+  track.Loop = mover.IsLoopMover;
+  if (!track.Loop && keys > 1) AddOpening(track, mover, keys);
+  return track;
+}
+
+bool SameAngle(double a, double b) { return std::fabs(std::remainder(a - b, 65536)) < 1; }
+
+bool StartsAtRest(const BrushRecord& mover, const MoverAnimation& track) {
+  const auto start = static_cast<std::size_t>(track.StartKey);
+  const Vector3 away = SubtractVector(AddVector(track.PositionKeys[start], mover.BasePos), mover.Location);
+  const Rotator3& turn = track.RotationKeys[start];
+  const bool turned = SameAngle(turn.Pitch + mover.BaseRot.Pitch, mover.Rotation.Pitch) &&
+                      SameAngle(turn.Yaw + mover.BaseRot.Yaw, mover.Rotation.Yaw) &&
+                      SameAngle(turn.Roll + mover.BaseRot.Roll, mover.Rotation.Roll);
+  return (!track.AnimatePosition || VectorLength(away) < 0.1) && (!track.AnimateRotation || turned);
+}
+
+bool TurnsTooFar(const MoverAnimation& track) {
+  for (std::size_t key = 1; track.AnimateRotation && key < track.RotationKeys.size(); ++key) {
+    const Rotator3 &a = track.RotationKeys[key - 1], &b = track.RotationKeys[key];
+    if (std::max({std::fabs(a.Pitch - b.Pitch), std::fabs(a.Yaw - b.Yaw), std::fabs(a.Roll - b.Roll)}) > 32768)
+      return true;
+  }
+  return false;
+}
+
+void ReportKeys(const BrushRecord& mover, const MoverAnimation& track, Report& findings) {
+  const std::string& name = NameOf(mover);
+  if (mover.NumKeys < 1) findings.Add(name, "its NumKeys is " + std::to_string(mover.NumKeys) + "; it was taken as 1");
+  if (mover.UnusedKeys > 0)
+    findings.Add(name, std::to_string(mover.UnusedKeys) + " of its keys lie beyond NumKeys and were left out");
+  if (mover.KeyNum < 0 || mover.KeyNum >= track.PositionKeyCount)
+    findings.Add(name, "it rests at key " + std::to_string(mover.KeyNum) + ", which it has not; key " +
+                           std::to_string(track.StartKey) + " was taken");
+  if (track.StartKey != 0 && track.AnimatePosition)
+    findings.Add(name, "it was exported at rest in key " + std::to_string(track.StartKey) +
+                           ", so that its key 0 has the same place");
+  if (!StartsAtRest(mover, track))
+    findings.Add(name, "it does not stand where its keys begin, so it jumps there when it starts");
+  if (TurnsTooFar(track))
+    findings.Add(name, "it turns further than half a turn from key to key, where viewers take the shorter way");
+}
+
+void WriteTouchSensor(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written,
+                      const std::string& timer) {
+  const std::string& name = mover.Header.Name.empty() ? written.Name : mover.Header.Name;
+  const std::string sensor = context.Scene.Names.Take(MakeDefName("Trigger" + name));
+  WriteTrigger(context, TouchBox(mover, written.Bounds, context.Settings), sensor);
+  AddRoute(context.Scene, sensor, "enterTime", timer, "startTime");
+}
+
+void WriteStart(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written, bool loops) {
+  const std::string timer = written.Name + "TIMER";
+  if (IsState(mover, "BumpOpenTimed")) return WriteTouchSensor(context, mover, written, timer);
+  if (NoteLink(context, mover.Header.Tag, "enterTime", timer, "startTime")) return;
+  if (IsState(mover, "StandOpenTimed") || IsState(mover, "BumpButton"))
+    return WriteTouchSensor(context, mover, written, timer);
+  if (!loops) context.Findings.Add(NameOf(mover), "no trigger starts it, so it never moves");
+}
+
+} // namespace
+
+MoverAnimation AnimationOf(const BrushRecord& mover, Report& findings) {
+  if (SameText(mover.Physics, "PHYS_Rotating")) return SpinOf(mover, findings);
+  MoverAnimation track = KeyedMotionOf(mover, findings);
+  ReportKeys(mover, track, findings);
+  return track;
+}
+
+TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, const ConversionSettings& settings) {
+  const double margin = 2 * settings.TextMoverTriggerMargin;
+  TriggerBox box{mover.Location, margin, margin};
+  if (IsEmpty(bounds)) return box;
+  const double unit = 1 / settings.TextScale;
+  const Vector3 center = ScaleVector(BoundsCenter(bounds), unit);
+  const Vector3 extent = ScaleVector(SubtractVector(bounds.Max, bounds.Min), unit);
+  // A scene has the level's Y as its Z, and its Z as its Y.
+  box.Location = {center.X, center.Z, center.Y};
+  box.CollisionRadius = std::max(extent.X + margin, (extent.Z + margin) / 2);
+  box.CollisionHeight = extent.Y + margin;
+  return box;
+}
+
+void WriteMover(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written) {
+  const MoverAnimation track = AnimationOf(mover, context.Findings);
+  if (!mover.AttachTag.empty())
+    context.Findings.Add(NameOf(mover),
+                         "the actors that it carries along, tagged " + mover.AttachTag + ", stay where they are");
+  if (!track.AnimatePosition && !track.AnimateRotation)
+    return context.Findings.Add(NameOf(mover), "it has no keys, so it never moves");
+  WriteInterpolators(context.Scene, written.Name, track, context.Settings.TextScale, context.Scene.Group);
+  WriteStart(context, mover, written, track.Loop);
+}
+
+} // namespace quarvel

@@ -1,0 +1,242 @@
+#include "actors/triggers.h"
+
+#include "actors/script_writer.h"
+#include "math/number_text.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace quarvel {
+
+namespace {
+
+void AddEvent(TriggerEntry& entry, const std::string& event) {
+  if (!event.empty()) entry.Events.push_back(event);
+}
+
+using PlacedEntry = std::pair<TextCursor, TriggerEntry>;
+
+template <typename Record>
+TriggerEntry MakeEntry(ActorContext& context, const Record& trigger) {
+  TriggerEntry entry{trigger.Header.Class,
+                     TakeActorName(context, trigger.Header),
+                     {},
+                     {trigger.Location, trigger.CollisionRadius, trigger.CollisionHeight, trigger.bInitiallyActive}};
+  AddEvent(entry, trigger.Header.Event);
+  return entry;
+}
+
+void ReadTriggersOfClass(ActorContext& context, const LevelText& level, const char* searchText,
+                         std::vector<PlacedEntry>& entries) {
+  TextCursor cursor = 1;
+  TriggerRecord trigger;
+  while (ReadShown(context.Part, ReadTrigger, level, cursor, searchText, trigger))
+    entries.emplace_back(cursor, MakeEntry(context, trigger));
+}
+
+void ReadStochasticTriggers(ActorContext& context, const LevelText& level, std::vector<PlacedEntry>& entries) {
+  TextCursor cursor = 1;
+  StochasticTriggerRecord trigger;
+  while (ReadShown(context.Part, ReadStochasticTrigger, level, cursor, StochasticTriggerSearchText, trigger)) {
+    TriggerEntry entry = MakeEntry(context, trigger);
+    for (const std::string& event : trigger.Events)
+      AddEvent(entry, event);
+    entries.emplace_back(cursor, std::move(entry));
+  }
+}
+
+/// What a sensor or a dispatcher's script sends on.
+struct LinkEnd {
+  std::string Node, Field;
+};
+
+/// Turns the noted links into routes, with the scripts that dispatchers with delays need on the way.
+class LinkWriter {
+ public:
+  explicit LinkWriter(ActorContext& context) : context_(context), triggers_(context.Triggers) {}
+
+  void WriteLinks() {
+    for (const TriggerLink& link : triggers_.Links)
+      for (const TriggerSource& source : triggers_.SourcesOf(link.Tag))
+        ResolveLink(link, source);
+    NoteScriptsBehindScripts();
+    for (const auto& [number, outputs] : outputs_)
+      WriteScript(number, outputs);
+    RouteIntoScripts();
+    for (const Route& route : routes_)
+      AddRoute(context_.Scene, route.FromNode, route.FromField, route.ToNode, route.ToField);
+  }
+
+ private:
+  /// A script's outputs: the sensor's field whose time each passes on, and the entry of the dispatcher.
+  using Outputs = std::set<std::pair<std::string, std::size_t>>;
+
+  void ResolveLink(const TriggerLink& link, const TriggerSource& source) {
+    if (!source.IsSensor && link.FromField == "isActive") {
+      context_.Findings.Add(link.ToNode,
+                            "a dispatcher's delay stands before it, which cannot be converted; it is not switched");
+      return;
+    }
+    const LinkEnd from = EndOf(source, link.FromField);
+    routes_.push_back({from.Node, from.Field, link.ToNode, link.ToField});
+  }
+
+  LinkEnd EndOf(const TriggerSource& source, const std::string& fromField) {
+    if (source.IsSensor) return {triggers_.Entries[source.Entry].Name, fromField};
+    const std::size_t number = source.Output.Dispatcher;
+    outputs_[number].emplace(fromField, source.Output.Entry);
+    return {ScriptName(number), OutputName(fromField, source.Output.Entry)};
+  }
+
+  static std::string OutputName(const std::string& fromField, std::size_t entry) {
+    return fromField + std::to_string(entry) + "_changed";
+  }
+
+  const std::string& ScriptName(std::size_t number) {
+    std::string& name = scriptNames_[number];
+    if (name.empty()) name = context_.Scene.Names.Take(MakeDefName("SCRIPT" + triggers_.Dispatchers[number].Name));
+    return name;
+  }
+
+  /// A delayed dispatcher may be started by another one.
+  void NoteScriptsBehindScripts() {
+    std::vector<std::pair<std::size_t, std::string>> open;
+    std::set<std::pair<std::size_t, std::string>> seen;
+    for (const auto& [number, outputs] : outputs_)
+      for (const auto& output : outputs)
+        open.emplace_back(number, output.first);
+    while (!open.empty()) {
+      const auto [number, field] = open.back();
+      open.pop_back();
+      if (!seen.emplace(number, field).second) continue;
+      for (const TriggerSource& source : triggers_.SourcesOfDispatcher(number)) {
+        EndOf(source, field);
+        if (!source.IsSensor) open.emplace_back(source.Output.Dispatcher, field);
+      }
+    }
+    inputs_ = std::move(seen);
+  }
+
+  void WriteScript(std::size_t number, const Outputs& outputs) {
+    SceneWriter& scene = context_.Scene;
+    const SceneNode script = scene.Open(scene.Group, "", "Script", ScriptName(number));
+    std::map<std::string, std::vector<std::string>> functions; // the lines of each input's function
+    for (const auto& [field, entry] : outputs) {
+      const std::string delay = FormatGeneral(triggers_.Dispatchers[number].Delays[entry]);
+      functions[field].push_back("     " + OutputName(field, entry) + " = value + " + delay + ";");
+    }
+    for (const auto& function : functions)
+      WriteScriptField(script, "eventIn  SFTime  set_" + function.first);
+    for (const auto& [field, entry] : outputs)
+      WriteScriptField(script, "eventOut SFTime  " + OutputName(field, entry));
+    std::vector<std::string> code;
+    for (const auto& [field, lines] : functions) {
+      code.push_back("  function set_" + field + "(value,time) {");
+      code.insert(code.end(), lines.begin(), lines.end());
+      code.emplace_back("  }");
+    }
+    WriteScriptCode(script, code);
+  }
+
+  void RouteIntoScripts() {
+    for (const auto& [number, field] : inputs_)
+      for (const TriggerSource& source : triggers_.SourcesOfDispatcher(number)) {
+        const LinkEnd from = EndOf(source, field);
+        routes_.push_back({from.Node, from.Field, ScriptName(number), "set_" + field});
+      }
+  }
+
+  ActorContext& context_;
+  const TriggerList& triggers_;
+  std::vector<Route> routes_;
+  std::map<std::size_t, Outputs> outputs_; ///< by the dispatcher's number
+  std::set<std::pair<std::size_t, std::string>> inputs_;
+  std::map<std::size_t, std::string> scriptNames_;
+};
+
+/// The size of the sensor's box. Its first number is the radius, not the width.
+std::string SensorSize(ActorContext& context, const TriggerBox& trigger, const std::string& name) {
+  const double scale = context.Settings.TextScale;
+  if (trigger.CollisionRadius < 0 || trigger.CollisionHeight < 0)
+    context.Findings.Add(name, "its size is below zero and was taken as zero");
+  const double radius = std::max(trigger.CollisionRadius, 0.0), height = std::max(trigger.CollisionHeight, 0.0);
+  if (radius == 0 || height == 0) context.Findings.Add(name, "its size is zero, so that nobody can enter it");
+  return FormatVec({radius * scale, height * scale, (radius + radius) * scale});
+}
+
+void WriteSensor(SceneWriter& scene, pugi::xml_node parent, const std::string& name, const std::string& center,
+                 const std::string& size, bool enabled) {
+  SceneNode sensor = scene.Open(parent, "", "ProximitySensor", name);
+  sensor.Field(" center", center);
+  sensor.Field(" size", size);
+  sensor.Flag(" enabled", enabled);
+  scene.Line("}");
+}
+
+void WriteSensorBox(SceneWriter& scene, pugi::xml_node parent, const std::string& size) {
+  const pugi::xml_node shape = scene.Open(parent, "    ", "Shape").Element();
+  SceneNode box = scene.Open(shape, "     geometry ", "Box");
+  box.Field("      size", size);
+  scene.Line("     }");
+  const pugi::xml_node appearance = scene.Open(shape, "     appearance ", "Appearance").Element();
+  SceneNode material = scene.Open(appearance, "      material ", "Material");
+  material.Field("        transparency", "0.5");
+  scene.Line("      }");
+  scene.Line("     }");
+  scene.Line("    }");
+}
+
+} // namespace
+
+void ReadTriggers(ActorContext& context, const LevelText& level) {
+  std::vector<PlacedEntry> entries;
+  ReadTriggersOfClass(context, level, TriggerSearchText, entries);
+  ReadTriggersOfClass(context, level, ElevatorTriggerSearchText, entries);
+  ReadStochasticTriggers(context, level, entries);
+  std::sort(entries.begin(), entries.end(),
+            [](const PlacedEntry& a, const PlacedEntry& b) { return a.first < b.first; });
+  for (PlacedEntry& entry : entries)
+    context.Triggers.Entries.push_back(std::move(entry.second));
+  TextCursor cursor = 1;
+  DispatcherRecord dispatcher;
+  while (ReadDispatcher(level, cursor, DispatcherSearchText, dispatcher))
+    context.Triggers.AddDispatcher(dispatcher, context.Findings);
+  context.Triggers.Connect(context.Findings);
+}
+
+bool NoteLink(ActorContext& context, const std::string& tag, const std::string& fromField, const std::string& toNode,
+              const std::string& toField) {
+  if (!context.Triggers.IsReached(tag)) return false;
+  context.Triggers.Links.push_back({tag, fromField, toNode, toField});
+  return true;
+}
+
+void WriteTrigger(ActorContext& context, const TriggerBox& trigger, const std::string& name) {
+  SceneWriter& scene = context.Scene;
+  const std::string position = PositionText(context, trigger.Location);
+  const std::string size = SensorSize(context, trigger, name);
+  if (!context.Settings.CheckShowTriggers)
+    return WriteSensor(scene, scene.Group, name, position, size, trigger.Enabled);
+
+  SceneNode collision = scene.Open(scene.Group, "", "Collision");
+  WritePassable(collision, " collide");
+  scene.Line(" children [");
+  SceneNode transform = scene.Open(collision.Element(), "  ", "Transform");
+  transform.Field("   translation", position);
+  scene.Line("   children [");
+  WriteSensor(scene, transform.Element(), name, "0 0 0", size, trigger.Enabled);
+  WriteSensorBox(scene, transform.Element(), size);
+  scene.Line("   ]");
+  scene.Line("  }");
+  scene.Line(" ]");
+  scene.Line("}");
+}
+
+void WriteTriggersAndLinks(ActorContext& context) {
+  for (const TriggerEntry& entry : context.Triggers.Entries)
+    WriteTrigger(context, entry.Box, entry.Name);
+  LinkWriter(context).WriteLinks();
+}
+
+} // namespace quarvel

@@ -1,0 +1,47 @@
+#include "core/sky_scene.h"
+
+#include "core/world_nodes.h"
+#include "math/ascii_text.h"
+
+namespace quarvel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool SameFileName(const fs::path& a, const fs::path& b) {
+  return SameText(a.filename().string(), b.filename().string());
+}
+
+ConversionSettings SkySettings(const ConversionSettings& settings) {
+  ConversionSettings sky = settings;
+  sky.OptionVRML97 = true;
+  sky.OptionFlux = sky.OptionContact = false;
+  sky.CheckXMLtoo = false;
+  return sky;
+}
+
+} // namespace
+
+std::optional<SkyScene> PlanSkyScene(const LevelText& level, const fs::path& inFile, const SceneFileNames& files,
+                                     const ConversionSettings& settings, RunMemory& memory, Report& findings) {
+  SkyScene sky;
+  TextCursor cursor = 1;
+  if (!settings.CheckSkyZone || !ReadSkyZone(level, cursor, SkyZoneSearchText, sky.Zone)) return std::nullopt;
+  const fs::path folder = files.Text.parent_path();
+  const std::string name = SkySceneName(sky.Zone);
+  sky.Files = {folder / (name + ".wrl"), folder / (name + ".x3d"), {}};
+  if (SameFileName(sky.Files.Text, files.Text) || SameFileName(sky.Files.Document, files.Document)) {
+    findings.Add(sky.Zone.Header.Name, "the sky zone stays in the level's scene, which bears the name of its own");
+    return std::nullopt;
+  }
+  std::string& owner = memory.SkyScenes[fs::absolute(sky.Files.Text).string()];
+  if (!owner.empty() && owner != inFile.string())
+    findings.Add(sky.Zone.Header.Name,
+                 "its scene takes the place of the one of " + owner + "; convert them into two folders");
+  owner = inFile.string();
+  sky.Settings = SkySettings(settings);
+  return sky;
+}
+
+} // namespace quarvel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/conversion_run.h"
+#include "t3d/actor_index.h"
+#include "t3d/world_records.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace quarvel {
+
+/// The sky zone of a level as a scene of its own, which the level's scene inlines.
+struct SkyScene {
+  SkyZoneRecord Zone;
+  SceneFileNames Files;        ///< beside the level's
+  ConversionSettings Settings; ///< the run's, but the text scene is VRML97, as the level's scene expects it
+};
+
+/// The sky scene that a run is to write: with `CheckSkyZone`, for the first sky zone. None when it would take the place
+/// of the level's own scene. That it takes the place of another level's sky is reported.
+std::optional<SkyScene> PlanSkyScene(const LevelText& level, const std::filesystem::path& inFile,
+                                     const SceneFileNames& files, const ConversionSettings& settings, RunMemory& memory,
+                                     Report& findings);
+
+} // namespace quarvel

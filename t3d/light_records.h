@@ -1,0 +1,76 @@
+#pragma once
+
+#include "t3d/actor_index.h"
+#include "t3d/class_defaults.h"
+#include "t3d/sound_block.h"
+
+#include <array>
+#include <string>
+
+namespace quarvel {
+
+/// How an actor is drawn.
+struct DisplayBlock {
+  std::string Texture; ///< a reference such as Texture'Package.Group.Name'; empty for the class's own
+  std::string Style;   ///< "STY_Translucent" ...
+  double DrawScale = ClassDefaults::DrawScale;
+  double AmbientGlow = 0;
+  double ScaleGlow = 0;
+};
+
+enum class LightKind { Point = 1, Spot = 2, Directional = 3 };
+
+/// A light actor. Position in Unreal units.
+struct LightRecord {
+  ActorHeader Header;
+  LightKind Kind = LightKind::Point; ///< by the class
+  Vector3 Location;
+  Rotator3 Rotation;
+  bool bDynamicLight = false;
+  std::string LightType = "0";
+  std::string LightEffect = "0";
+  double LightBrightness = ClassDefaults::LightBrightness; ///< this and the next two 0 to 255
+  double LightHue = ClassDefaults::LightHue;
+  double LightSaturation = ClassDefaults::LightSaturation; ///< 255 is white
+  double LightRadius = ClassDefaults::LightRadius;
+  double LightPeriod = 0, LightPhase = 0;
+  double LightCone = ClassDefaults::LightCone;
+  double VolumeBrightness = 0, VolumeRadius = 0, VolumeFog = 0;
+  bool bActorShadows = false, bCorona = false, bLensFlare = false;
+  DisplayBlock Display;
+  SoundBlock Sound;
+
+  // Not read, but set by who converts the light.
+  bool IsAmbient = false; ///< the one light that only adds ambient light
+  bool HasOn = false;     ///< the light is switched, and starts as `On` says
+  bool On = false;
+};
+
+/// A light that a trigger switches. Times in seconds.
+struct TriggerLightRecord : LightRecord {
+  bool bDelayFullOn = false;
+  bool bInitiallyOn = false;
+  double ChangeTime = 0;
+  double RemainOnTime = 0;
+};
+
+/// An actor of which only the sprite is drawn.
+struct DisplayRecord {
+  ActorHeader Header;
+  Vector3 Location;
+  DisplayBlock Display;
+};
+
+/// The search texts of the light actors, in the order in which they are converted.
+inline constexpr std::array LightSearchTexts = {"Class=Light", "Class=Spotlight", "Class=Sunlight",
+                                                "Class=ScaledSprite", "Class=TorchFlame"};
+inline constexpr const char* FlareSearchText = "Class=UTFlare";
+inline constexpr const char* TriggerLightSearchText = "Class=TriggerLight ";
+
+/// Each reads the next actor that fits the search text. False when there is none.
+bool ReadLight(const LevelText& level, TextCursor& cursor, std::string_view searchText, LightRecord& light);
+bool ReadTriggerLight(const LevelText& level, TextCursor& cursor, std::string_view searchText,
+                      TriggerLightRecord& light);
+bool ReadDisplay(const LevelText& level, TextCursor& cursor, std::string_view searchText, DisplayRecord& display);
+
+} // namespace quarvel

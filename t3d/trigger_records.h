@@ -1,0 +1,60 @@
+#pragma once
+
+#include "t3d/actor_index.h"
+#include "t3d/class_defaults.h"
+#include "t3d/sound_block.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace quarvel {
+
+/// A place that sets something off. Lengths in Unreal units, times in seconds.
+struct TriggerRecord {
+  ActorHeader Header;
+  std::string Message;
+  std::string InitialState;
+  bool bTriggerOnceOnly = false;
+  double RepeatTriggerTime = 0;
+  double ReTriggerDelay = 0;
+  Vector3 Location;
+  bool bInitiallyActive = ClassDefaults::TriggerActive;
+  double CollisionRadius = ClassDefaults::TriggerRadius;
+  double CollisionHeight = ClassDefaults::TriggerHeight;
+  std::int16_t GotoKeyframe = 0; ///< of an ElevatorTrigger
+  SoundBlock Sound;
+};
+
+/// A trigger that sets off one of several events at random.
+struct StochasticTriggerRecord {
+  ActorHeader Header;
+  double triggerProbability = 0;
+  double minReCheckTime = 0, maxReCheckTime = 0;
+  std::array<std::string, 7> Events;
+  Vector3 Location;
+  bool bInitiallyActive = ClassDefaults::TriggerActive;
+  double CollisionRadius = ClassDefaults::TriggerRadius;
+  double CollisionHeight = ClassDefaults::TriggerHeight;
+};
+
+/// Passes an event on as several others, each `OutDelays` seconds after the one before it.
+struct DispatcherRecord {
+  ActorHeader Header;
+  std::array<std::string, 8> OutEvents;
+  std::array<double, 8> OutDelays{};
+};
+
+inline constexpr const char* TriggerSearchText = "Class=Trigger ";
+inline constexpr const char* ElevatorTriggerSearchText = "Class=ElevatorTrigger ";
+inline constexpr const char* StochasticTriggerSearchText = "Class=StochasticTrigger ";
+inline constexpr const char* DispatcherSearchText = "Class=Dispatcher ";
+
+/// Each reads the next actor that fits the search text. False when there is none.
+bool ReadTrigger(const LevelText& level, TextCursor& cursor, std::string_view searchText, TriggerRecord& trigger);
+bool ReadStochasticTrigger(const LevelText& level, TextCursor& cursor, std::string_view searchText,
+                           StochasticTriggerRecord& trigger);
+bool ReadDispatcher(const LevelText& level, TextCursor& cursor, std::string_view searchText,
+                    DispatcherRecord& dispatcher);
+
+} // namespace quarvel

@@ -1,0 +1,58 @@
+#include "t3d/world_records.h"
+
+#include "t3d/record_reading.h"
+
+namespace quarvel {
+
+namespace {
+
+void ReadZoneBlock(const TextBlock& block, ZoneBlock& zone) {
+  zone.ColorInRange = GetColor(block, "DistanceFogColor=", zone.DistanceFogColor);
+  GetKeyValue(block, "TexUPanSpeed=", zone.TexUPanSpeed);
+  GetKeyValue(block, "TexVPanSpeed=", zone.TexVPanSpeed);
+  GetKeyValue(block, "AmbientBrightness=", zone.AmbientBrightness);
+  GetKeyValue(block, "AmbientHue=", zone.AmbientHue);
+  GetKeyValue(block, "AmbientSaturation=", zone.AmbientSaturation);
+  GetKeyValue(block, "DistanceFogStart=", zone.DistanceFogStart);
+  GetKeyValue(block, "DistanceFogEnd=", zone.DistanceFogEnd);
+  GetKeyValue(block, "bDistanceFog=", zone.bDistanceFog);
+}
+
+void ReadZoneKeys(const TextBlock& block, ZoneRecord& zone) { ReadZoneBlock(block, zone.Zone); }
+
+void ReadSkyZoneKeys(const TextBlock& block, SkyZoneRecord& zone) {
+  zone.Location = GetVectorOr0(block, " Location=");
+  GetKeyValue(block, "bStatic=", zone.bStatic);
+  GetKeyValue(block, "Physics=", zone.Physics);
+  GetKeyValue(block, "DrawScale=", zone.DrawScale);
+  GetKeyValue(block, "bFixedRotationDir=", zone.bFixedRotationDir);
+  zone.RotationRate = GetRotator(block, "RotationRate=");
+  if (block.Find("RotateRate=") != 0) zone.RotationRate = GetRotator(block, "RotateRate=");
+  zone.DesiredRotation = GetRotator(block, "DesiredRotation=");
+  ReadZoneBlock(block, zone.Zone);
+}
+
+void ReadLevelKeys(const TextBlock& block, LevelRecord& info) {
+  info.Title = GetQuotedValue(block, "Title=");
+  info.Author = GetQuotedValue(block, "Author=");
+  GetKeyValue(block, "LightBrightness=", info.LightBrightness);
+  GetKeyValue(block, "LightHue=", info.LightHue);
+  GetKeyValue(block, "LightSaturation=", info.LightSaturation);
+  ReadZoneBlock(block, info.Zone);
+}
+
+} // namespace
+
+bool ReadZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, ZoneRecord& zone) {
+  return ReadRecord(level, cursor, searchText, zone, ReadZoneKeys);
+}
+
+bool ReadSkyZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, SkyZoneRecord& zone) {
+  return ReadRecord(level, cursor, searchText, zone, ReadSkyZoneKeys);
+}
+
+bool ReadLevel(const LevelText& level, TextCursor& cursor, std::string_view searchText, LevelRecord& info) {
+  return ReadRecord(level, cursor, searchText, info, ReadLevelKeys);
+}
+
+} // namespace quarvel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "t3d/actor_index.h"
+#include "t3d/class_defaults.h"
+
+#include <string>
+
+namespace quarvel {
+
+/// What a zone does to all that stands in it. Distances in Unreal units.
+struct ZoneBlock {
+  ColorRGB DistanceFogColor = ClassDefaults::DistanceFogColor;
+  bool ColorInRange = true; ///< false when a component lay outside 0 to 255 and was clamped
+  double TexUPanSpeed = ClassDefaults::TexturePanSpeed, TexVPanSpeed = ClassDefaults::TexturePanSpeed;
+  double AmbientBrightness = 0, AmbientHue = 0, AmbientSaturation = 0; ///< 0 to 255; saturation 255 is white
+  double DistanceFogStart = 0, DistanceFogEnd = ClassDefaults::DistanceFogEnd;
+  bool bDistanceFog = false;
+};
+
+struct ZoneRecord {
+  ActorHeader Header;
+  ZoneBlock Zone;
+};
+
+/// The zone whose geometry is the level's sky.
+struct SkyZoneRecord {
+  ActorHeader Header;
+  Vector3 Location;
+  bool bStatic = false;
+  std::string Physics;
+  double DrawScale = ClassDefaults::DrawScale;
+  bool bFixedRotationDir = false;
+  Rotator3 RotationRate; ///< a second
+  Rotator3 DesiredRotation;
+  ZoneBlock Zone;
+};
+
+/// The level itself, which is the zone of all that stands in no other.
+struct LevelRecord {
+  ActorHeader Header;
+  std::string Title, Author;
+  double LightBrightness = 0, LightHue = 0, LightSaturation = 0;
+  ZoneBlock Zone;
+};
+
+inline constexpr const char* LevelSearchText = "Class=LevelInfo";
+inline constexpr const char* ZoneSearchText = "Class=ZoneInfo ";
+inline constexpr const char* SkyZoneSearchText = "Class=SkyZoneInfo ";
+
+/// Each reads the next actor that fits the search text. False when there is none.
+bool ReadZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, ZoneRecord& zone);
+bool ReadSkyZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, SkyZoneRecord& zone);
+bool ReadLevel(const LevelText& level, TextCursor& cursor, std::string_view searchText, LevelRecord& info);
+
+} // namespace quarvel

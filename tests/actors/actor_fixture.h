@@ -1,0 +1,77 @@
+#pragma once
+
+#include "actors/actor_context.h"
+#include "tests/temporary_folder.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+#include <string>
+
+namespace quarvel {
+
+/// An actor's block with these keys, one a line.
+inline std::string ActorText(const std::string& header, const std::string& keys = {}) {
+  return "Begin Actor Class=" + header + "\r\n" + keys + "\r\nEnd Actor\r\n";
+}
+
+/// A scene that actors are written into, at scale 1 unless `Settings` is changed before the scene is first used.
+class ActorTest : public ::testing::Test {
+ protected:
+  ActorContext& Context() {
+    if (!made_) made_ = std::make_unique<Made>(Settings, Findings, Folder.Path());
+    return made_->Context;
+  }
+  SceneWriter& Scene() { return Context().Scene; }
+
+  /// The text written so far, with plain line ends.
+  std::string Text() {
+    std::string text = Scene().SceneText;
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+  }
+
+  /// The elements of the document's content, without indentation.
+  std::string Document() {
+    std::ostringstream out;
+    for (const pugi::xml_node node : Scene().Scene.children())
+      node.print(out, "", pugi::format_raw);
+    return out.str();
+  }
+
+  bool Reported(const std::string& actor, const std::string& part) const {
+    return std::any_of(Findings.Findings().begin(), Findings.Findings().end(), [&](const Finding& finding) {
+      return finding.Actor == actor && finding.Reason.find(part) != std::string::npos;
+    });
+  }
+
+  ConversionSettings Settings = [] {
+    ConversionSettings settings;
+    settings.TextScale = {"1", 1};
+    return settings;
+  }();
+  Report Findings;
+  TemporaryFolder Folder; ///< the scene's, with the level's folder "in" below
+
+ private:
+  struct Made {
+    Made(const ConversionSettings& settings, Report& findings, const std::filesystem::path& folder)
+        : Scene(settings.OptionFlux ? TextEncoding::X3DClassic : TextEncoding::Vrml97, settings.CheckConforming),
+          Resources(settings, folder / "in" / "level.t3d", folder / "level.wrl", findings),
+          Materials(Scene, Resources, settings, "0.8 0.8 0.8"), Context{Scene,     settings, Resources,
+                                                                        Materials, User,     findings} {
+      Scene.Scene = Scene.SceneDocument.append_child("X3D").append_child("Scene");
+      Scene.Group = Scene.Scene.append_child("Group");
+    }
+    SceneWriter Scene;
+    ResourceFiles Resources;
+    MaterialWriter Materials;
+    RunInterface User;
+    ActorContext Context;
+  };
+
+  std::unique_ptr<Made> made_;
+};
+
+} // namespace quarvel
