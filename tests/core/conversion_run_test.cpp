@@ -58,8 +58,7 @@ TEST(ConversionRun, WritesTheGoldenScenes) {
 TEST(ConversionRun, LineEndsDoNotMatter) {
   std::string text = golden;
   std::erase(text, '\r');
-  const Converted converted = Convert(text);
-  EXPECT_EQ(converted.Text, test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.wrl"));
+  ExpectSameText(Convert(text).Text, test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.wrl"), "golden.wrl");
 }
 
 ConversionSettings SeparateFacesInX3D() {

@@ -358,6 +358,17 @@ bool IsLeftOut(std::string_view field, std::string_view value) {
          (field == "location" && value == "0 0 0");
 }
 
+/// VRML97 has no interpolator for pairs of numbers: there a script moves a texture.
+bool MovesTextures(std::string_view name) {
+  return IsOneOf(name, "SCRIPTUVPAN SCRIPTUPAN SCRIPTVPAN SCRIPTSMALLWAVY POSINT2DUVPAN POSINT2DUPAN POSINT2DVPAN "
+                       "WAVYPOSINT");
+}
+
+bool RoutesTextureMotion(std::string_view route) {
+  const std::string_view to = route.substr(route.rfind(' ') + 1);
+  return MovesTextures(route.substr(0, route.find('.'))) || MovesTextures(to.substr(0, to.find('.')));
+}
+
 } // namespace
 
 std::string ReadScene::OwnerOf(const ReadNode& node) const {
@@ -383,22 +394,11 @@ ReadScene ReadX3D(const std::string& text) {
   return scene;
 }
 
-namespace {
-
-/// Textures are moved by scripts in VRML97 and by interpolators elsewhere.
-bool MovesTexture(const std::string& line) {
-  for (const char* name : {"SCRIPTUVPAN", "SCRIPTUPAN", "SCRIPTVPAN", "SCRIPTSMALLWAVY", "POSINT2D", "WAVYPOSINT"})
-    if (line.find(name) != line.npos) return true;
-  return false;
-}
-
-} // namespace
-
 std::vector<std::string> Describe(const ReadScene& scene) {
   std::vector<std::string> lines;
   for (const ReadNode& node : scene.Nodes) {
     // Scripts declare their fields in ways of their own; a text's USE does not say the type.
-    if (IsOneOf(node.Type, frame) || IsOneOf(node.Type, "Script field")) continue;
+    if (IsOneOf(node.Type, frame) || IsOneOf(node.Type, "Script field") || MovesTextures(node.Def)) continue;
     const std::string type = node.Use.empty() ? node.Type : "USE";
     std::string line = type + " '" + node.Def + node.Use + "' in '" + scene.OwnerOf(node) + "'";
     for (const auto& [field, value] : node.Fields) {
@@ -412,8 +412,7 @@ std::vector<std::string> Describe(const ReadScene& scene) {
     lines.push_back(line);
   }
   for (const std::string& route : scene.Routes)
-    lines.push_back("ROUTE " + route);
-  std::erase_if(lines, MovesTexture);
+    if (!RoutesTextureMotion(route)) lines.push_back("ROUTE " + route);
   std::sort(lines.begin(), lines.end());
   return lines;
 }
