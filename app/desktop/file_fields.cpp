@@ -38,22 +38,26 @@ FileFields::FileFields(OptionControls& controls, DesktopServices& services, QWid
   grid->setColumnStretch(1, 1);
   grid->addWidget(inputLabel, 0, 0);
   grid->addWidget(input_, 0, 1);
-  grid->addWidget(MakeBrowseButton(QStringLiteral("CommandBrowseIn"), QStringLiteral("Choose levels (Ctrl+O)")), 0, 2);
+  QPushButton* browseInput =
+      MakeBrowseButton(QStringLiteral("CommandBrowseIn"), QStringLiteral("Choose levels (Ctrl+O)"));
+  QPushButton* browseOutput =
+      MakeBrowseButton(QStringLiteral("CommandBrowseOut"), QStringLiteral("Choose the scene to write"));
+  grid->addWidget(browseInput, 0, 2);
   grid->addWidget(outputLabel, 1, 0);
   grid->addWidget(output_, 1, 1);
-  grid->addWidget(MakeBrowseButton(QStringLiteral("CommandBrowseOut"), QStringLiteral("Choose the scene to write")), 1,
-                  2);
+  grid->addWidget(browseOutput, 1, 2);
+  setTabOrder(input_, browseInput);
+  setTabOrder(browseInput, output_);
+  setTabOrder(output_, browseOutput);
   connect(input_, &QComboBox::currentTextChanged, this, [this] {
     FollowInput();
     emit InputChanged();
   });
-  connect(findChild<QPushButton*>(QStringLiteral("CommandBrowseIn")), &QPushButton::clicked, this,
-          &FileFields::BrowseInput);
-  connect(findChild<QPushButton*>(QStringLiteral("CommandBrowseOut")), &QPushButton::clicked, this,
-          &FileFields::BrowseOutput);
+  connect(browseInput, &QPushButton::clicked, this, &FileFields::BrowseInput);
+  connect(browseOutput, &QPushButton::clicked, this, &FileFields::BrowseOutput);
 }
 
-QWidget* FileFields::MakeBrowseButton(const QString& name, const QString& tip) {
+QPushButton* FileFields::MakeBrowseButton(const QString& name, const QString& tip) {
   auto* button = new QPushButton(style()->standardIcon(QStyle::SP_DirOpenIcon), QStringLiteral("Browse..."), this);
   button->setObjectName(name);
   button->setToolTip(tip);

@@ -6,6 +6,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QWidget>
 
 namespace quarvel {
@@ -36,7 +37,7 @@ class FileFields : public QWidget {
   void Refused(const QString& why);
 
  private:
-  QWidget* MakeBrowseButton(const QString& name, const QString& tip);
+  QPushButton* MakeBrowseButton(const QString& name, const QString& tip);
   void FollowInput();
   void ShowPlaceholder();
 

@@ -48,6 +48,12 @@ FormMain::FormMain(const QString& settingsFile, DesktopServices& services)
   ShowRunning(false);
 }
 
+FormMain::~FormMain() {
+  // What widgets tell while they go must not reach a window that is half gone.
+  disconnect(qApp, nullptr, this, nullptr);
+  delete takeCentralWidget();
+}
+
 void FormMain::MakeWidgets() {
   auto* center = new QWidget(this);
   files_ = new FileFields(controls_, services_, center);

@@ -25,6 +25,7 @@ class FormMain : public QMainWindow {
  public:
   /// Reads the settings from `settingsFile`.
   FormMain(const QString& settingsFile, DesktopServices& services);
+  ~FormMain() override;
 
   /// What the controls hold.
   ConversionSettings FormSettings() const;
@@ -61,6 +62,7 @@ class FormMain : public QMainWindow {
   void Run(const std::vector<ConversionJob>& jobs);
   void ShowRunning(bool running);
   void ShowOutcome(std::size_t jobs);
+  void KeepOutput();
   void FinishRun(std::size_t jobs);
   void Tell(const QString& pass, const QString& item);
   void ShowResult(int row);

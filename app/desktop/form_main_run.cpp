@@ -2,6 +2,7 @@
 #include "app/desktop/form_main.h"
 #include "app/desktop/qt_text.h"
 #include "core/run_summary.h"
+#include "core/settings_file.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -53,7 +54,14 @@ void FormMain::Run(const std::vector<ConversionJob>& jobs) {
                            [&](const ConversionJob&, const RunResult& result) { batch_->ShowFinished(result); }};
   results_ = RunBatch(jobs, settings, store_, memory_, *interface_, events);
   output->setText(outputTyped); // of a batch, it is the folder for all
+  if (jobs.size() > 1) KeepOutput();
   FinishRun(jobs.size());
+}
+
+/// The runs of a batch have saved their own outputs. What the user typed is what the next batch is to go by.
+void FormMain::KeepOutput() {
+  WriteOption(*FindOption("TextOutFileName"), FormSettings(), store_);
+  if (const std::string error = store_.Save(); !error.empty()) interface_->ShowMessage(error);
 }
 
 void FormMain::FinishRun(std::size_t jobs) {

@@ -175,6 +175,7 @@ TEST_F(FormRun, AFolderIsABatchWithARowForEachFile) {
   EXPECT_EQ(rows->topLevelItem(2)->text(3), "1") << "missing files";
   EXPECT_EQ(TextOf("LabelProgress"), "2 of 3 files converted");
   EXPECT_EQ(Find<QLineEdit>("TextOutFileName")->text(), Name("out/")) << "the output of the last file stays";
+  EXPECT_NE(folder_.Read("Quarvel.ini").find("OutFile=" + Name("out/").toStdString() + "\n"), std::string::npos);
   EXPECT_TRUE(fs::exists(folder_.Path() / "out" / "b harbour.x3d"));
   QDialog* missing = Dialog("FormMissing");
   ASSERT_NE(missing, nullptr);
