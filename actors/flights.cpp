@@ -156,10 +156,13 @@ MoverAnimation TrackOfFlight(const Flight& flight, double step) {
   track.HasPositionKeyTimes = track.HasRotationKeyTimes = true;
   track.AnimatePosition = track.AnimateRotation = true;
   track.Loop = flight.Loop;
-  if (!flight.HasActions) return track;
-  track.ThirdKeyCount = static_cast<int>(flight.Segments.size()) + 1;
-  for (const FlightSegment& segment : flight.Segments)
-    track.ThirdKeyDurations.push_back(segment.Duration);
+  for (const FlightSegment& segment : flight.Segments) {
+    if (flight.HasActions)
+      track.ThirdKeyDurations.push_back(segment.Duration);
+    else
+      track.CycleInterval += segment.Duration; // rounder than the sum of its pieces
+  }
+  if (flight.HasActions) track.ThirdKeyCount = static_cast<int>(flight.Segments.size()) + 1;
   return track;
 }
 

@@ -11,6 +11,8 @@ namespace quarvel {
 
 namespace {
 
+constexpr double reach = 1e6; ///< scene units; beyond any level
+
 double UsableStep(ActorContext& context) {
   const double step = context.Settings.TextBezierSubD;
   if (step > 0 && step <= 0.5) return std::max(step, 0.01);
@@ -37,10 +39,24 @@ std::string WriteCamera(ActorContext& context, const std::string& name, const Mo
   return viewpoint;
 }
 
-/// Lets the flight begin when its camera is bound, or `TextFlyThruDelay` seconds later.
+/// A walking visitor would sink to the ground below the path; while the camera is bound they fly.
+void WriteFlyingMode(ActorContext& context, const std::string& name, const std::string& viewpoint,
+                     pugi::xml_node parent) {
+  SceneWriter& scene = context.Scene;
+  const std::string def = scene.Names.Take(name + "NAVINFO");
+  SceneNode mode = scene.Open(parent, "", "NavigationInfo", def);
+  mode.Strings(" type", "FLY");
+  mode.Flag(" headlight", context.Settings.CheckHeadlight);
+  scene.Line("}");
+  AddRoute(scene, viewpoint, "isBound", def, "set_bind");
+}
+
+/// Lets the flight begin when its camera is bound, or `TextFlyThruDelay` seconds later, and end when it is unbound: a
+/// timer that still runs would not begin anew.
 void WriteTakeOff(ActorContext& context, const std::string& name, const std::string& viewpoint, pugi::xml_node parent) {
   SceneWriter& scene = context.Scene;
   const std::string timer = name + "TIMER";
+  AddRoute(scene, viewpoint, "isBound", timer, "enabled");
   if (!context.Settings.CheckFlyThruDelay) return AddRoute(scene, viewpoint, "bindTime", timer, "startTime");
   const std::string def = scene.Names.Take("SCRIPT" + name);
   const SceneNode script = scene.Open(parent, "", "Script", def);
@@ -87,17 +103,19 @@ std::string WriteFlight(ActorContext& context, const Flight& flight, const std::
   const MoverAnimation track = TrackOfFlight(flight, step);
   const std::string viewpoint = WriteCamera(context, name, track, parent);
   WriteInterpolators(context.Scene, name, track, context.Settings.TextScale, parent);
+  WriteFlyingMode(context, name, viewpoint, parent);
   WriteTakeOff(context, name, viewpoint, parent);
   if (context.Settings.CheckShowFlyThru) WritePathLine(context, track, parent);
   return viewpoint;
 }
 
-/// Binds the camera once the viewer is in the scene. What stands for the filter in the document by default cannot pass
-/// anything on.
-void BindWhenLoaded(ActorContext& context, const std::string& viewpoint, const Bounds3& box, pugi::xml_node parent) {
+/// Binds the camera as soon as there is a viewer. The sensor is so large that nobody leaves it: who came back, after a
+/// fall from the level's edge, would be sent on the flight again. What stands for the filter in the document by default
+/// cannot pass anything on.
+void BindWhenLoaded(ActorContext& context, const std::string& viewpoint, pugi::xml_node parent) {
   SceneWriter& scene = context.Scene;
   const std::string sensor = "STARTFLYTHRU", filter = "STARTFLYTHRUBF";
-  WriteSensorAround(scene, sensor, box, parent);
+  WriteSensorAround(scene, sensor, {{-reach, -reach, -reach}, {reach, reach, reach}}, parent);
   WriteBooleanFilter(context, filter, parent);
   const RouteScope scope = scene.Conforming() ? RouteScope::Both : RouteScope::Text;
   AddRoute(scene, sensor, "isActive", filter, "set_boolean", scope);
@@ -106,21 +124,17 @@ void BindWhenLoaded(ActorContext& context, const std::string& viewpoint, const B
 
 } // namespace
 
-void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights, const Bounds3& bounds,
-                     pugi::xml_node parent) {
+void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights, pugi::xml_node parent) {
   if (flights.empty()) return;
   const double step = UsableStep(context);
-  Bounds3 scene = bounds;
   std::string first;
   int number = 0;
   for (const Flight& flight : flights) {
     const std::string name = ++number == 1 ? "FlyThru" : "FlyThru" + std::to_string(number);
     const std::string viewpoint = WriteFlight(context, flight, context.Scene.Names.Take(name), step, parent);
     if (first.empty()) first = viewpoint;
-    GrowBounds(scene,
-               ScaleVector(ToSceneAxes(context.Scene.ConversionMatrix, flight.Start), context.Settings.TextScale));
   }
-  BindWhenLoaded(context, first, SceneWideBox(scene), parent);
+  BindWhenLoaded(context, first, parent);
 }
 
 } // namespace quarvel

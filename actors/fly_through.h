@@ -9,8 +9,7 @@
 namespace quarvel {
 
 /// Writes each flight as a camera that is moved along it and takes off when it is bound: "FlyThru", "FlyThru2", ... The
-/// first one is bound when the scene is loaded. `bounds` is the level's box in scene units.
-void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights, const Bounds3& bounds,
-                     pugi::xml_node parent);
+/// first one is bound when the scene is loaded.
+void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights, pugi::xml_node parent);
 
 } // namespace quarvel

@@ -84,6 +84,7 @@ class ModelWriter {
   int count_ = 0;
 };
 
+/// Sends whoever enters to the destination, and unbinds the teleporter's own arrival viewpoint.
 void WriteScript(SceneWriter& scene, const std::string& name, pugi::xml_node parent) {
   const SceneNode script = scene.Open(parent, "", "Script", name);
   WriteScriptField(script, " eventIn SFBool set_view_changed");
@@ -95,8 +96,28 @@ void WriteScript(SceneWriter& scene, const std::string& name, pugi::xml_node par
                   " url \"javascript:", " \"");
 }
 
-WrittenTeleporter WriteTeleporter(ActorContext& context, const TeleporterRecord& teleporter, ModelWriter& models,
-                                  pugi::xml_node parent) {
+/// The same, but a destination that is still bound from the last time is unbound first, since binding what is bound has
+/// no effect (X3D 7.2.2). Unbinding it as soon as the sensor is left would be too early: the jump itself leaves it.
+void WriteRepeatingScript(SceneWriter& scene, const std::string& name, pugi::xml_node parent) {
+  const SceneNode script = scene.Open(parent, "", "Script", name);
+  WriteScriptField(script, " eventIn SFBool set_view_changed");
+  WriteScriptField(script, " eventIn SFBool destination_bound");
+  WriteScriptField(script, " eventOut SFBool go_inchanged");
+  WriteScriptField(script, " eventOut SFBool go_outchanged");
+  WriteScriptField(script, " eventOut SFBool go_againchanged");
+  WriteScriptField(script, " field SFBool arrived FALSE");
+  WriteScriptField(script, " field SFBool again FALSE");
+  WriteScriptCode(script,
+                  {"  function set_view_changed(value,time) {", "    if (value)", "    {",
+                   "     go_outchanged = false;", "     again = arrived;", "     if (again) go_againchanged = false;",
+                   "     else go_inchanged = true;", "    }", "  }", "  function destination_bound(value,time) {",
+                   "    arrived = value;", "    if (again)", "    {", "     again = false;",
+                   "     go_inchanged = true;", "    }", "  }"},
+                  " url \"javascript:", " \"");
+}
+
+WrittenTeleporter WriteTeleporter(ActorContext& context, const TeleporterRecord& teleporter, bool repeats,
+                                  ModelWriter& models, pugi::xml_node parent) {
   SceneWriter& scene = context.Scene;
   models.Write(teleporter);
   WrittenTeleporter written;
@@ -106,16 +127,28 @@ WrittenTeleporter WriteTeleporter(ActorContext& context, const TeleporterRecord&
                        sensorHeight * teleporter.CollisionHeight};
   WriteTrigger(context, box, written.Sensor);
   written.Script = TakeActorName(context, teleporter.Header, "SCRIPTTele");
-  WriteScript(scene, written.Script, parent);
+  if (repeats)
+    WriteRepeatingScript(scene, written.Script, parent);
+  else
+    WriteScript(scene, written.Script, parent);
   AddRoute(scene, written.Sensor, "isActive", written.Script, "set_view_changed");
   AddRoute(scene, written.Script, "go_outchanged", written.Viewpoint, "set_bind");
   return written;
 }
 
-/// The number of the teleporter that the URL of `from` leads to; -1 when there is none, which is reported.
+void RouteToDestination(SceneWriter& scene, const std::string& script, const std::string& destination, bool repeats) {
+  AddRoute(scene, script, "go_inchanged", destination, "set_bind");
+  if (!repeats) return;
+  AddRoute(scene, script, "go_againchanged", destination, "set_bind");
+  AddRoute(scene, destination, "isBound", script, "destination_bound");
+}
+
+/// The number of the teleporter that the URL of `from` leads to; -1 when there is none, which is reported unless there
+/// is no URL.
 int FindDestination(ActorContext& context, const std::vector<TeleporterRecord>& teleporters, std::size_t from,
                     const std::string& levelName) {
   const TeleporterRecord& teleporter = teleporters[from];
+  if (teleporter.URL.empty()) return -1;
   const TeleportTarget target = ParseTeleportURL(teleporter.URL);
   const auto report = [&](const std::string& reason) { context.Findings.Add(teleporter.Header.Name, reason); };
   if (!target.Map.empty() && !SameText(target.Map, levelName)) {
@@ -158,16 +191,17 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter) {
 void WriteTeleporters(ActorContext& context, const std::vector<TeleporterRecord>& teleporters,
                       const std::string& levelName, pugi::xml_node parent) {
   ModelWriter models(context, parent);
+  std::vector<int> destinations;
   std::vector<WrittenTeleporter> written;
-  for (const TeleporterRecord& teleporter : teleporters)
-    written.push_back(WriteTeleporter(context, teleporter, models, parent));
+  const auto repeats = [&](std::size_t i) { return context.Scene.Conforming() && destinations[i] >= 0; };
   for (std::size_t i = 0; i < teleporters.size(); ++i) {
-    if (teleporters[i].URL.empty()) continue;
-    const int to = FindDestination(context, teleporters, i, levelName);
-    if (to >= 0)
-      AddRoute(context.Scene, written[i].Script, "go_inchanged", written[static_cast<std::size_t>(to)].Viewpoint,
-               "set_bind");
+    destinations.push_back(FindDestination(context, teleporters, i, levelName));
+    written.push_back(WriteTeleporter(context, teleporters[i], repeats(i), models, parent));
   }
+  for (std::size_t i = 0; i < teleporters.size(); ++i)
+    if (destinations[i] >= 0)
+      RouteToDestination(context.Scene, written[i].Script, written[static_cast<std::size_t>(destinations[i])].Viewpoint,
+                         repeats(i));
 }
 
 } // namespace quarvel

@@ -75,7 +75,7 @@ void BindBySensor(ActorContext& context, const std::string& viewpoint, const Vec
   const ConversionSettings& settings = context.Settings;
   const char* name = "PROXSENSORDEFAULTVIEW";
   GrowBounds(bounds, position);
-  Bounds3 box = SceneWideBox(bounds);
+  Bounds3 box = BoxWithMargin(bounds);
   if (settings.OptionDefViewPSSize) {
     const Vector3 half = ScaleVector({settings.TextVProxSizeX, settings.TextVProxSizeY, settings.TextVProxSizeZ}, 0.5);
     box = {SubtractVector(position, half), AddVector(position, half)};
@@ -130,12 +130,11 @@ void WriteBooleanFilter(ActorContext& context, const std::string& name, pugi::xm
   AddAttribute(parent.append_child(scene.Conforming() ? "BooleanFilter" : "Viewpoint"), "DEF", name);
 }
 
-Bounds3 SceneWideBox(const Bounds3& scene) {
-  if (IsEmpty(scene)) return {{-500000, -500000, -500000}, {500000, 500000, 500000}};
-  const Vector3 extent = SubtractVector(scene.Max, scene.Min);
+Bounds3 BoxWithMargin(const Bounds3& bounds) {
+  const Vector3 extent = SubtractVector(bounds.Max, bounds.Min);
   const double margin = std::max({extent.X, extent.Y, extent.Z}) + 10;
   const Vector3 margins{margin, margin, margin};
-  return {SubtractVector(scene.Min, margins), AddVector(scene.Max, margins)};
+  return {SubtractVector(bounds.Min, margins), AddVector(bounds.Max, margins)};
 }
 
 void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box, pugi::xml_node parent) {

@@ -28,8 +28,8 @@ void DeclareBooleanFilter(ActorContext& context);
 /// that name in its place, which passes on nothing.
 void WriteBooleanFilter(ActorContext& context, const std::string& name, pugi::xml_node parent);
 
-/// The box of a sensor that a viewer is in wherever the scene begins, with a wide margin. Scene units.
-Bounds3 SceneWideBox(const Bounds3& scene);
+/// The level's box with a wide margin. Scene units.
+Bounds3 BoxWithMargin(const Bounds3& bounds);
 /// Writes a proximity sensor that fills the box.
 void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box, pugi::xml_node parent);
 

@@ -51,7 +51,7 @@ void WriteFlights(RunState& run) {
   const auto points = ReadAll<InterpolationPointRecord>(run, ReadInterpolationPoint, InterpolationPointSearchText);
   const std::vector<Flight> flights = PlanFlights(run, points);
   run.User.ShowPass("Writing Interpolation Points");
-  WriteFlyThrough(run.Actors, flights, run.Geometry.Bounds, run.Scene.Group);
+  WriteFlyThrough(run.Actors, flights, run.Scene.Group);
   FlushBlock(run);
   if (!run.Settings.CheckOutputFlyThruViewpoints) return;
   for (const InterpolationPointRecord& point : points) {
