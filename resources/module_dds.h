@@ -5,7 +5,7 @@
 namespace quarvel {
 
 /// Reads the largest image of a dds file: uncompressed, or compressed as DXT1, DXT3 or DXT5 (block layout: "S3 Texture
-/// Compression" in the Khronos Data Format Specification).
+/// Compression" in the Khronos Data Format standard).
 ImageResult ReadDds(Bytes file);
 
 } // namespace quarvel
