@@ -32,6 +32,7 @@ struct ActorContext {
   ScenePart Part{};
   TriggerList Triggers{};
   std::map<std::string, WrittenClip> Clips{}; ///< by the sound file's name in lower case
+  bool BooleanFilterDeclared = false;         ///< its prototype stands in the text
 };
 
 /// A location of the level as the text of a scene position.

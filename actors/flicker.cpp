@@ -16,9 +16,10 @@ std::string WriteFlicker(ActorContext& context, const std::string& base, pugi::x
   WriteScriptCode(script, {"  function set_time(value,time) {", "     bool_changed = (Math.random() > .5);", "  }"});
   const std::string timer = scene.Conforming() ? base + "TIMER" : "FlickerTimer";
   WriteTimeSensor(scene, timer, 1, true, true, parent);
-  if (!scene.Conforming())
-    scene.NoteQuirk(
-        "the one name of all flicker timers, and the type of the time that flicker scripts in the .x3d take");
+  if (!scene.Conforming()) {
+    scene.NoteQuirk("the one name of all flicker timers");
+    scene.NoteQuirk("the type of the time in the flicker scripts of the .x3d");
+  }
   return timer;
 }
 

@@ -162,12 +162,10 @@ TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, const Conve
   TriggerBox box{mover.Location, margin, margin};
   if (IsEmpty(bounds)) return box;
   const double unit = 1 / settings.TextScale;
-  const Vector3 center = ScaleVector(BoundsCenter(bounds), unit);
-  const Vector3 extent = ScaleVector(SubtractVector(bounds.Max, bounds.Min), unit);
-  // A scene has the level's Y as its Z, and its Z as its Y.
-  box.Location = {center.X, center.Z, center.Y};
-  box.CollisionRadius = std::max(extent.X + margin, (extent.Z + margin) / 2);
-  box.CollisionHeight = extent.Y + margin;
+  box.Location = ScaleVector(FromSceneAxes(BoundsCenter(bounds)), unit);
+  const Vector3 extent = ScaleVector(FromSceneAxes(SubtractVector(bounds.Max, bounds.Min)), unit);
+  box.CollisionRadius = std::max(extent.X + margin, (extent.Y + margin) / 2);
+  box.CollisionHeight = extent.Z + margin;
   return box;
 }
 

@@ -1,6 +1,7 @@
 #include "core/conversion_run.h"
 
 #include "core/level_check.h"
+#include "core/motion_passes.h"
 #include "core/run_passes.h"
 #include "core/run_state.h"
 #include "core/scene_framing.h"
@@ -10,6 +11,7 @@
 #include "math/number_text.h"
 #include "resources/missing_lists.h"
 #include "resources/preload_script.h"
+#include "resources/program_data.h"
 #include "scene/xml_serializer.h"
 
 #include <chrono>
@@ -106,6 +108,7 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
 /// Writes one scene from its header to its end.
 void WriteScene(RunState& run, const SceneFileNames& files) {
   WriteTextHeader(run.Scene, run.File, run.Settings);
+  WritePrototypes(run);
   WriteDocumentHead(run.Scene, run.File, run.Settings, files.Document.stem().string());
   MakePasses(run);
   CloseScene(run, files);
@@ -116,6 +119,7 @@ void WriteScene(RunState& run, const SceneFileNames& files) {
 void WriteSkyScene(const SkyScene& sky, RunState& world) {
   RunState run(sky.Files, sky.Settings, world.Level, world.Resources, world.User, world.Result, LitColor(world.Level));
   run.LegacyFormat = world.LegacyFormat;
+  run.LevelName = world.LevelName;
   run.Actors.Part = {ScenePart::Kind::Sky, sky.Zone.Location};
   WriteScene(run, sky.Files);
 }
@@ -161,9 +165,10 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);
   if (sky) CheckOutputs(sky->Files, sky->Settings);
 
-  ResourceFiles resources(settings, inFile, files.Text, result.Findings);
+  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
   RunState run(files, settings, level, resources, user, result, LitColor(level));
   run.LegacyFormat = IsLegacyFormat(memory.T3DText);
+  run.LevelName = fs::path(memory.LoadedFileName).stem().string();
   if (sky) run.Sky = &sky->Zone;
   if (sky) run.Actors.Part.Kept = ScenePart::Kind::World;
   WriteScene(run, files);

@@ -4,6 +4,7 @@
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
 #include "core/level_check.h"
+#include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
 
@@ -100,7 +101,7 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
       run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
                                                      ", but a mover can have " + std::to_string(MaxKeys) +
                                                      " keys at most; it was left out");
-    else if (pass.NeedsPolygons && mover.Polygons.empty())
+    else if (pass.NeedsPolygons && mover.Polygons.empty() && !MoverChildren(run, mover))
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
       ConvertBrush(run, mover);
@@ -139,9 +140,12 @@ void MakePasses(RunState& run) {
   ProcessTerrain(run);
   run.User.ShowPass("Processing non-geo");
   WriteLights(run);
+  WriteFlights(run);
+  WriteStarts(run);
   WriteAmbientSounds(run);
   WriteSkyZone(run);
   AnimateTextures(run);
+  WriteTeleports(run);
   WriteTriggeredEvents(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);

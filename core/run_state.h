@@ -30,6 +30,7 @@ struct RunState {
   const LevelText& Level;
   RunInterface& User;
   RunResult& Result;
+  std::string LevelName;              ///< the level's file name without its extension
   bool LegacyFormat = true;           ///< an export of the older editor generation
   const SkyZoneRecord* Sky = nullptr; ///< the sky zone whose own scene this one is to inline
   bool FirstChild = true;             ///< no geometry node has been written yet

@@ -41,4 +41,7 @@ inline Vector3 ToSceneAxes(const Matrix4& conversionMatrix, const Vector3& v) {
   return TransformPoint(conversionMatrix, ToRightHanded(v));
 }
 
+/// What ToSceneAxes was handed: a position of the scene back on the level's axes.
+inline Vector3 FromSceneAxes(const Vector3& v) { return {v.X, v.Z, v.Y}; }
+
 } // namespace quarvel

@@ -40,8 +40,8 @@ bool ResourceFiles::FoldedLess::operator()(const std::string& a, const std::stri
 }
 
 ResourceFiles::ResourceFiles(const ConversionSettings& settings, const fs::path& inputFile, const fs::path& textScene,
-                             Report& report)
-    : settings_(settings), inputFolder_(AbsolutePath(inputFile).parent_path()),
+                             Report& report, const fs::path& programData)
+    : settings_(settings), inputFolder_(AbsolutePath(inputFile).parent_path()), programData_(programData),
       sceneFolder_(AbsolutePath(textScene).parent_path()), sceneFolderAsGiven_(textScene.parent_path()),
       report_(report), textureDestination_(settings.TextureDest, sceneFolder_, "textures"),
       soundDestination_(settings.SoundDest, sceneFolder_, "sounds"),
@@ -284,6 +284,9 @@ ResourceFile ResourceFiles::FindAndCopyFile(std::string_view fileName, ResourceK
     if (!options.DestDoCopy) return {true, beside.UrlInLibrary(found), found.Path};
     return {true, copier_.CopyTo(placement, {found, name, {}, {}, {}}, options.DestOverwrite), found.Path};
   }
+  std::error_code error;
+  if (const fs::path own = programData_ / PathOfUtf8(name); !programData_.empty() && fs::is_regular_file(own, error))
+    return {true, copier_.CopyTo(placement, {{own, {}, name}, name, {}, {}, {}}, options.DestOverwrite), own};
   if (copier_.Folders().Existing(placement.Folder, name)) return {true, placement.Url, placement.File()};
   MissingOf(kind).insert(name);
   return {false, placement.Url, {}};

@@ -54,8 +54,9 @@ class ResourceFiles {
  public:
   /// Relative paths are taken from the current folder. The scene's folder is `textScene`'s; an empty search path, or
   /// one of which no folder exists, means the folder of `inputFile`.
+  /// `programData` holds the files that the program brings along, empty for none.
   ResourceFiles(const ConversionSettings& settings, const std::filesystem::path& inputFile,
-                const std::filesystem::path& textScene, Report& report);
+                const std::filesystem::path& textScene, Report& report, const std::filesystem::path& programData = {});
   ResourceFiles(const ResourceFiles&) = delete;
   ResourceFiles& operator=(const ResourceFiles&) = delete;
 
@@ -80,8 +81,9 @@ class ResourceFiles {
   const std::vector<std::string>& MeshNames();
 
   /// Finds one file by its full name and copies it into the scene's own folder, whatever the destination options say
-  /// about folders: for files that name each other. An image in another type is not taken. Goes to the missing list of
-  /// its kind.
+  /// about folders: for files that name each other. An image in another type is not taken. One that the libraries have
+  /// not comes from the program's own files, and is copied even when the settings ask for no copies, as nobody could
+  /// find it there. Goes to the missing list of its kind.
   ResourceFile FindAndCopyFile(std::string_view fileName, ResourceKind kind);
 
   /// What was looked for and not found; sorted, each once.
@@ -128,6 +130,7 @@ class ResourceFiles {
 
   const ConversionSettings settings_;
   std::filesystem::path inputFolder_;
+  std::filesystem::path programData_;
   std::filesystem::path sceneFolder_;
   std::filesystem::path sceneFolderAsGiven_;
   Report& report_;

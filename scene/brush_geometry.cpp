@@ -14,6 +14,15 @@ void ReplaceAll(std::string& text, std::string_view what, std::string_view by) {
     text.replace(at, what.size(), by);
 }
 
+void ShowMapping(GeometryContext& context, const ChosenFace& face) {
+  const TextureFile& file = context.Materials.Entry(face.TextureNumber).File;
+  const TexturePlane plane = MakeTexturePlane(*face.Polygon, file.Width, file.Height);
+  std::vector<TexturePoint> corners;
+  for (const Vector3& vertex : face.Polygon->Vertices)
+    corners.push_back(TextureCoordinateOf(plane, vertex));
+  context.User.ShowTextureMapping(file.Source, corners);
+}
+
 std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord& brush, const BrushPlacement& placement,
                                     Bounds3& bounds) {
   std::vector<ChosenFace> faces;
@@ -31,6 +40,7 @@ std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord&
       GrowBounds(bounds, TransformPoint(placement.WorldMatrix, vertex));
     context.User.ShowItem("processing texture");
     faces.push_back({&polygon, number, context.Materials.TextureNumber(polygon.Texture, polygon.Flags)});
+    if (context.User.WantsTextureMapping()) ShowMapping(context, faces.back());
   }
   return faces;
 }

@@ -3,6 +3,7 @@
 #include "math/vector.h"
 #include "scene/brush_placement.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,11 @@ std::string PointList(const std::vector<Vector3>& points);
 /// The value of a TextureCoordinate's `point`.
 std::string TexturePointList(const std::vector<TexturePoint>& points);
 
+/// The corners of a face of three, as indices into a point list.
+using Triangle = std::array<int, 3>;
+
 /// The value of a `coordIndex`: the corners of each face, each followed by ", ", and -1.
 std::string IndexList(const std::vector<std::vector<int>>& faces);
+std::string IndexList(const std::vector<Triangle>& faces);
 
 } // namespace quarvel

@@ -2,7 +2,7 @@
 
 #include "math/matrix.h"
 #include "resources/image_file.h"
-#include "scene/brush_placement.h"
+#include "scene/geometry_fields.h"
 #include "t3d/terrain_record.h"
 
 #include <string>
@@ -54,7 +54,7 @@ inline constexpr int PatchSquares = 64;
 struct TerrainPatch {
   std::vector<Vector3> Points; ///< from the field's corner
   std::vector<TexturePoint> TexturePoints;
-  std::vector<std::vector<int>> Faces; ///< empty when no square is visible
+  std::vector<Triangle> Faces; ///< empty when no square is visible
 };
 
 /// The patch whose squares begin at (left, top).

@@ -81,11 +81,13 @@ TEST_F(SurroundingsTest, NewerLevelsInlineStaticMeshesAndThoseOfMovers) {
   folder_.Write("lib/Palm.x3d", "");
   const std::string gate = "    StaticMesh=StaticMesh'Pkg.Props.Gate'\n";
   const std::string level = Actor("Engine.StaticMeshActor", "Placed", newer + gate) + Actor("Palm", "Palm0", "") +
-                            Actor("StaticMeshActor", "Bare", "") + Actor("Mover", "Door", gate);
+                            Actor("StaticMeshActor", "Bare", "") + Actor("Mover", "Door", gate) +
+                            Actor("LiftMover", "Lift", gate);
   Convert(level);
-  EXPECT_EQ(Count("//Inline"), 2U);
+  EXPECT_EQ(Count("//Inline"), 3U);
   EXPECT_EQ(Count("//Transform[@DEF='MSHT_Placed']/Inline[@DEF='MSH_Gate']"), 1U);
   EXPECT_EQ(Count("//Transform[starts-with(@DEF,'Mover_')]/Inline[@USE='MSH_Gate']"), 1U);
+  EXPECT_EQ(Count("//Transform[starts-with(@DEF,'LiftMover_')]/Inline[@USE='MSH_Gate']"), 1U);
   EXPECT_EQ(result_.Findings.Counts().at("static mesh actors left out that name no mesh"), 1);
   settings_.CheckDoMeshes = false;
   Convert(level);

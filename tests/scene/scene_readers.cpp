@@ -19,6 +19,7 @@ const std::map<std::string, std::string, std::less<>>& FieldsOfTypes() {
       {"Appearance", "material texture textureTransform"},
       {"AudioClip", "description loop pitch startTime stopTime url"},
       {"Billboard", "axisOfRotation children"},
+      {"BooleanFilter", ""},
       {"Box", "size"},
       {"Collision", "children collide enabled proxy"},
       {"Coordinate", "point"},
@@ -400,8 +401,14 @@ std::vector<std::string> Describe(const ReadScene& scene) {
     if (IsOneOf(node.Type, frame) || IsOneOf(node.Type, "Script field") || MovesTextures(node.Def)) continue;
     const std::string type = node.Use.empty() ? node.Type : "USE";
     std::string line = type + " '" + node.Def + node.Use + "' in '" + scene.OwnerOf(node) + "'";
-    for (const auto& [field, value] : node.Fields)
-      if (!IsLeftOut(field, Normal(value))) line += " " + field + " " + Normal(value);
+    for (const auto& [field, value] : node.Fields) {
+      // X3D's name for the field of VRML97.
+      const std::string name = node.Type == "Collision" && field == "enabled" ? "collide" : field;
+      // Each scene inlines files of its own encoding.
+      std::string shown = Normal(value);
+      if (node.Type == "Inline") shown.erase(std::min(shown.rfind('.'), shown.size()));
+      if (!IsLeftOut(field, shown)) line += " " + name + " " + shown;
+    }
     lines.push_back(line);
   }
   for (const std::string& route : scene.Routes)

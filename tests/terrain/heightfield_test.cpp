@@ -84,7 +84,7 @@ TEST(TerrainPatch, CoversEverySquareOnceAndFacesUp) {
     for (const int left : {0, PatchSquares}) {
       const TerrainPatch patch = MakePatch(field, terrain, left, top);
       ASSERT_EQ(patch.Points.size(), patch.TexturePoints.size());
-      for (const std::vector<int>& face : patch.Faces) {
+      for (const Triangle& face : patch.Faces) {
         const auto corner = [&](std::size_t i) { return patch.Points.at(static_cast<std::size_t>(face.at(i))); };
         const Vector3 normal = CrossProduct(SubtractVector(corner(1), corner(0)), SubtractVector(corner(2), corner(0)));
         ASSERT_GT(normal.Y, 0);
