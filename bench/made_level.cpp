@@ -17,14 +17,19 @@ constexpr std::array<const char*, 8> textures{"brick", "cobble", "crate", "Harbo
 class LevelWriter {
  public:
   void Brush(int number) {
-    Line("Begin Actor Class=Brush Name=Brush%d", number);
-    Line("     CsgOper=%s", number % 5 == 0 ? "CSG_Subtract" : "CSG_Add");
+    const bool moves = number % 40 == 7;
+    const char* className = moves ? "Mover" : "Brush";
+    Line("Begin Actor Class=%s Name=%s%d", className, className, number);
+    if (moves)
+      Line("     KeyPos(1)=(Z=%f)", Between(64, 512));
+    else
+      Line("     CsgOper=%s", number % 5 == 0 ? "CSG_Subtract" : "CSG_Add");
     if (number % 6 == 0)
       Line("     MainScale=(Scale=(X=%f,Z=%f),SheerAxis=SHEER_ZX)", Between(0.5, 3), Between(0.5, 3));
     else
       Line("     MainScale=(SheerAxis=SHEER_ZX)");
     Line("     PostScale=(SheerAxis=SHEER_ZX)");
-    Common("Brush");
+    Common(moves ? ("Door" + std::to_string(number)).c_str() : "Brush");
     if (number % 4 == 0) Line("     Rotation=(Pitch=%d,Yaw=%d)", 512 * (number % 7), 4096 * (number % 16));
     Line("    Begin Brush Name=Model%d", number + 1);
     Line("       Begin PolyList");
@@ -33,17 +38,19 @@ class LevelWriter {
     Line("    End Brush");
     Line("     Brush=Model'MyLevel.Model%d'", number + 1);
     Line("     PrePivot=(X=%f,Y=%f)", Between(-64, 64), Between(-64, 64));
-    Line("     Name=\"Brush%d\"", number);
+    Line("     Name=\"%s%d\"", className, number);
     Line("End Actor");
   }
 
   void OtherActor(int number) {
-    constexpr std::array<const char*, 6> classes{"Light", "Light", "Light", "PlayerStart", "AmbientSound", "PathNode"};
+    constexpr std::array<const char*, 7> classes{"Light",        "Light",    "Light",  "PlayerStart",
+                                                 "AmbientSound", "PathNode", "Trigger"};
     const char* className = classes[static_cast<std::size_t>(number) % classes.size()];
     Line("Begin Actor Class=%s Name=%s%d", className, className, number);
     Line("     LightBrightness=%d", number % 256);
     Line("     LightHue=%d", number % 251);
     Line("     SoundRadius=%d", number % 128);
+    Line("     Event=Door%d", 40 * (number / 20) + 7);
     Common(className);
     Line("     Name=\"%s%d\"", className, number);
     Line("End Actor");

@@ -1,6 +1,7 @@
 #include "core/level_check.h"
 
 #include <algorithm>
+#include <set>
 
 namespace quarvel {
 
@@ -82,13 +83,10 @@ bool IsLegacyFormat(std::string_view text) {
 }
 
 std::vector<std::string> OtherMoverClasses(const LevelText& level) {
+  std::set<std::string_view> seen{"Mover", "LoopMover", "RotatingMover", "AttachMover"};
   std::vector<std::string> classes;
-  for (const ActorBlock& actor : level.Actors) {
-    if (!actor.Class.ends_with("Mover") || actor.Class == "Mover" || actor.Class == "LoopMover" ||
-        actor.Class == "RotatingMover" || actor.Class == "AttachMover")
-      continue;
-    if (std::find(classes.begin(), classes.end(), actor.Class) == classes.end()) classes.emplace_back(actor.Class);
-  }
+  for (const ActorBlock& actor : level.Actors)
+    if (actor.Class.ends_with("Mover") && seen.insert(actor.Class).second) classes.emplace_back(actor.Class);
   return classes;
 }
 

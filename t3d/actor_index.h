@@ -2,6 +2,7 @@
 
 #include "t3d/text_reader.h"
 
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -28,6 +29,7 @@ struct LevelText {
 
   std::string_view Text;
   std::vector<ActorBlock> Actors;
+  std::map<std::string_view, std::vector<std::size_t>> ActorsOfClass; ///< indices of the complete ones, in file order
 };
 
 /// Finds the next actor that fits at or after the cursor (a position in the text), which moves behind its "End Actor".
