@@ -14,10 +14,10 @@
 
 namespace quarvel {
 
-/// What a scene's audio clip was written with; a clip of the same name is used again.
+/// An audio clip that stands in the scene and may be used again.
 struct WrittenClip {
+  std::string Name; ///< its DEF
   std::string Pitch;
-  bool Loop = false;
 };
 
 /// What the converters of actors work with, and what they keep for one scene.
@@ -31,8 +31,7 @@ struct ActorContext {
 
   ScenePart Part{};
   TriggerList Triggers{};
-  std::map<std::string, WrittenClip> Clips{}; ///< by DEF name
-  bool FlickerTimerWritten = false;
+  std::map<std::string, WrittenClip> Clips{}; ///< by the sound file's name in lower case
   bool BooleanFilterDeclared = false; ///< its prototype stands in the text
 };
 

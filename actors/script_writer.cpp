@@ -41,7 +41,7 @@ void WriteScriptField(const SceneNode& script, std::string_view line, const Docu
   else
     scene.Line(line);
   if (scene.IsX3DClassic() && !scene.Conforming())
-    scene.NoteQuirk("the words eventIn, eventOut and field in the scripts of the .x3dv, which X3D has others for");
+    scene.NoteQuirk("the words eventIn/eventOut/field in the scripts of the .x3dv");
 
   const std::string_view type = TakeWord(rest);
   const std::string_view name = TakeWord(rest);

@@ -180,12 +180,12 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
   return pattern.find_first_not_of('*', inPattern) == pattern.npos;
 }
 
+bool NamesSeveralFiles(std::string_view input) { return IsPattern(input) || IsList(input); }
+
 std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, const std::string& output,
                                     const ConversionSettings& settings) {
   std::vector<ConversionJob> jobs;
-  const bool isBatch = inputs.size() > 1 || std::any_of(inputs.begin(), inputs.end(), [](const std::string& input) {
-                         return IsPattern(input) || IsList(input);
-                       });
+  const bool isBatch = inputs.size() > 1 || std::any_of(inputs.begin(), inputs.end(), NamesSeveralFiles);
   for (const std::string& input : inputs)
     for (ConversionJob& job : JobsOfInput(input)) {
       if (job.Refusal.empty()) job.OutFile = OutputOf(job.InFile, output, isBatch);

@@ -18,6 +18,9 @@ struct ConversionJob {
   std::string Refusal; ///< why it cannot be converted, one sentence without a full stop; empty when it can
 };
 
+/// Whether an input stands for several files, as `ListJobs` takes it: a pattern or a list.
+bool NamesSeveralFiles(std::string_view input);
+
 /// Turns what the user typed into files, in the order in which they are converted. An input is
 /// - a file name;
 /// - a pattern with ? or *, which stands for all files of that name in its folder and the folders below, in the order

@@ -85,7 +85,7 @@ void ReportFaults(RunState& run, const XMLFaults& faults) {
   if (faults.Characters)
     report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
   for (const std::string& quirk : run.Scene.Quirks())
-    report.Add("", "strict viewers may refuse " + quirk + advice);
+    report.Add(quirk, std::string("strict viewers may refuse what follows") + advice);
 }
 
 void CloseScene(RunState& run, const SceneFileNames& files) {

@@ -65,6 +65,7 @@ struct OptionInfo {
   OptionPlace Place = OptionPlace::Nowhere;
   OptionTab Tab = OptionTab::None;
   OptionField Field{};
+  std::string Caption; ///< what the window writes on the control or beside it; empty without a control
   std::string Help;
   std::string DependsOn;                   ///< the control that must be on for this one to matter, or empty
   std::string Group;                       ///< of option buttons that exclude each other

@@ -2,9 +2,10 @@
 
 #include "actors/movers.h"
 #include "actors/triggers.h"
+#include "core/actor_passes.h"
 #include "core/level_check.h"
 #include "core/motion_passes.h"
-#include "core/world_nodes.h"
+#include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
 
 #include <array>
@@ -31,14 +32,8 @@ void SeparateChildren(RunState& run) {
 
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
   SeparateChildren(run);
-  WriteBrush(run.Geometry, brush);
-  FlushBlock(run);
-  ++run.Result.Brushes;
-}
-
-void ConvertMover(RunState& run, const BrushRecord& mover) {
-  SeparateChildren(run);
-  WriteMover(run.Actors, mover, WriteBrush(run.Geometry, mover));
+  const WrittenBrush written = WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
+  if (brush.IsMover) WriteMover(run.Actors, brush, written);
   FlushBlock(run);
   ++run.Result.Brushes;
 }
@@ -106,10 +101,10 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
       run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
                                                      ", but a mover can have " + std::to_string(MaxKeys) +
                                                      " keys at most; it was left out");
-    else if (pass.NeedsPolygons && mover.Polygons.empty())
+    else if (pass.NeedsPolygons && mover.Polygons.empty() && !MoverChildren(run, mover))
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
-      ConvertMover(run, mover);
+      ConvertBrush(run, mover);
     StepOn(run);
   }
   run.User.ShowItem(pass.Then);
@@ -130,29 +125,6 @@ void ProcessMovers(RunState& run) {
     ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", "", true});
 }
 
-/// The level's title and author, and the fog of the level and its zones.
-void ScanAmbience(RunState& run) {
-  run.User.ShowPass("Scanning ambience");
-  LevelRecord info;
-  TextCursor cursor = 1;
-  if (ReadShown(run.Actors.Part, ReadLevel, run.Level, cursor, LevelSearchText, info)) WriteWorldInfo(run.Scene, info);
-  FlushBlock(run);
-  if (!run.Settings.CheckFog) return;
-  const auto writeFog = [&](const auto& record) {
-    if (record.Zone.bDistanceFog)
-      WriteFog(run.Scene, run.Settings, record.Zone, record.Header.Name, run.Result.Findings);
-  };
-  ForEachActor<LevelRecord>(run, LevelSearchText, ReadLevel, writeFog);
-  ForEachActor<ZoneRecord>(run, ZoneSearchText, ReadZone, writeFog);
-}
-
-void InlineSky(RunState& run) {
-  if (run.Sky == nullptr) return;
-  run.User.ShowPass("Writing SkyZone");
-  WriteSkyZoneWorld(run.Scene, run.Settings, *run.Sky);
-  FlushBlock(run);
-}
-
 } // namespace
 
 void MakePasses(RunState& run) {
@@ -162,15 +134,19 @@ void MakePasses(RunState& run) {
   ScanAmbience(run);
   run.User.ShowPass("getting triggers");
   ReadTriggers(run.Actors, run.Level);
-  if (run.Settings.CheckDoMeshes) run.User.ShowPass("Processing meshes");
+  ProcessMeshes(run);
   ProcessBrushes(run);
   ProcessMovers(run);
-  if (run.Settings.CheckDoTerrain) run.User.ShowPass("Processing terrain");
+  ProcessTerrain(run);
   run.User.ShowPass("Processing non-geo");
+  WriteLights(run);
   WriteFlights(run);
   WriteStarts(run);
-  InlineSky(run);
+  WriteAmbientSounds(run);
+  WriteSkyZone(run);
+  AnimateTextures(run);
   WriteTeleports(run);
+  WriteTriggeredEvents(run);
   WriteTriggersAndLinks(run.Actors);
   FlushBlock(run);
 }

@@ -20,8 +20,8 @@ RunState::RunState(const SceneFileNames& files, const ConversionSettings& settin
     : Settings(settings), Level(level), User(user), Result(result),
       Scene(EncodingOf(settings), settings.CheckConforming),
       File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs), Resources(resources),
-      Materials(Scene, Resources, settings, std::move(litColor)), Geometry{Scene,    File, Materials,
-                                                                           settings, user, result.Findings},
+      Materials(Scene, Resources, settings, std::move(litColor)),
+      Meshes(Scene, Resources, settings), Geometry{Scene, File, Materials, settings, user, result.Findings},
       Actors{Scene, settings, resources, Materials, user, result.Findings}, Numbers{user} {}
 
 void StepOn(RunState& run) {

@@ -7,6 +7,7 @@
 #include "resources/resource_files.h"
 #include "scene/brush_geometry.h"
 #include "scene/materials.h"
+#include "scene/mesh_inlines.h"
 #include "scene/node_writer.h"
 #include "scene/text_file.h"
 #include "t3d/actor_index.h"
@@ -38,6 +39,7 @@ struct RunState {
   TextFile File;
   ResourceFiles& Resources;
   MaterialWriter Materials;
+  MeshInliner Meshes;
   GeometryContext Geometry;
   ActorContext Actors;
   NumberCheck Numbers;

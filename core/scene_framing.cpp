@@ -12,6 +12,9 @@ constexpr const char* webAddress = "https://quarvel.example.org/";
 constexpr const char* textSpeed = "1.5";
 constexpr const char* documentSpeed = "5.3";
 
+// The profile Immersive comprises level 2 of this component, but animated textures need PositionInterpolator2D.
+constexpr const char* interpolationLevel = "3";
+
 std::string MovementType(const ConversionSettings& settings) {
   std::string type = settings.ListMovement;
   std::transform(type.begin(), type.end(), type.begin(),
@@ -35,6 +38,7 @@ void WriteTextHeader(SceneWriter& scene, TextFile& file, const ConversionSetting
     scene.Line("#X3D V3.0 utf8");
     scene.Line("");
     scene.Line("PROFILE Immersive");
+    if (scene.Conforming()) scene.Line("COMPONENT Interpolation:", interpolationLevel);
   } else {
     scene.Line("#VRML V2.0 utf8");
   }
@@ -60,7 +64,12 @@ void WriteDocumentHead(SceneWriter& scene, TextFile& file, const ConversionSetti
   scene.SceneDocument.append_child(pugi::node_comment).set_value("Converted with Quarvel/VRML");
   pugi::xml_node root = scene.SceneDocument.append_child("X3D");
   AddAttribute(root, "profile", "Immersive");
-  if (scene.Conforming()) AddAttribute(root, "version", "3.0");
+  if (scene.Conforming()) {
+    AddAttribute(root, "version", "3.0");
+    pugi::xml_node component = root.append_child("head").append_child("component");
+    AddAttribute(component, "name", "Interpolation");
+    AddAttribute(component, "level", interpolationLevel);
+  }
   scene.Scene = root.append_child("Scene");
 
   pugi::xml_node parent = scene.Scene;

@@ -20,10 +20,14 @@ std::string_view SectionOf(const OptionInfo& option) {
 
 } // namespace
 
+void WriteOption(const OptionInfo& option, const ConversionSettings& settings, SettingsStore& store) {
+  if (option.Place != OptionPlace::Nowhere)
+    store.WriteText(SectionOf(option), option.Key, OptionText(option, settings));
+}
+
 std::string SaveSettings(const ConversionSettings& settings, SettingsStore& store) {
   for (const OptionInfo& option : OptionTable())
-    if (option.Place != OptionPlace::Nowhere)
-      store.WriteText(SectionOf(option), option.Key, OptionText(option, settings));
+    WriteOption(option, settings, store);
   return store.Save();
 }
 

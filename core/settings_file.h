@@ -1,9 +1,13 @@
 #pragma once
 
 #include "core/conversion_settings.h"
+#include "core/option_table.h"
 #include "core/settings_store.h"
 
 namespace quarvel {
+
+/// Writes one option, if it is one that the settings file holds; does not save.
+void WriteOption(const OptionInfo& option, const ConversionSettings& settings, SettingsStore& store);
 
 /// Writes every option that the settings file holds, in the order of the option table, and saves the store. Returns the
 /// store's error, or an empty string.

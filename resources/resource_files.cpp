@@ -27,6 +27,12 @@ constexpr const char* SceneOwner = "the scene";
 
 std::string VariantOf(TextureUse use) { return use == TextureUse::Masked ? "masked" : "opaque"; }
 
+/// The folders in which resources of a kind are searched, as typed.
+std::string SearchPath(const ConversionSettings& settings, ResourceKind kind) {
+  if (kind == ResourceKind::Texture) return settings.TextSearchPathTxt;
+  return kind == ResourceKind::Sound ? settings.TextSearchPathSnd : settings.TextSearchPathMesh;
+}
+
 } // namespace
 
 bool ResourceFiles::FoldedLess::operator()(const std::string& a, const std::string& b) const {
@@ -70,11 +76,10 @@ const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
 const FileIndex& ResourceFiles::IndexOf(ResourceKind kind) {
   const auto known = indexOfKind_.find(kind);
   if (known != indexOfKind_.end()) return *known->second;
-  const std::string& path = kind == ResourceKind::Texture ? settings_.TextSearchPathTxt
-                            : kind == ResourceKind::Sound ? settings_.TextSearchPathSnd
-                                                          : settings_.TextSearchPathMesh;
-  SearchFolders folders = SplitSearchPath(path);
-  for (const fs::path& missing : folders.Missing)
+  SearchFolders folders = SplitSearchPath(SearchPath(settings_, kind));
+  // A default folder that is not there was not asked for.
+  const bool byDefault = SearchPath(settings_, kind) == SearchPath(ConversionSettings(), kind);
+  for (const fs::path& missing : byDefault ? std::vector<fs::path>() : folders.Missing)
     report_.Add(Utf8Path(missing), folders.Existing.empty()
                                        ? "search folder does not exist, the input's folder was searched instead"
                                        : "search folder does not exist");

@@ -3,8 +3,7 @@
 #include "math/number_text.h"
 #include "resources/url.h"
 #include "scene/face_sets.h"
-
-#include <charconv>
+#include "scene/geometry_fields.h"
 
 namespace quarvel {
 
@@ -13,6 +12,15 @@ namespace {
 void ReplaceAll(std::string& text, std::string_view what, std::string_view by) {
   for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + by.size()))
     text.replace(at, what.size(), by);
+}
+
+void ShowMapping(GeometryContext& context, const ChosenFace& face) {
+  const TextureFile& file = context.Materials.Entry(face.TextureNumber).File;
+  const TexturePlane plane = MakeTexturePlane(*face.Polygon, file.Width, file.Height);
+  std::vector<TexturePoint> corners;
+  for (const Vector3& vertex : face.Polygon->Vertices)
+    corners.push_back(TextureCoordinateOf(plane, vertex));
+  context.User.ShowTextureMapping(file.Source, corners);
 }
 
 std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord& brush, const BrushPlacement& placement,
@@ -32,43 +40,9 @@ std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord&
       GrowBounds(bounds, TransformPoint(placement.WorldMatrix, vertex));
     context.User.ShowItem("processing texture");
     faces.push_back({&polygon, number, context.Materials.TextureNumber(polygon.Texture, polygon.Flags)});
+    if (context.User.WantsTextureMapping()) ShowMapping(context, faces.back());
   }
   return faces;
-}
-
-std::string PointList(const std::vector<Vector3>& points) {
-  std::string list;
-  list.reserve(points.size() * 24);
-  for (const Vector3& point : points) {
-    if (!list.empty()) list += ',';
-    AppendVec(list, point);
-  }
-  return list;
-}
-
-std::string TexturePointList(const std::vector<TexturePoint>& points) {
-  std::string list;
-  list.reserve(points.size() * 18);
-  for (const TexturePoint& point : points) {
-    if (!list.empty()) list += ',';
-    AppendFlt(list, point.U);
-    list += ' ';
-    AppendFlt(list, point.V);
-  }
-  return list;
-}
-
-std::string IndexList(const std::vector<std::vector<int>>& faces) {
-  std::string list;
-  for (const std::vector<int>& face : faces) {
-    if (!list.empty()) list += ", ";
-    for (const int index : face) {
-      char digits[16];
-      list.append(digits, std::to_chars(digits, digits + sizeof digits, index).ptr).append(", ");
-    }
-    list += "-1";
-  }
-  return list;
 }
 
 /// Two-sided, masked and translucent surfaces are seen from behind.

@@ -26,6 +26,11 @@ TextureMotion MotionOf(std::uint32_t flags) {
   return flags & SurfaceSmallWavy ? TextureMotion::SmallWavy : TextureMotion::Still;
 }
 
+TextureUse UseOf(std::uint32_t flags, bool ofTerrain) {
+  if (ofTerrain) return TextureUse::Terrain;
+  return flags & SurfaceMasked ? TextureUse::Masked : TextureUse::Ordinary;
+}
+
 bool IsUnlit(const TextureEntry& entry) { return (entry.Flags & SurfaceUnlit) != 0; }
 
 struct MaterialValues {
@@ -63,15 +68,15 @@ MaterialWriter::MaterialWriter(SceneWriter& scene, ResourceFiles& resources, con
                                std::string litColor)
     : scene_(scene), resources_(resources), settings_(settings), litColor_(std::move(litColor)) {}
 
-int MaterialWriter::TextureNumber(std::string_view texture, std::uint32_t flags) {
+int MaterialWriter::TextureNumber(std::string_view texture, std::uint32_t flags, bool ofTerrain) {
   const std::uint32_t kept = flags & appearanceFlags;
-  const auto [at, isNew] = numbers_.try_emplace(EntryKey(texture, kept), static_cast<int>(entries_.size()));
+  const std::string key = EntryKey(texture, kept) + (ofTerrain ? "|terrain" : "");
+  const auto [at, isNew] = numbers_.try_emplace(key, static_cast<int>(entries_.size()));
   if (!isNew) return at->second;
   TextureEntry entry;
   entry.Name = texture.empty() ? defaultTexture : std::string(texture);
   entry.Flags = kept;
-  if (!texture.empty())
-    entry.File = resources_.FindTexture(texture, kept & SurfaceMasked ? TextureUse::Masked : TextureUse::Ordinary);
+  if (!texture.empty()) entry.File = resources_.FindTexture(texture, UseOf(kept, ofTerrain));
   entry.AppearanceName = names_.Take(MakeDefName("T_" + entry.Name));
   entry.ImageName = ImageNameFor(entry);
   entries_.push_back(std::move(entry));

@@ -39,7 +39,8 @@ class MaterialWriter {
                  std::string litColor);
 
   /// The number of the texture's entry for surfaces with these flags; made when it is new. Letter case does not count.
-  int TextureNumber(std::string_view texture, std::uint32_t flags);
+  /// `ofTerrain` says that the surface is a terrain, whose images may be of a type of their own.
+  int TextureNumber(std::string_view texture, std::uint32_t flags, bool ofTerrain = false);
   const TextureEntry& Entry(int number) const { return entries_[static_cast<std::size_t>(number)]; }
 
   /// Writes the entry's appearance into the shape that was just opened.

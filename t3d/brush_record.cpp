@@ -133,6 +133,8 @@ void ReadMotion(const TextBlock& block, BrushRecord& brush) {
   GetKeyValue(block, "MoverGlideType=", brush.MoverGlideType);
   GetKeyValue(block, "BumpEvent=", brush.BumpEvent);
   GetKeyValue(block, "StaticMesh=", brush.StaticMesh);
+  brush.DrawScale3D = GetVectorOr1(block, "DrawScale3D=");
+  GetKeyValue(block, "DrawScale=", brush.DrawScale);
   brush.BasePos = GetVectorOr0(block, "BasePos=");
   brush.BaseRot = GetRotator(block, "BaseRot=");
 }

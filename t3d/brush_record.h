@@ -70,6 +70,8 @@ struct BrushRecord {
   bool bUseTriggered = false;
   std::string BumpEvent, AttachTag, Url;
   std::string StaticMesh; ///< of the second generation's movers, which have no polygons
+  Vector3 DrawScale3D{1, 1, 1};
+  double DrawScale = 1; ///< this and DrawScale3D scale the mesh, not the polygons
   bool IsLoopMover = false, IsMover = false;
   SoundBlock Sound;
   std::uint32_t PolyFlags = 0; ///< already in the polygons' flags

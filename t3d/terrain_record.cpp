@@ -58,6 +58,27 @@ void ReadLayers(const TextBlock& block, TerrainRecord& terrain) {
   }
 }
 
+/// There may be half a million entries, so they are read in one go instead of being looked up one by one.
+void ReadVisibility(const TextBlock& block, TerrainRecord& terrain) {
+  constexpr std::string_view stem = "QuadVisibilityBitmap(";
+  constexpr std::size_t mostEntries = std::size_t{MaxTerrainSide} * MaxTerrainSide / 32;
+  for (TextCursor at = FindText(block.Text(), stem, block.From(), block.To()); at != 0;
+       at = FindText(block.Text(), stem, at, block.To())) {
+    const char before = block.Text()[static_cast<std::size_t>(at - 2)];
+    at += static_cast<TextCursor>(stem.size());
+    if (std::string_view(" \t\r\n").find(before) == std::string_view::npos) continue;
+    const std::string_view line = ReadLineAt(block.Text(), at);
+    const std::size_t value = line.find(")=");
+    const double index = ParseLeadingNumber(line);
+    if (value == line.npos || !(index >= 0 && index < static_cast<double>(mostEntries))) continue;
+    const auto entry = static_cast<std::size_t>(index);
+    if (entry >= terrain.QuadVisibilityBitmap.size()) terrain.QuadVisibilityBitmap.resize(entry + 1);
+    // Exports write the 32 bits as a signed number.
+    terrain.QuadVisibilityBitmap[entry] = static_cast<std::uint32_t>(
+        RoundToInteger(ParseLeadingNumber(line.substr(value + 2)), -2147483648LL, 4294967295LL));
+  }
+}
+
 void ReadTerrainKeys(const TextBlock& block, TerrainRecord& terrain) {
   terrain.Location = GetVectorOr0(block, " Location=");
   GetKeyValue(block, "DecoLayerOffset=", terrain.DecoLayerOffset);
@@ -70,6 +91,7 @@ void ReadTerrainKeys(const TextBlock& block, TerrainRecord& terrain) {
   GetKeyValue(block, "CollisionRadius=", terrain.CollisionRadius);
   GetKeyValue(block, "CollisionHeight=", terrain.CollisionHeight);
   ReadLayers(block, terrain);
+  ReadVisibility(block, terrain);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace quarvel {
 
@@ -31,9 +32,15 @@ struct TerrainRecord {
   double DrawScale = 0;
   double CollisionRadius = 0, CollisionHeight = 0;
   std::array<TerrainLayer, 32> Layers;
+  /// Which squares of the field are shown: square n, counted along the rows of samples, by bit n mod 32 of entry n div
+  /// 32. Entries that are left out are 0; without any entry the vector is empty and every square is shown.
+  std::vector<std::uint32_t> QuadVisibilityBitmap;
 };
 
 inline constexpr const char* TerrainSearchText = "Class=TerrainInfo";
+
+/// A heightmap of more samples on a side than this is not read.
+inline constexpr int MaxTerrainSide = 4096;
 
 /// Reads the next actor that fits the search text. False when there is none.
 bool ReadTerrain(const LevelText& level, TextCursor& cursor, std::string_view searchText, TerrainRecord& terrain);

@@ -2,9 +2,9 @@
 
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
-#include "app/cli/summary.h"
 #include "core/ini_store.h"
 #include "core/option_values.h"
+#include "core/run_summary.h"
 #include "core/settings_file.h"
 #include "math/ascii_text.h"
 
@@ -152,7 +152,7 @@ ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings,
                            [&](const ConversionJob& job, const RunResult& result) { reporter.Finished(job, result); }};
   RunMemory memory;
   const std::vector<RunResult> results = RunBatch(jobs, settings, store, memory, user, events, convert);
-  if (jobs.size() > 1 && !line.Quiet) WriteBatchSummary(console.Out, results, jobs.size());
+  if (jobs.size() > 1 && !line.Quiet) console.Out << BatchSummary(results, jobs.size()) << std::endl;
   return ExitCodeOf(WorstOutcome(results));
 }
 

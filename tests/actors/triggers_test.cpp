@@ -48,10 +48,10 @@ TEST_F(Triggers, StandInATransformWhenTheyAreShown) {
 }
 
 TEST_F(Triggers, OfAllThreeClassesAreListedInFileOrder) {
-  const LevelText text(ActorText("StochasticTrigger Name=S", "    Events(3)=Far\r\n    Event=Near") +
-                       ActorText("Trigger Name=T") + ActorText("TriggerSound Name=X") +
-                       ActorText("ElevatorTrigger Name=E", "    bInitiallyActive=False"));
-  ReadTriggers(Context(), text);
+  const std::string text = ActorText("StochasticTrigger Name=S", "    Events(3)=Far\r\n    Event=Near") +
+                           ActorText("Trigger Name=T") + ActorText("TriggerSound Name=X") +
+                           ActorText("ElevatorTrigger Name=E", "    bInitiallyActive=False");
+  ReadTriggers(Context(), LevelText(text));
   const auto& entries = Context().Triggers.Entries;
   ASSERT_EQ(entries.size(), 3u);
   EXPECT_EQ(entries[0].Name, "S");

@@ -1,8 +1,8 @@
 #include "app/cli/command_line.h"
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
-#include "app/cli/summary.h"
 #include "core/option_table.h"
+#include "core/run_summary.h"
 #include "core/settings_file.h"
 #include "tests/temporary_folder.h"
 

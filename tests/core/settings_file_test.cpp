@@ -1,9 +1,9 @@
 #include "core/ini_store.h"
 #include "core/option_values.h"
 #include "core/settings_file.h"
+#include "tests/german_locale.h"
 #include "tests/temporary_folder.h"
 
-#include <clocale>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -154,12 +154,12 @@ TEST(SettingsFile, SavingFollowsALinkAndKeepsPermissions) {
 }
 
 TEST(SettingsFile, NumbersDoNotFollowTheLocale) {
-  if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) GTEST_SKIP() << "no German locale here";
+  const GermanLocale german;
+  if (!german.IsSet()) GTEST_SKIP() << "no German locale here";
   MemoryStore store;
   ConversionSettings settings;
   const std::string problem = SetOption(*FindOption("TextScale"), "0.25", settings);
   const std::string allowed = AllowedValues(*FindOption("TextBezierSubD"));
-  std::setlocale(LC_ALL, "C");
   EXPECT_EQ(problem, "");
   EXPECT_EQ(settings.TextScale.Value, 0.25);
   EXPECT_EQ(allowed, "a number from 0.01 to 0.5");

@@ -42,6 +42,14 @@ TEST(TerrainRecord, ReadsEachLayerFromItsOwnLine) {
   EXPECT_EQ(layer.WPlane.Z, -1);
 }
 
+TEST(TerrainRecord, ReadsWhichSquaresAreShown) {
+  EXPECT_TRUE(Read("    TerrainMap=Heights").QuadVisibilityBitmap.empty());
+  const TerrainRecord terrain = Read("    OldQuadVisibilityBitmap(7)=1\n"
+                                     "    QuadVisibilityBitmap(3)=-2\n    QuadVisibilityBitmap(0)=2147483647\n"
+                                     "    QuadVisibilityBitmap(99999999)=5\n    QuadVisibilityBitmap(-1)=5");
+  EXPECT_EQ(terrain.QuadVisibilityBitmap, (std::vector<std::uint32_t>{0x7FFFFFFFU, 0, 0, 0xFFFFFFFEU}));
+}
+
 TEST(TerrainRecord, ReadsARealTerrain) {
   std::ifstream file(QUARVEL_LEVELS_DIR "/ue2-CanyonCrusade-terrain.t3d", std::ios::binary);
   if (!file) GTEST_SKIP() << "the folder of real levels is not here";
@@ -57,6 +65,7 @@ TEST(TerrainRecord, ReadsARealTerrain) {
   EXPECT_EQ(terrain.Layers[0].Texture, "WasteLand.TerrainRedDirt");
   EXPECT_EQ(terrain.Layers[0].VScale, 8);
   EXPECT_DOUBLE_EQ(terrain.Layers[0].WPlane.Z, 438248.593750);
+  EXPECT_EQ(terrain.QuadVisibilityBitmap.size(), 256U * 256 / 32);
   EXPECT_FALSE(ReadTerrain(level, cursor, TerrainSearchText, terrain));
 }
 

@@ -1,0 +1,69 @@
+#include "actors/light_sprites.h"
+
+#include "math/ascii_text.h"
+#include "math/number_text.h"
+#include "resources/file_name.h"
+#include "t3d/brush_record.h"
+
+namespace quarvel {
+
+namespace {
+
+constexpr double unknownSize = 32; // pixels
+
+/// Sprites glow by themselves.
+std::uint32_t SurfaceFlagsOf(const DisplayBlock& display) {
+  std::uint32_t flags = SurfaceUnlit;
+  if (SameText(display.Style, "STY_Translucent")) flags |= SurfaceTranslucent;
+  if (SameText(display.Style, "STY_Masked")) flags |= SurfaceMasked;
+  return flags;
+}
+
+std::string BoxSize(const ActorContext& context, const DisplayBlock& display, const TextureFile& image) {
+  const double scale = display.DrawScale * context.Settings.TextSpriteScale * context.Settings.TextScale;
+  const double width = image.Width > 0 ? image.Width : unknownSize,
+               height = image.Height > 0 ? image.Height : unknownSize;
+  return FormatFlt(width * scale) + " " + FormatFlt(height * scale) + " 0.0001";
+}
+
+} // namespace
+
+bool HasSpriteTexture(std::string_view texture) { return !texture.empty() && !SameText(texture, "None"); }
+
+bool HasSprite(ActorContext& context, const DisplayBlock& display, const std::string& actor) {
+  if (!HasSpriteTexture(display.Texture)) return false;
+  if (display.DrawScale > 0) return true;
+  context.Findings.Add(actor, "its sprite has no size and was left out");
+  return false;
+}
+
+void WriteLightSprite(ActorContext& context, const DisplayBlock& display, pugi::xml_node parent) {
+  SceneWriter& scene = context.Scene;
+  const int texture = context.Materials.TextureNumber(ParseReference(display.Texture).Text, SurfaceFlagsOf(display));
+  SceneNode billboard = scene.Open(parent, "", "Billboard");
+  billboard.Field(" axisOfRotation", "0 0 0");
+  scene.Line(" children [");
+  SceneNode collision = scene.Open(billboard.Element(), " ", "Collision");
+  WritePassable(collision, "  collide");
+  scene.Line("   children [");
+  pugi::xml_node shape = scene.Open(collision.Element(), "    ", "Shape").Element();
+  context.Materials.WriteAppearance(texture, shape, context.User);
+  const std::string size = BoxSize(context, display, context.Materials.Entry(texture).File);
+  scene.Line("     geometry Box { size ", size, " }");
+  AddAttribute(shape.append_child("Box"), "size", size);
+  for (const char* closing : {"    }", "   ]", "  }", " ]", "}"})
+    scene.Line(closing);
+}
+
+void WritePlacedSprite(ActorContext& context, const DisplayBlock& display, const Vector3& location,
+                       const std::string& name) {
+  SceneWriter& scene = context.Scene;
+  SceneNode transform = scene.Open(scene.Group, "", "Transform", name);
+  transform.Field(" translation", PositionText(context, location));
+  scene.Line(" children [");
+  WriteLightSprite(context, display, transform.Element());
+  scene.Line("  ]");
+  scene.Line("}");
+}
+
+} // namespace quarvel

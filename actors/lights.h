@@ -1,0 +1,27 @@
+#pragma once
+
+#include "actors/actor_context.h"
+#include "t3d/light_records.h"
+#include "t3d/world_records.h"
+
+#include <string>
+
+namespace quarvel {
+
+/// The name of a light's Transform before it is made unique: from its Tag, or from its Name when the Tag says nothing.
+std::string LightDefName(const ActorHeader& header);
+
+/// Writes a light with its sound, its flicker and its sprite, as far as the options want them. Returns the light's DEF
+/// name; empty when no light was written.
+std::string WriteLight(ActorContext& context, LightRecord light);
+
+/// Writes a light that is on while a trigger of its Tag is entered.
+void WriteTriggerLight(ActorContext& context, TriggerLightRecord light);
+
+/// Writes the light that lights every surface within `bounds` (scene units) a little, with the zone's ambient colour.
+void WriteGlobalAmbientLight(ActorContext& context, const ZoneBlock& zone, const Bounds3& bounds);
+
+/// Writes the sprite of an actor that is nothing else.
+void WriteFlare(ActorContext& context, const DisplayRecord& flare);
+
+} // namespace quarvel

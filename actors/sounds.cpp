@@ -1,0 +1,142 @@
+#include "actors/sounds.h"
+
+#include "actors/triggers.h"
+#include "math/ascii_text.h"
+#include "math/number_text.h"
+#include "resources/file_name.h"
+
+#include <algorithm>
+
+namespace quarvel {
+
+namespace {
+
+/// What the fields of the two nodes are made from, held within what they may be (VRML97, clauses 6.2 and 6.42).
+struct SoundValues {
+  std::string Intensity, Pitch;
+  double Radius = 0;
+};
+
+SoundValues ValuesOf(ActorContext& context, const SoundBlock& block, const std::string& actor) {
+  if (block.SoundVolume < 0 || block.SoundVolume > 255 || block.SoundPitch < 1 || block.SoundRadius < -1)
+    context.Findings.Add(actor, "its sound's volume, pitch or radius is out of range and was clamped");
+  SoundValues values;
+  values.Intensity = FormatFlt(std::clamp<int>(block.SoundVolume, 0, 255) / 255.0);
+  values.Pitch = FormatFlt(std::max<int>(block.SoundPitch, 1) / 64.0);
+  values.Radius =
+      (std::max(block.SoundRadius, -1.0) + 1) * 25 * context.Settings.TextScale * context.Settings.TextSoundRadiusScale;
+  return values;
+}
+
+/// The distances behind the sound are negative unless the scene is to conform.
+void WriteDistances(SceneNode& sound, double radius) {
+  SceneWriter& scene = sound.Writer();
+  const double back = scene.Conforming() ? radius : -radius;
+  if (!scene.Conforming()) scene.NoteQuirk("the negative distances of sounds");
+  sound.Field("  minBack", FormatFlt(back / 4));
+  sound.Field("  minFront", FormatFlt(radius / 4));
+  sound.Field("  maxBack", FormatFlt(back));
+  sound.Field("  maxFront", FormatFlt(radius));
+}
+
+void WriteStartTime(SceneNode& clip, const SoundSource& sound) {
+  const bool startedTwice = sound.StartedElsewhere && sound.InitiallyOn;
+  if (startedTwice || sound.Loop) clip.TextField("   startTime", "1");
+  if (startedTwice || sound.Loop || !sound.StartedElsewhere) clip.Attribute("startTime", "1");
+  if (sound.WaitsForTrigger) clip.Field("   stopTime", "2");
+}
+
+void WriteClip(SceneWriter& scene, pugi::xml_node parent, const SoundSource& sound, const std::string& name,
+               const std::string& pitch, const std::string& url) {
+  SceneNode clip = scene.Open(parent, "  source ", "AudioClip", name, "  {");
+  clip.Flag("   loop", sound.Loop);
+  clip.Field("   pitch", pitch);
+  WriteStartTime(clip, sound);
+  clip.Strings("   url", url, " [", "]");
+  scene.Line("  }");
+}
+
+/// Writes the clip, or the use of the one of the same file. Returns its name.
+std::string WriteSource(ActorContext& context, pugi::xml_node parent, const SoundSource& sound,
+                        const std::string& fileName, const std::string& pitch) {
+  const std::string& url = context.Resources.FindSound(fileName, sound.Block.AmbientSound).Url;
+  if (!sound.BaseName.empty()) {
+    const std::string name = context.Scene.Names.Take(MakeDefName(sound.BaseName));
+    WriteClip(context.Scene, parent, sound, name, pitch, url);
+    return name;
+  }
+  WrittenClip& clip = context.Clips[LowerCase(fileName)];
+  if (!clip.Name.empty()) {
+    context.Scene.Use(parent, "  source ", "AudioClip", clip.Name);
+    if (clip.Pitch != pitch)
+      context.Findings.Add(sound.Name, "it plays at the pitch of another sound of the same file");
+    return clip.Name;
+  }
+  clip = {context.Scene.Names.Take(MakeDefName("AC_" + fileName)), pitch};
+  WriteClip(context.Scene, parent, sound, clip.Name, pitch, url);
+  return clip.Name;
+}
+
+} // namespace
+
+std::string SoundFileName(const std::string& reference) {
+  const std::string name = ParseReference(reference).Name;
+  return name.empty() || SameText(name, "None") ? std::string() : name + ".wav";
+}
+
+std::string WriteSound(ActorContext& context, const SoundSource& sound, pugi::xml_node parent) {
+  const std::string file = SoundFileName(sound.Block.AmbientSound);
+  if (file.empty()) return {};
+  SceneWriter& scene = context.Scene;
+  const std::string& name = sound.BaseName.empty() ? sound.Name : sound.BaseName;
+  const SoundValues values = ValuesOf(context, sound.Block, sound.Name);
+  SceneNode node = scene.Open(parent, "", "Sound", scene.Names.Take(MakeDefName("S_" + name)));
+  node.AttributeOrder({"intensity", "maxFront", "maxBack", "minFront", "minBack"});
+  node.Field("  intensity", values.Intensity);
+  WriteDistances(node, values.Radius);
+  const std::string clip = WriteSource(context, node.Element(), sound, file, values.Pitch);
+  scene.Line(" }");
+  return clip;
+}
+
+pugi::xml_node OpenSoundPlace(ActorContext& context, const Vector3& location) {
+  SceneNode transform = context.Scene.Open(context.Scene.Group, "", "Transform");
+  transform.Field(" translation", PositionText(context, location));
+  context.Scene.Line(" children [");
+  return transform.Element();
+}
+
+void CloseSoundPlace(ActorContext& context) {
+  context.Scene.Line(" ]");
+  context.Scene.Line("}");
+}
+
+void WriteAmbientSound(ActorContext& context, const AmbientSoundRecord& sound) {
+  if (SoundFileName(sound.Sound.AmbientSound).empty())
+    return context.Findings.Count("ambient sounds left out because they name no sound");
+  const pugi::xml_node place = OpenSoundPlace(context, sound.Location);
+  SoundSource source;
+  source.Block = sound.Sound;
+  source.Name = sound.Header.Name;
+  WriteSound(context, source, place);
+  CloseSoundPlace(context);
+}
+
+void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecord& sound) {
+  SoundSource source;
+  source.Block = sound.Sound;
+  if (!SoundFileName(sound.AmbSound).empty()) source.Block.AmbientSound = sound.AmbSound;
+  source.Name = source.BaseName = sound.Header.Name;
+  source.Loop = !sound.bPlayOnceOnly;
+  source.StartedElsewhere = true;
+  source.InitiallyOn = sound.bInitiallyOn;
+  source.WaitsForTrigger = source.Loop && !sound.bInitiallyOn;
+  if (SoundFileName(source.Block.AmbientSound).empty())
+    return context.Findings.Count("triggered sounds left out because they name no sound");
+  const std::string clip = WriteSound(context, source, OpenSoundPlace(context, sound.Location));
+  CloseSoundPlace(context);
+  NoteLink(context, sound.Header.Tag, "enterTime", clip, "startTime");
+  NoteLink(context, sound.Header.Tag, "exitTime", clip, "stopTime");
+}
+
+} // namespace quarvel

@@ -1,0 +1,118 @@
+#include "app/desktop/after_run.h"
+
+#include "app/desktop/missing_dialog.h"
+#include "app/desktop/preload_dialog.h"
+#include "app/desktop/qt_text.h"
+#include "app/desktop/report_dialog.h"
+#include "app/desktop/result_bar.h"
+
+#include <QFileInfo>
+#include <QMessageBox>
+#include <algorithm>
+
+namespace quarvel {
+
+namespace {
+
+/// The messages that no list of missing files stands behind.
+QStringList OtherMessages(const std::vector<RunResult>& results, const std::vector<std::string>& messages) {
+  QStringList others;
+  for (const std::string& message : messages) {
+    const bool isListed = std::any_of(results.begin(), results.end(), [&](const RunResult& result) {
+      return std::find(result.Messages.begin(), result.Messages.end(), message) != result.Messages.end();
+    });
+    if (!isListed) others.append(ToQString(message));
+  }
+  return others;
+}
+
+QMessageBox* MakeBox(QMessageBox::Icon icon, const QString& text, QWidget* window) {
+  auto* box = new QMessageBox(icon, QStringLiteral("Quarvel"), text, QMessageBox::Ok, window);
+  box->setObjectName(QStringLiteral("FormMessage"));
+  box->setTextFormat(Qt::PlainText);
+  return box;
+}
+
+QString PreloadFile(const RunResult& result) {
+  for (const std::filesystem::path& file : result.FilesWritten)
+    if (file.extension() == ".js") return ToQString(file);
+  return {};
+}
+
+} // namespace
+
+AfterRun::AfterRun(DesktopServices& services, QWidget* window)
+    : QObject(window), services_(services), window_(window) {}
+
+void AfterRun::ShowAll(const std::vector<RunResult>& results, const std::vector<std::string>& messages) {
+  const bool isSingle = results.size() == 1;
+  if (isSingle && results.front().Outcome == RunOutcome::Failed) ShowError(ToQString(results.front().Error));
+  if (const QStringList others = OtherMessages(results, messages); !others.isEmpty())
+    Enqueue([this, others] { return MakeBox(QMessageBox::Warning, others.join(u'\n'), window_); });
+  const bool anyListed =
+      std::any_of(results.begin(), results.end(), [](const RunResult& result) { return !result.Messages.empty(); });
+  if (anyListed) Enqueue(MissingOf(results));
+  if (isSingle && !results.front().PreloadScript.empty()) Enqueue(PreloadOf(results.front()));
+}
+
+void AfterRun::ShowMissing(const std::vector<RunResult>& results) { Enqueue(MissingOf(results)); }
+
+void AfterRun::ShowReport(const RunResult& result) {
+  Enqueue([this, result] { return new ReportDialog(result, window_); });
+}
+
+void AfterRun::ShowPreloadScript(const RunResult& result) { Enqueue(PreloadOf(result)); }
+
+void AfterRun::OpenFolder(const RunResult& result) {
+  const QString folder = QFileInfo(ToQString(result.FilesWritten.front())).absolutePath();
+  Open(folder, QStringLiteral("The folder %1 cannot be opened").arg(folder));
+}
+
+void AfterRun::OpenScene(const RunResult& result) {
+  const QFileInfo scene(ToQString(result.FilesWritten.front()));
+  Open(scene.absoluteFilePath(),
+       QStringLiteral("No program is set up to open %1. Any viewer for VRML or X3D does.").arg(scene.fileName()));
+}
+
+void AfterRun::Open(const QString& path, const QString& otherwise) {
+  if (!services_.Open(path)) ShowError(otherwise);
+}
+
+void AfterRun::ShowError(const QString& text) {
+  Enqueue([this, text] { return MakeBox(QMessageBox::Critical, text, window_); });
+}
+
+AfterRun::MakeDialog AfterRun::MissingOf(const std::vector<RunResult>& results) {
+  return [this, results] {
+    auto* dialog = new MissingDialog(results, services_, window_);
+    connect(dialog, &MissingDialog::SearchWanted, this, [this, dialog](LibraryKind kind) {
+      waiting_ = {}; // what they are about is to be made anew
+      dialog->accept();
+      emit SearchWanted(kind);
+    });
+    return dialog;
+  };
+}
+
+AfterRun::MakeDialog AfterRun::PreloadOf(const RunResult& result) {
+  return [this, script = ToQString(result.PreloadScript), file = PreloadFile(result)] {
+    return new PreloadDialog(script, file, services_, window_);
+  };
+}
+
+void AfterRun::Enqueue(MakeDialog make) {
+  waiting_.push(std::move(make));
+  if (!isOpen_) OpenNext();
+}
+
+void AfterRun::OpenNext() {
+  isOpen_ = !waiting_.empty();
+  if (!isOpen_) return;
+  QDialog* dialog = waiting_.front()();
+  waiting_.pop();
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  connect(dialog, &QDialog::finished, this, &AfterRun::OpenNext);
+  dialog->open();
+}
+
+} // namespace quarvel

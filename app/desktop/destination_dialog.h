@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/desktop/option_controls.h"
+#include "app/desktop/option_pages.h"
+
+#include <QDialog>
+
+namespace quarvel {
+
+/// The folder options of one kind of files: whether and where copies go, and how the scene names them.
+class DestinationDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  DestinationDialog(LibraryKind kind, const ConversionSettings& settings, QWidget* parent);
+
+  /// Sets the five options of the kind.
+  void Read(ConversionSettings& settings) const { controls_.Read(settings); }
+
+ private:
+  QWidget* MakePlaceList(LibraryKind kind);
+
+  OptionControls controls_;
+};
+
+} // namespace quarvel

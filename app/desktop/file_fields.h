@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/desktop/desktop_services.h"
+#include "app/desktop/option_controls.h"
+#include "core/settings_store.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QWidget>
+
+namespace quarvel {
+
+/// The input with its recent files, and the output, which follows the input until the user gives it a name of its own.
+class FileFields : public QWidget {
+  Q_OBJECT
+
+ public:
+  FileFields(OptionControls& controls, DesktopServices& services, QWidget* parent);
+
+  QString Input() const { return input_->currentText(); }
+  /// Files and folders that the user chose. Tells by `Refused` what cannot be taken.
+  void TakePaths(const QStringList& paths);
+
+  void BrowseInput();
+  void BrowseOutput();
+
+  /// To be called when the settings were shown: whether the output is the input's is then seen anew.
+  void Adopt();
+  /// Adds the input to the recent files unless it is among them.
+  void Remember();
+  void LoadRecent(const SettingsStore& store);
+  void SaveRecent(SettingsStore& store) const;
+
+ signals:
+  void InputChanged();
+  void Refused(const QString& why);
+
+ private:
+  QWidget* MakeBrowseButton(const QString& name, const QString& tip);
+  void FollowInput();
+  void ShowPlaceholder();
+
+  DesktopServices& services_;
+  QComboBox* input_;
+  QLineEdit* output_;
+  QString outputGiven_; ///< what the output was last set to without the user's doing
+};
+
+} // namespace quarvel

@@ -1,0 +1,150 @@
+#include "app/desktop/missing_dialog.h"
+
+#include "app/desktop/qt_text.h"
+#include "app/desktop/result_bar.h"
+#include "core/run_summary.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <map>
+
+namespace quarvel {
+
+namespace {
+
+constexpr int kindRole = Qt::UserRole;
+
+/// A kind of files as this dialog names it.
+struct KindNames {
+  LibraryKind Kind;
+  const char* One;
+  const char* Many;
+  const char* ListEnding; ///< of the file that lists them
+  const std::vector<std::string> RunResult::*Names;
+};
+
+const KindNames kinds[] = {
+    {LibraryKind::Texture, "texture", "textures", "MissingTextures.txt", &RunResult::MissingTextures},
+    {LibraryKind::Sound, "sound", "sounds", "MissingSounds.txt", &RunResult::MissingSounds},
+    {LibraryKind::Mesh, "mesh", "meshes", "MissingMeshes.txt", &RunResult::MissingMeshes},
+};
+
+const KindNames& NamesOf(LibraryKind kind) { return kinds[static_cast<int>(kind)]; }
+
+bool EndsWith(const std::string& text, std::string_view ending) {
+  return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+/// Each missing name with the levels that miss it.
+std::map<std::string, QStringList> LevelsByName(const KindNames& names, const std::vector<RunResult>& results) {
+  std::map<std::string, QStringList> levels;
+  for (const RunResult& result : results)
+    for (const std::string& name : result.*names.Names)
+      levels[name].append(ToQString(result.InputFile.filename()));
+  return levels;
+}
+
+} // namespace
+
+MissingDialog::MissingDialog(const std::vector<RunResult>& results, DesktopServices& services, QWidget* parent)
+    : QDialog(parent), services_(services), list_(new QTreeWidget(this)) {
+  setObjectName(QStringLiteral("FormMissing"));
+  setWindowTitle(QStringLiteral("Missing files"));
+  list_->setObjectName(QStringLiteral("ListMissing"));
+  list_->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("Level")});
+  list_->setColumnHidden(1, results.size() < 2);
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  list_->setUniformRowHeights(true);
+  list_->setHeaderHidden(results.size() < 2);
+  for (const KindNames& names : kinds)
+    if (QTreeWidgetItem* top = AddKind(names.Kind, results); top && !list_->currentItem()) list_->setCurrentItem(top);
+  list_->header()->resizeSection(0, 320);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(MakeMessages(results));
+  column->addWidget(list_, 1);
+  column->addWidget(MakeButtons());
+  resize(600, 440);
+}
+
+LibraryKind MissingDialog::CurrentKind() const {
+  const QTreeWidgetItem* item = list_->currentItem();
+  if (!item) return LibraryKind::Texture;
+  return static_cast<LibraryKind>((item->parent() ? item->parent() : item)->data(0, kindRole).toInt());
+}
+
+QTreeWidgetItem* MissingDialog::AddKind(LibraryKind kind, const std::vector<RunResult>& results) {
+  const KindNames& names = NamesOf(kind);
+  for (const RunResult& result : results)
+    for (const std::filesystem::path& file : result.FilesWritten)
+      if (EndsWith(file.string(), names.ListEnding)) listFiles_[static_cast<int>(kind)].push_back(file);
+  const auto levels = LevelsByName(names, results);
+  if (levels.empty()) return nullptr;
+  auto* top = new QTreeWidgetItem(list_, {ToQString(CountText(levels.size(), names.One, names.Many))});
+  top->setData(0, kindRole, static_cast<int>(kind));
+  QFont bold = list_->font();
+  bold.setBold(true);
+  top->setFont(0, bold);
+  for (const auto& [name, where] : levels)
+    new QTreeWidgetItem(top, {ToQString(name), where.join(QStringLiteral(", "))});
+  top->setExpanded(true);
+  return top;
+}
+
+QWidget* MissingDialog::MakeMessages(const std::vector<RunResult>& results) {
+  QStringList lines;
+  for (const RunResult& result : results)
+    for (const std::string& message : result.Messages)
+      lines.append(ToQString(message));
+  constexpr int linesShown = 6;
+  if (lines.size() > linesShown) lines = lines.mid(0, linesShown) + QStringList{QStringLiteral("...")};
+  auto* label = new QLabel(lines.join(u'\n'), this);
+  label->setObjectName(QStringLiteral("LabelMessages"));
+  label->setTextFormat(Qt::PlainText);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  label->setWordWrap(true);
+  return label;
+}
+
+QWidget* MissingDialog::MakeButtons() {
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+  QPushButton* copy = buttons->addButton(QStringLiteral("&Copy"), QDialogButtonBox::ActionRole);
+  QPushButton* open = buttons->addButton(QStringLiteral("&Open list"), QDialogButtonBox::ActionRole);
+  QPushButton* search =
+      buttons->addButton(QStringLiteral("Choose &folders and convert again..."), QDialogButtonBox::ActionRole);
+  copy->setObjectName(QStringLiteral("CommandCopy"));
+  open->setObjectName(QStringLiteral("CommandOpenList"));
+  search->setObjectName(QStringLiteral("CommandSearch"));
+  copy->setToolTip(QStringLiteral("Copy the selected names, or all of them, to the clipboard"));
+  open->setToolTip(QStringLiteral("Open the list of the selected kind in the desktop's text editor"));
+  search->setToolTip(QStringLiteral("Say where files of the selected kind are"));
+  connect(copy, &QPushButton::clicked, this, &MissingDialog::Copy);
+  connect(open, &QPushButton::clicked, this, &MissingDialog::OpenList);
+  connect(search, &QPushButton::clicked, this, [this] { emit SearchWanted(CurrentKind()); });
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  const auto follow = [this, open] { open->setEnabled(!listFiles_[static_cast<int>(CurrentKind())].empty()); };
+  connect(list_, &QTreeWidget::currentItemChanged, this, follow);
+  follow();
+  return buttons;
+}
+
+void MissingDialog::Copy() {
+  QStringList names, all;
+  for (QTreeWidgetItemIterator at(list_); *at; ++at) {
+    if (!(*at)->parent()) continue;
+    all.append((*at)->text(0));
+    if ((*at)->isSelected()) names.append((*at)->text(0));
+  }
+  QApplication::clipboard()->setText((names.isEmpty() ? all : names).join(u'\n'));
+}
+
+void MissingDialog::OpenList() {
+  for (const std::filesystem::path& file : listFiles_[static_cast<int>(CurrentKind())])
+    services_.Open(ToQString(file));
+}
+
+} // namespace quarvel

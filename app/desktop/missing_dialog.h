@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/desktop/desktop_services.h"
+#include "app/desktop/option_pages.h"
+#include "core/conversion_run.h"
+
+#include <QDialog>
+#include <QTreeWidget>
+#include <vector>
+
+namespace quarvel {
+
+/// Lists the textures, sounds and meshes that runs have missed, and leads to another try.
+class MissingDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  MissingDialog(const std::vector<RunResult>& results, DesktopServices& services, QWidget* parent);
+
+  /// The kind that is looked at.
+  LibraryKind CurrentKind() const;
+
+ signals:
+  /// The user wants to say where files of this kind are, and then to convert again.
+  void SearchWanted(LibraryKind kind);
+
+ private:
+  struct Kind;
+
+  QTreeWidgetItem* AddKind(LibraryKind kind, const std::vector<RunResult>& results);
+  QWidget* MakeMessages(const std::vector<RunResult>& results);
+  QWidget* MakeButtons();
+  void Copy();
+  void OpenList();
+
+  DesktopServices& services_;
+  QTreeWidget* list_;
+  std::vector<std::filesystem::path> listFiles_[3]; ///< by kind
+};
+
+} // namespace quarvel

@@ -1,0 +1,100 @@
+#include "core/run_summary.h"
+
+#include "math/number_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace quarvel {
+
+namespace {
+
+constexpr std::size_t namesShown = 10;
+constexpr std::size_t reasonsShown = 20;
+
+std::string JoinNames(const std::vector<std::string>& names, bool inFull) {
+  const std::size_t shown = inFull ? names.size() : std::min(names.size(), namesShown);
+  std::string joined;
+  for (std::size_t i = 0; i < shown; ++i)
+    joined += (i == 0 ? "" : ", ") + names[i];
+  if (shown < names.size()) joined += " and " + std::to_string(names.size() - shown) + " more (see --verbose)";
+  return joined;
+}
+
+void WriteMissing(std::ostream& out, std::string_view one, std::string_view many, const std::vector<std::string>& names,
+                  bool inFull) {
+  if (!names.empty())
+    out << "  " << CountText(names.size(), one, many) << " missing: " << JoinNames(names, inFull) << "\n";
+}
+
+void WriteFindings(std::ostream& out, const std::vector<Finding>& findings, bool inFull) {
+  const std::vector<ActorsOfReason> groups = GroupByReason(findings);
+  const std::size_t shown = inFull ? groups.size() : std::min(groups.size(), reasonsShown);
+  for (std::size_t i = 0; i < shown; ++i) {
+    out << "  " << groups[i].Reason;
+    if (!groups[i].Actors.empty()) out << ": " << JoinNames(groups[i].Actors, inFull);
+    out << "\n";
+  }
+  if (shown < groups.size()) out << "  and " << groups.size() - shown << " more things to know (see --verbose)\n";
+}
+
+} // namespace
+
+std::string CountText(std::size_t count, std::string_view one, std::string_view many) {
+  return std::to_string(count) + " " + std::string(count == 1 ? one : many);
+}
+
+std::string SecondsText(double seconds) {
+  std::array<char, 64> buffer;
+  const auto end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), seconds, std::chars_format::fixed, 2).ptr;
+  return std::string(buffer.data(), end) + " s";
+}
+
+std::string ContentText(const RunResult& result) {
+  return CountText(static_cast<std::size_t>(result.Brushes), "brush", "brushes") + ", " +
+         CountText(static_cast<std::size_t>(result.Faces), "face", "faces") + ", " +
+         CountText(static_cast<std::size_t>(result.UniqueMaterials), "material", "materials");
+}
+
+std::string BoxText(const Bounds3& bounds) { return FormatVec(bounds.Min) + " to " + FormatVec(bounds.Max); }
+
+std::vector<ActorsOfReason> GroupByReason(const std::vector<Finding>& findings) {
+  std::vector<ActorsOfReason> groups;
+  std::map<std::string_view, std::size_t> indexOf;
+  for (const Finding& finding : findings) {
+    const auto [at, isNew] = indexOf.try_emplace(finding.Reason, groups.size());
+    if (isNew) groups.push_back({finding.Reason, {}});
+    if (!finding.Actor.empty()) groups[at->second].Actors.push_back(finding.Actor);
+  }
+  return groups;
+}
+
+std::string BatchSummary(const std::vector<RunResult>& results, std::size_t jobs) {
+  const auto converted = std::count_if(results.begin(), results.end(),
+                                       [](const RunResult& result) { return result.Outcome == RunOutcome::Done; });
+  return std::to_string(converted) + " of " + CountText(jobs, "file", "files") + " converted";
+}
+
+void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
+  out << result.InputFile.string() << ": converted in " << SecondsText(result.Seconds) << "\n";
+  for (const std::filesystem::path& file : result.FilesWritten)
+    out << "  wrote " << file.string() << "\n";
+  out << "  " << ContentText(result) << "\n";
+  if (!IsEmpty(result.Bounds)) out << "  box: " << BoxText(result.Bounds) << "\n";
+  for (const auto& [what, count] : result.Findings.Counts())
+    out << "  " << what << ": " << count << "\n";
+  WriteMissing(out, "texture", "textures", result.MissingTextures, inFull);
+  WriteMissing(out, "sound", "sounds", result.MissingSounds, inFull);
+  WriteMissing(out, "mesh", "meshes", result.MissingMeshes, inFull);
+  for (const std::string& message : result.Messages)
+    out << "  " << message << "\n";
+  WriteFindings(out, result.Findings.Findings(), inFull);
+  out << std::flush;
+}
+
+} // namespace quarvel

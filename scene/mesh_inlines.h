@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/conversion_settings.h"
+#include "resources/resource_files.h"
+#include "scene/node_writer.h"
+#include "t3d/brush_record.h"
+#include "t3d/placement_records.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace quarvel {
+
+/// Writes the meshes of a run, which stand in files of their own: each is inlined once, and by name afterwards.
+class MeshInliner {
+ public:
+  MeshInliner(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings)
+      : scene_(scene), resources_(resources), settings_(settings) {}
+
+  /// True when there is a file for a mesh of this name.
+  bool HasMesh(std::string_view mesh) { return resources_.HasMesh(FileReference(mesh)); }
+
+  /// Writes the Transform of an actor that stands at a place, and in it its mesh, given by reference. Without a file
+  /// for the mesh the Transform stays empty.
+  void WritePlacedMesh(const StaticMeshRecord& actor, std::string_view mesh);
+
+  /// Writes the mesh of a mover into the mover's own Transform, so that what moves the one moves the other.
+  void WriteMoverMesh(const BrushRecord& mover, pugi::xml_node transform);
+
+ private:
+  std::string FileReference(std::string_view mesh) const;
+  const MeshFiles& Find(std::string_view mesh);
+  void WriteInline(std::string_view mesh, const MeshFiles& files, pugi::xml_node parent, const std::string& indent);
+  Vector3 SceneScale(const Vector3& drawScale3D, double drawScale) const;
+
+  SceneWriter& scene_;
+  ResourceFiles& resources_;
+  const ConversionSettings& settings_;
+  std::map<std::pair<std::string, std::string>, std::string> names_; ///< DEF names by the URLs of the two files
+};
+
+} // namespace quarvel

@@ -1,0 +1,159 @@
+#include "terrain/terrain.h"
+
+#include "math/number_text.h"
+#include "resources/image_size.h"
+#include "scene/geometry_fields.h"
+#include "terrain/heightfield.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace quarvel {
+
+namespace {
+
+/// Neighbouring squares are shaded as one surface, unless the user asks for an angle of their own.
+constexpr double smoothAngle = Pi / 2;
+
+std::optional<Heightmap> LeaveOut(GeometryContext& context, const TerrainRecord& terrain, const std::string& reason) {
+  context.Findings.Add(terrain.Header.Name, reason + "; the terrain was left out");
+  return std::nullopt;
+}
+
+std::optional<Heightmap> FindHeightmap(GeometryContext& context, ResourceFiles& resources,
+                                       const TerrainRecord& terrain) {
+  if (terrain.TerrainMap.empty()) return LeaveOut(context, terrain, "it names no heightmap");
+  const auto file = resources.FindTextureSource(terrain.TerrainMap);
+  if (!file) return LeaveOut(context, terrain, "its heightmap " + terrain.TerrainMap + " was not found");
+  // The header tells the size before memory is taken for the samples.
+  if (const auto size = ReadImageSize(*file))
+    if (const std::string why = WhyNoHeightfield(terrain, size->Width, size->Height); !why.empty())
+      return LeaveOut(context, terrain, why);
+  HeightmapResult result = ReadHeightmap(*file);
+  if (!result.Map) return LeaveOut(context, terrain, "its heightmap cannot be read: " + result.Error);
+  if (const std::string why = WhyNoHeightfield(terrain, result.Map->Width, result.Map->Height); !why.empty())
+    return LeaveOut(context, terrain, why);
+  return std::move(result.Map);
+}
+
+void WriteSurfaceFields(SceneNode& geometry, const ConversionSettings& settings) {
+  const double angle = settings.CheckCreaseAngle ? settings.TextCreaseAngle * Pi / 180 : smoothAngle;
+  geometry.Field("        creaseAngle", FormatFlt(angle));
+  geometry.Flag("        ccw", !settings.CheckCCW);
+  geometry.Flag("        solid", false);
+}
+
+/// Point lists are long: the values follow on a line of their own.
+void WritePointNode(SceneNode& geometry, const char* lead, const char* type, const std::string& def,
+                    const std::string& points) {
+  SceneWriter& scene = geometry.Writer();
+  const SceneNode node = scene.Open(geometry.Element(), lead, type, def, " { point [");
+  AddAttribute(node.Element(), "point", points);
+  scene.Line(points, "]");
+  scene.Line("        }");
+}
+
+void WriteTexturePoints(SceneNode& geometry, const std::vector<TexturePoint>& points) {
+  WritePointNode(geometry, "        texCoord ", "TextureCoordinate", {}, TexturePointList(points));
+}
+
+SceneNode OpenGeometry(GeometryContext& context, pugi::xml_node transform, int texture, const char* type) {
+  const pugi::xml_node shape = context.Scene.Open(transform, "    ", "Shape").Element();
+  context.Materials.WriteAppearance(texture, shape, context.User);
+  return context.Scene.Open(shape, "      geometry ", type);
+}
+
+void CloseGeometry(GeometryContext& context) {
+  context.Scene.Line("      }");
+  context.Scene.Line("    }");
+  context.Scene.Flush(context.File);
+}
+
+std::string HeightList(const Heightfield& field) {
+  std::string list;
+  list.reserve(field.Heights.size() * 10);
+  for (const double height : field.Heights) {
+    if (!list.empty()) list += ' ';
+    AppendFlt(list, height);
+  }
+  return list;
+}
+
+std::vector<TexturePoint> TexturePointsOf(const Heightfield& field) {
+  std::vector<TexturePoint> points;
+  points.reserve(field.Heights.size());
+  for (int y = 0; y < field.Height; ++y)
+    for (int x = 0; x < field.Width; ++x)
+      points.push_back(TerrainTexturePoint(field, x, y));
+  return points;
+}
+
+bool HasHiddenSquare(const Heightfield& field, const TerrainRecord& terrain) {
+  for (int y = 0; y < field.Height - 1; ++y)
+    for (int x = 0; x < field.Width - 1; ++x)
+      if (!IsVisibleSquare(terrain, field.Width, x, y)) return true;
+  return false;
+}
+
+void WriteElevationGrid(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture,
+                        pugi::xml_node transform) {
+  SceneNode grid = OpenGeometry(context, transform, texture, "ElevationGrid");
+  grid.Field("        xDimension", std::to_string(field.Width));
+  grid.Field("        zDimension", std::to_string(field.Height));
+  grid.Field("        xSpacing", FormatFlt(field.SpacingX));
+  grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
+  WriteSurfaceFields(grid, context.Settings);
+  grid.List("        height", HeightList(field), "          ", "        ]");
+  if (BaseLayer(terrain)) WriteTexturePoints(grid, TexturePointsOf(field));
+  CloseGeometry(context);
+  if (HasHiddenSquare(field, terrain))
+    context.Findings.Add(terrain.Header.Name, "has hidden squares, which an elevation grid shows all the same; the "
+                                              "option OptionTerrainIFS leaves them out");
+}
+
+void WritePatch(GeometryContext& context, const TerrainPatch& patch, bool textured, int texture,
+                pugi::xml_node transform) {
+  SceneNode faces = OpenGeometry(context, transform, texture, "IndexedFaceSet");
+  WriteSurfaceFields(faces, context.Settings);
+  WritePointNode(faces, "        coord ", "Coordinate", context.Scene.Names.Take("C_TerrainCoords"),
+                 PointList(patch.Points));
+  if (textured) WriteTexturePoints(faces, patch.TexturePoints);
+  faces.List("        coordIndex", IndexList(patch.Faces), "          ", "        ]");
+  CloseGeometry(context);
+}
+
+void WriteFaceSets(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture,
+                   pugi::xml_node transform) {
+  for (int top = 0; top < field.Height - 1; top += PatchSquares)
+    for (int left = 0; left < field.Width - 1; left += PatchSquares) {
+      const TerrainPatch patch = MakePatch(field, terrain, left, top);
+      if (!patch.Faces.empty()) WritePatch(context, patch, BaseLayer(terrain) != nullptr, texture, transform);
+    }
+}
+
+} // namespace
+
+bool WriteTerrain(GeometryContext& context, ResourceFiles& resources, const TerrainRecord& terrain) {
+  const auto map = FindHeightmap(context, resources, terrain);
+  if (!map) return false;
+  SceneWriter& scene = context.Scene;
+  const TerrainScales scales{context.Settings.TextScale, context.Settings.TextTerrainScale};
+  const Heightfield field = MakeHeightfield(*map, terrain, scales, scene.ConversionMatrix);
+  const TerrainLayer* layer = BaseLayer(terrain);
+  const int texture = context.Materials.TextureNumber(layer ? layer->Texture : std::string(), 0, true);
+
+  const std::string name = terrain.Header.Name.empty() ? terrain.Header.Class : terrain.Header.Name;
+  SceneNode transform = scene.Open(scene.Group, "", "Transform", scene.Names.Take(MakeDefName(name)));
+  transform.Field("  translation", FormatVec(field.Corner));
+  scene.Line("  children [");
+  if (context.Settings.OptionTerrainIFS)
+    WriteFaceSets(context, field, terrain, texture, transform.Element());
+  else
+    WriteElevationGrid(context, field, terrain, texture, transform.Element());
+  scene.Line("  ]");
+  scene.Line("}");
+  scene.Flush(context.File);
+  return true;
+}
+
+} // namespace quarvel

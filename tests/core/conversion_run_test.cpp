@@ -1,0 +1,318 @@
+#include "core/conversion_run.h"
+#include "core/level_check.h"
+#include "tests/core/converted.h"
+#include "tests/scene/scene_readers.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace quarvel {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Convert;
+using test::Converted;
+using test::ConvertIn;
+using test::SampleSettings;
+using Texts = std::vector<std::string>;
+using namespace std::string_literals;
+
+const std::string golden = test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.t3d");
+
+bool Holds(const std::string& text, const std::string& what) { return text.find(what) != std::string::npos; }
+
+std::string Brush(const std::string& name, const std::string& keys, int triangles = 1) {
+  std::string text = "Begin Actor Class=Brush Name=" + name + "\n" + keys + " Begin Brush Name=M\n";
+  for (int i = 0; i < triangles; ++i)
+    text += "  Begin Polygon Texture=brick\n   Vertex " + std::to_string(10 * i) +
+            ",0,0\n   Vertex 5,5,0\n"
+            "   Vertex 0,9,9\n  End Polygon\n";
+  return text + " End Brush\nEnd Actor\n";
+}
+
+/// Expects two texts to be equal, and shows no more than the first line that is not.
+void ExpectSameText(const std::string& actual, const std::string& expected, const std::string& name) {
+  if (actual == expected) return;
+  const auto at = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+  const auto line = std::count(actual.begin(), at.first, '\n') + 1;
+  const auto rest = [](auto from, auto end) { return std::string(from, std::find(from, end, '\n')); };
+  const fs::path kept = fs::path(testing::TempDir()) / name;
+  std::ofstream(kept, std::ios::binary) << actual;
+  ADD_FAILURE() << name << " differs from line " << line << " on:\n  now      " << rest(at.first, actual.end())
+                << "\n  expected " << rest(at.second, expected.end()) << "\nThe new text is " << kept
+                << "; when it is right, it belongs into " QUARVEL_TEST_DATA_DIR;
+}
+
+TEST(ConversionRun, WritesTheGoldenScenes) {
+  ASSERT_FALSE(golden.empty());
+  const Converted converted = Convert(golden);
+  EXPECT_EQ(converted.Result.Outcome, RunOutcome::Done) << converted.Result.Error;
+  ExpectSameText(converted.Text, test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.wrl"), "golden.wrl");
+  ExpectSameText(converted.Document, test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.x3d"), "golden.x3d");
+  EXPECT_EQ(converted.Result.Brushes, 4);
+  EXPECT_EQ(converted.Result.Faces, 9);
+  EXPECT_EQ(converted.Result.MissingTextures, Texts{"not_there"});
+  EXPECT_EQ(converted.Result.Findings.Counts().at("brushes left out as subtractive"), 1);
+}
+
+TEST(ConversionRun, LineEndsDoNotMatter) {
+  std::string text = golden;
+  std::erase(text, '\r');
+  const Converted converted = Convert(text);
+  EXPECT_EQ(converted.Text, test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.wrl"));
+}
+
+ConversionSettings SeparateFacesInX3D() {
+  ConversionSettings settings = SampleSettings();
+  settings.OptionMeshes = settings.OptionVRML97 = false;
+  settings.OptionIFSs = settings.OptionFlux = true;
+  settings.CheckEnclose = settings.CheckCreaseAngle = settings.CheckAppendDash = settings.CheckXMLtoo = true;
+  return settings;
+}
+
+TEST(ConversionRun, WritesSeparateFacesInX3DClassic) {
+  const TemporaryFolder folder;
+  const Converted converted = ConvertIn(folder, golden, SeparateFacesInX3D());
+  EXPECT_TRUE(fs::exists(folder.Path() / "level-.x3dv")) << "the dash is for the text alone";
+  EXPECT_EQ(test::ReadFile(folder.Path() / "level.xml"), converted.Document);
+  EXPECT_TRUE(converted.Text.starts_with("#X3D V3.0 utf8\r\n\r\nPROFILE Immersive\r\n# Converted"));
+  EXPECT_TRUE(Holds(converted.Text, "\r\n]\r\n}\r\nROUTE ")) << "no ROUTE stands in a children list";
+  EXPECT_TRUE(Holds(converted.Text, "}\r\nDEF level Transform {\r\n children [\r\nDEF Brush1 Transform {\r\n"));
+  EXPECT_TRUE(Holds(converted.Text, "   Collision {\r\n    collide FALSE\r\n    children [\r\n    Shape {\r\n"));
+  EXPECT_TRUE(Holds(converted.Text, "    }\r\n    ]\r\n   }\r\n\r\n  ]\r\n}\r\n"));
+  EXPECT_TRUE(Holds(converted.Text, "geometry DEF F_Brush15 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n"))
+      << "by the number of the polygon";
+  EXPECT_TRUE(Holds(converted.Document, "<Collision collide='false'>"));
+  const auto& findings = converted.Result.Findings.Findings();
+  EXPECT_TRUE(std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+    return Holds(finding.Actor, "the field \"collide\"") && Holds(finding.Reason, "strict viewers may refuse");
+  }));
+  const test::ReadScene text = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
+  EXPECT_EQ(text.Faults, Texts());
+  EXPECT_EQ(test::Describe(text), test::Describe(document));
+}
+
+TEST(ConversionRun, WritesWhatValidatorsWantWhenConforming) {
+  ConversionSettings settings = SeparateFacesInX3D();
+  settings.CheckConforming = true;
+  const Converted converted = Convert(golden, settings);
+  EXPECT_TRUE(Holds(converted.Document, "<X3D profile='Immersive' version='3.0'>"));
+  EXPECT_TRUE(Holds(converted.Document, "<Collision enabled='false'>"));
+  EXPECT_TRUE(Holds(converted.Document, "<Anchor url='\"http://www.example.org\"'>"));
+  EXPECT_FALSE(Holds(converted.Document, "MultiTexture"));
+  EXPECT_FALSE(Holds(converted.Document, "diffuseColor='1 1 1'")) << "an unlit face without material";
+  EXPECT_TRUE(Holds(converted.Document, "shininess='0.390625'"));
+  EXPECT_TRUE(Holds(converted.Document, "speed='5.3'") && Holds(converted.Text, " speed 5.3\r\n"));
+  EXPECT_TRUE(Holds(converted.Text, "    enabled FALSE\r\n"));
+  const test::ReadScene text = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
+  EXPECT_EQ(text.Faults, Texts());
+  EXPECT_EQ(test::Describe(text), test::Describe(document));
+}
+
+TEST(ConversionRun, LeavesWalkingThroughTranslucentFacesToTheOption) {
+  ConversionSettings settings = SeparateFacesInX3D();
+  settings.CheckTranslucentSolid = settings.CheckCCW = true;
+  const Converted converted = Convert(golden, settings);
+  EXPECT_FALSE(Holds(converted.Text, "Collision"));
+  EXPECT_TRUE(
+      Holds(converted.Text, "F_B_12Wall0 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n        ccw TRUE"));
+  EXPECT_TRUE(
+      Holds(converted.Text, "F_Brush1_20 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n        ccw FALSE"));
+}
+
+TEST(ConversionRun, ChoosesBrushesAndFaces) {
+  const std::string level = Brush("Built", "") + Brush("Built2", "") + Brush("Added", " CsgOper=CSG_Add\n", 3);
+  ConversionSettings settings = SampleSettings();
+  const auto names = [&] {
+    Texts defs;
+    for (const test::ReadNode& node : test::ReadVrml(Convert(level, settings).Text).Nodes)
+      if (node.Type == "Transform") defs.push_back(node.Def);
+    return defs;
+  };
+  EXPECT_EQ(names(), Texts{"Added"});
+  settings.CheckBuildBrush = true;
+  EXPECT_EQ(names(), Texts{"Built"}) << "the pass ends behind the builder brush";
+  settings.CheckBuildBrush = false;
+  settings.CheckIgnore = true;
+  settings.TextStartAtPoly = {"2", 2};
+  EXPECT_EQ(Convert(level, settings).Result.Faces, 1);
+  settings.CheckDoGeometry = false;
+  EXPECT_EQ(names(), Texts());
+}
+
+TEST(ConversionRun, APolygonListIsABuilderBrushThatMayBreakUp) {
+  const auto triangle = [](const std::string& x) {
+    return " Begin Polygon\n  Vertex " + x + "0,0,0\n  Vertex " + x + "1,0,0\n  Vertex 4,4,4\n End Polygon\n";
+  };
+  const auto apart = [](const std::string& x) {
+    return " Begin Polygon\n  Vertex " + x + "0,0,0\n  Vertex " + x + "1,0,0\n  Vertex " + x + "2,4,4\n End Polygon\n";
+  };
+  const std::string list = "Begin PolyList\n" + triangle("1") + apart("8") + triangle("2") + "End PolyList\n";
+  ConversionSettings settings = SampleSettings();
+  const auto shapes = [&] {
+    const test::ReadScene scene = test::ReadVrml(Convert(list, settings).Text);
+    EXPECT_NE(scene.Find("BuildBrush"), nullptr);
+    return std::count_if(scene.Nodes.begin(), scene.Nodes.end(),
+                         [](const test::ReadNode& node) { return node.Type == "Shape"; });
+  };
+  EXPECT_EQ(shapes(), 1);
+  settings.CheckBuildBrush = true;
+  EXPECT_EQ(shapes(), 1);
+  settings.CheckBreakUpBB = true;
+  EXPECT_EQ(shapes(), 2) << "the pieces that share a corner stay together";
+}
+
+TEST(ConversionRun, ConvertsMoversOfEveryClassThatHoldsPolygons) {
+  const auto mover = [](const std::string& className, const std::string& name, const std::string& keys, int faces) {
+    std::string text = Brush(name, keys, faces);
+    return text.replace(text.find("Class=Brush"), 11, "Class=" + className);
+  };
+  const std::string level = mover("AttachMover", "A", "", 1) + mover("Mover", "B", " NumKeys=151\n", 1) +
+                            mover("Game.AssertMover", "C", "", 1) + mover("GhostMover", "D", "", 0) +
+                            mover("Mover", "E", "", 1);
+  ConversionSettings settings = SampleSettings();
+  const Converted converted = Convert(level, settings);
+  const test::ReadScene scene = test::ReadVrml(converted.Text);
+  Texts names;
+  for (const test::ReadNode& node : scene.Nodes)
+    if (node.Type == "Transform") names.push_back(node.Def);
+  EXPECT_EQ(names, (Texts{"Mover_1", "AttachMover_2", "AssertMover_3"}));
+  EXPECT_EQ(converted.Result.Brushes, 3);
+  const auto& findings = converted.Result.Findings.Findings();
+  EXPECT_TRUE(std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+    return finding.Actor == "B" && Holds(finding.Reason, "NumKeys is 151");
+  }));
+  settings.CheckMovers = false;
+  EXPECT_EQ(Convert(level, settings).Result.Brushes, 0);
+}
+
+/// Notes what a run shows, and pauses or stops it at the n-th look.
+class Watcher : public RunInterface {
+ public:
+  void ShowPass(std::string_view text) override { Passes.emplace_back(text); }
+  void ShowItem(std::string_view text, long number) override {
+    Items.push_back(std::string(text) + (number < 0 ? "" : std::to_string(number)));
+  }
+  bool RunActive() override { return --looksUntilActive_ < 0; }
+  bool StopRequested() override { return looksUntilStop_ > 0 && ++looks_ >= looksUntilStop_; }
+
+  Watcher& Pause(int looks) {
+    looksUntilActive_ = looks;
+    return *this;
+  }
+  Watcher& StopAt(int look) {
+    looksUntilStop_ = look;
+    return *this;
+  }
+
+  Texts Passes, Items;
+
+ private:
+  int looksUntilActive_ = 0, looksUntilStop_ = 0, looks_ = 0;
+};
+
+TEST(ConversionRun, ShowsWhatItDoes) {
+  Watcher user;
+  Convert(Brush("A", "") + Brush("B", " CsgOper=CSG_Add\n"), SampleSettings(), &user);
+  ASSERT_GE(user.Passes.size(), 6U);
+  EXPECT_EQ(Texts(user.Passes.begin(), user.Passes.begin() + 4),
+            (Texts{"Reading file", "Pre-scan", "Scanning ambience", "getting triggers"}));
+  const auto place = [&](const char* pass) { return std::find(user.Passes.begin(), user.Passes.end(), pass); };
+  EXPECT_LT(place("Processing Brushes"), place("Processing Movers"));
+  EXPECT_LT(place("Processing Movers"), place("Processing non-geo"));
+  EXPECT_EQ(user.Passes.back(), "Done");
+  const Texts brushes{"getting brush", "on brush 1", "skipping brush",      "getting brush",
+                      "on brush 1",    "on face 0",  "converting vertices", "processing texture"};
+  EXPECT_EQ(Texts(user.Items.begin(), user.Items.begin() + 8), brushes);
+  EXPECT_TRUE(user.Items.back().starts_with("Box: 0 0 0 to 0.0952")) << user.Items.back();
+}
+
+TEST(ConversionRun, PausesBeforeABrushAndGoesOn) {
+  Watcher user;
+  user.Pause(3);
+  EXPECT_EQ(Convert(golden, SampleSettings(), &user).Result.Outcome, RunOutcome::Done);
+  EXPECT_EQ(std::count(user.Items.begin(), user.Items.end(), "Paused"), 3);
+}
+
+TEST(ConversionRun, StopsWithTheSceneAsFarAsItIs) {
+  Watcher whilePaused, whileReading, afterABrush;
+  for (Watcher* user : {&whilePaused.Pause(1000).StopAt(5), &afterABrush.StopAt(4)}) {
+    const TemporaryFolder folder;
+    const Converted converted = ConvertIn(folder, golden, SampleSettings(), user);
+    EXPECT_EQ(converted.Result.Outcome, RunOutcome::Stopped);
+    EXPECT_TRUE(converted.Text.starts_with("#VRML"));
+    EXPECT_FALSE(fs::exists(folder.Path() / "level.x3d"));
+    EXPECT_FALSE(fs::exists(folder.Path() / "levelMissingTextures.txt"));
+  }
+  const TemporaryFolder folder;
+  EXPECT_EQ(ConvertIn(folder, golden, SampleSettings(), &whileReading.StopAt(1)).Result.Outcome, RunOutcome::Stopped);
+  EXPECT_FALSE(fs::exists(folder.Path() / "level.wrl"));
+}
+
+TEST(ConversionRun, UsesTheTextInMemoryWhenAskedTo) {
+  const TemporaryFolder folder;
+  folder.Write("a.t3d", Brush("A", " CsgOper=CSG_Add\n"));
+  RunInterface user;
+  MemoryStore store;
+  RunMemory memory;
+  ConversionSettings settings = SampleSettings();
+  const auto convert = [&](const char* level) {
+    const RunResult result = ConvertFile(level[0] ? folder.Path() / level : fs::path(), folder.Path() / "out.x3dv",
+                                         settings, store, memory, user);
+    EXPECT_EQ(result.Outcome, RunOutcome::Done) << result.Error;
+    return folder.Read("out.wrl");
+  };
+  const std::string scene = convert("a.t3d");
+  EXPECT_TRUE(memory.LoadedFileName.ends_with("a.t3d"));
+  settings.CheckRescanFile = false;
+  EXPECT_EQ(convert("none.t3d"), scene);
+  fs::remove(folder.Path() / "out.wrl");
+  EXPECT_EQ(convert(""), "") << "no name, no effect";
+}
+
+TEST(ConversionRun, RefusesWhatIsNoLevelInOneSentence) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "no actor"},
+      {std::string(1000, '\0'), "no actor"},
+      {std::string("\xff\xfe") + "B\0e\0"s, "UTF-16"},
+      {"Begin Actor Class=Brush_0 Archetype=Brush'Engine.Default__Brush'\nEnd Actor", "newer generation"},
+      {"Begin StaticMesh Name=X\nEnd StaticMesh", "static mesh"},
+      {"Begin Actor Class=Tree Name=T\nEnd Actor", "holds no brush"},
+      {"Begin Actor Class=Brush Name=Cut\n Begin Brush\n", ""},
+  };
+  for (const auto& [text, why] : cases) {
+    const TemporaryFolder folder;
+    const Converted converted = ConvertIn(folder, text);
+    if (*why == '\0') continue; // cut off: whatever comes out, it must not crash
+    EXPECT_EQ(converted.Result.Outcome, RunOutcome::Failed);
+    EXPECT_TRUE(Holds(converted.Result.Error, why)) << converted.Result.Error;
+    EXPECT_FALSE(fs::exists(folder.Path() / "level.wrl") || fs::exists(folder.Path() / "level.x3d"));
+  }
+}
+
+TEST(ConversionRun, ReportsFilesThatCannotBeReadOrWritten) {
+  const TemporaryFolder folder;
+  folder.Write("a.t3d", Brush("A", " CsgOper=CSG_Add\n"));
+  fs::create_directories(folder.Path() / "taken.x3d");
+  RunInterface user;
+  MemoryStore store;
+  RunMemory memory;
+  const auto convert = [&](const char* level, const char* scene) {
+    return ConvertFile(folder.Path() / level, folder.Path() / scene, SampleSettings(), store, memory, user);
+  };
+  EXPECT_TRUE(Holds(convert("none.t3d", "a.wrl").Error, "does not exist"));
+  EXPECT_TRUE(Holds(convert("taken.x3d", "a.wrl").Error, "is a folder"));
+  EXPECT_TRUE(Holds(convert("a.t3d", "none/a.wrl").Error, "cannot be written"));
+  EXPECT_TRUE(Holds(convert("a.t3d", "taken.wrl").Error, "cannot be written"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "taken.wrl")) << "refused before any pass";
+}
+
+TEST(LevelCheck, TellsTheGenerationsApart) {
+  EXPECT_TRUE(IsLegacyFormat("Begin Actor"));
+  EXPECT_TRUE(IsLegacyFormat(" Texture=Wall Link=0.5\n Texture=A.B"));
+  EXPECT_FALSE(IsLegacyFormat(" Texture=Pack.Wall\n"));
+  EXPECT_FALSE(IsLegacyFormat(" Texture=Wall\n PhysicsVolume=X"));
+}
+
+} // namespace
+} // namespace quarvel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "core/conversion_run.h"
+#include "core/settings_store.h"
+#include "tests/temporary_folder.h"
+
+#include <sstream>
+#include <string>
+
+namespace quarvel::test {
+
+/// A level's text after a conversion in a folder of its own.
+struct Converted {
+  RunResult Result;
+  std::string Text;     ///< the .wrl or .x3dv
+  std::string Document; ///< the .x3d
+};
+
+inline std::string ReadFile(const std::filesystem::path& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+/// Settings that find the sample textures.
+inline ConversionSettings SampleSettings() {
+  ConversionSettings settings;
+  settings.TextSearchPathTxt = QUARVEL_SAMPLES_DIR "/textures";
+  return settings;
+}
+
+/// Converts `level` to level.wrl (or what the settings make of that name) in `folder`.
+inline Converted ConvertIn(const TemporaryFolder& folder, const std::string& level,
+                           const ConversionSettings& settings = SampleSettings(), RunInterface* user = nullptr) {
+  folder.Write("level.t3d", level);
+  RunInterface silent;
+  MemoryStore store;
+  RunMemory memory;
+  const std::filesystem::path outFile = folder.Path() / "level.wrl";
+  Converted converted;
+  converted.Result =
+      ConvertFile(folder.Path() / "level.t3d", outFile, settings, store, memory, user != nullptr ? *user : silent);
+  const SceneFileNames names = DeriveSceneFileNames(outFile, settings);
+  converted.Text = ReadFile(names.Text);
+  converted.Document = ReadFile(names.Document);
+  return converted;
+}
+
+inline Converted Convert(const std::string& level, const ConversionSettings& settings = SampleSettings(),
+                         RunInterface* user = nullptr) {
+  const TemporaryFolder folder;
+  return ConvertIn(folder, level, settings, user);
+}
+
+} // namespace quarvel::test

@@ -1,0 +1,140 @@
+#include "scene/brush_placement.h"
+#include "tests/core/converted.h"
+#include "tests/scene/scene_readers.h"
+
+#include <array>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+
+namespace quarvel {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Real exports, which are not part of the project.
+class RealLevels : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!fs::exists(folder_)) GTEST_SKIP() << "no levels in " << folder_;
+  }
+
+  std::string Read(const std::string& name) const { return test::ReadFile(folder_ / (name + ".t3d")); }
+
+  const fs::path folder_ = QUARVEL_LEVELS_DIR;
+};
+
+/// The line of each list that the other lacks, as far as a few of them.
+std::string Difference(const std::vector<std::string>& text, const std::vector<std::string>& document) {
+  std::vector<std::string> onlyText, onlyDocument;
+  std::set_difference(text.begin(), text.end(), document.begin(), document.end(), std::back_inserter(onlyText));
+  std::set_difference(document.begin(), document.end(), text.begin(), text.end(), std::back_inserter(onlyDocument));
+  std::string difference;
+  for (std::size_t i = 0; i < std::min<std::size_t>(3, onlyText.size()); ++i)
+    difference += "\n  text     " + onlyText[i].substr(0, 300);
+  for (std::size_t i = 0; i < std::min<std::size_t>(3, onlyDocument.size()); ++i)
+    difference += "\n  document " + onlyDocument[i].substr(0, 300);
+  return difference;
+}
+
+void ExpectGoodScenes(const std::string& level, const ConversionSettings& settings) {
+  const test::Converted converted = test::Convert(level, settings);
+  ASSERT_EQ(converted.Result.Outcome, RunOutcome::Done) << converted.Result.Error;
+  const test::ReadScene text = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
+  EXPECT_EQ(text.Faults, std::vector<std::string>());
+  EXPECT_EQ(document.Faults, std::vector<std::string>());
+  EXPECT_FALSE(text.Nodes.empty());
+  EXPECT_EQ(Difference(test::Describe(text), test::Describe(document)), "");
+}
+
+ConversionSettings ConformingX3D(ConversionSettings settings) {
+  settings.CheckConforming = settings.CheckEnclose = settings.OptionFlux = true;
+  settings.OptionVRML97 = false;
+  return settings;
+}
+
+TEST(SampleLevel, IsTakenByStrictViewers) {
+  const std::string level = test::ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d");
+  ExpectGoodScenes(level, test::SampleSettings());
+  ExpectGoodScenes(level, ConformingX3D(test::SampleSettings()));
+}
+
+TEST_F(RealLevels, AreTakenByStrictViewers) {
+  ConversionSettings settings;
+  settings.TextSearchPathTxt = (folder_ / "textures").string();
+  for (const auto& entry : fs::directory_iterator(folder_)) {
+    const std::string name = entry.path().stem().string();
+    if (entry.path().extension() != ".t3d") continue;
+    SCOPED_TRACE(name);
+    if (name == "utf16-actor" || name == "ue3-terrain-unsupported") {
+      EXPECT_EQ(test::Convert(Read(name)).Result.Outcome, RunOutcome::Failed);
+      continue;
+    }
+    ExpectGoodScenes(Read(name), settings);
+    ExpectGoodScenes(Read(name), ConformingX3D(settings));
+  }
+}
+
+using TurnChange = std::function<void(Rotator3&)>;
+
+/// Brushes that a wrong sign of pitch or roll would put elsewhere.
+bool IsTilted(const Rotator3& rotation) {
+  return std::fmod(rotation.Pitch, 32768) != 0 || std::fmod(rotation.Roll, 32768) != 0;
+}
+
+/// How many corners of tilted brushes meet a corner of another brush within 0.01 units, once every rotation was
+/// changed.
+int CoincidingCorners(const std::string& text, const TurnChange& change) {
+  struct Corner {
+    Vector3 Point;
+    int Brush;
+    bool Tilted;
+  };
+  const LevelText level(text);
+  RunInterface user;
+  NumberCheck check{user};
+  const Matrix4 conversion = MakeConversionMatrix();
+  std::map<std::array<long, 3>, std::vector<Corner>> cells;
+  const auto cellOf = [](const Vector3& p) {
+    return std::array<long, 3>{std::lround(p.X), std::lround(p.Y), std::lround(p.Z)};
+  };
+  TextCursor cursor = 1;
+  BrushRecord brush;
+  for (int number = 0; ReadBrush(level, cursor, "Class=Brush ", brush, check); ++number) {
+    if (brush.CsgOper.empty()) continue; // the builder brush stands on what it made last
+    const bool tilted = IsTilted(brush.Rotation);
+    change(brush.Rotation);
+    const BrushPlacement placement = PlaceBrush(brush, 1, conversion);
+    for (const PolygonRecord& polygon : brush.Polygons)
+      for (const Vector3& vertex : polygon.Vertices) {
+        const Vector3 point = TransformPoint(placement.WorldMatrix, vertex);
+        cells[cellOf(point)].push_back({point, number, tilted});
+      }
+  }
+  int coinciding = 0;
+  for (const auto& [cell, corners] : cells)
+    coinciding += static_cast<int>(std::count_if(corners.begin(), corners.end(), [&](const Corner& corner) {
+      return corner.Tilted && std::any_of(corners.begin(), corners.end(), [&](const Corner& other) {
+               return other.Brush != corner.Brush && VectorLength(SubtractVector(other.Point, corner.Point)) < 0.01;
+             });
+    }));
+  return coinciding;
+}
+
+TEST_F(RealLevels, TiltedBrushesMeetTheirNeighbours) {
+  const auto asIs = [](Rotator3&) {};
+  const auto otherRoll = [](Rotator3& r) { r.Roll = -r.Roll; };
+  const auto otherPitch = [](Rotator3& r) { r.Pitch = -r.Pitch; };
+  const auto otherYaw = [](Rotator3& r) { r.Yaw = -r.Yaw; };
+  const std::string rolled = Read("ut99-DM-Liandri"), pitched = Read("ue1-WheelOfTime-crlf");
+  EXPECT_GE(CoincidingCorners(rolled, asIs), 170);
+  EXPECT_LE(CoincidingCorners(rolled, otherRoll), 30);
+  EXPECT_LE(CoincidingCorners(rolled, otherPitch), 140);
+  EXPECT_GE(CoincidingCorners(pitched, asIs), 24);
+  EXPECT_EQ(CoincidingCorners(pitched, otherPitch), 0);
+  EXPECT_EQ(CoincidingCorners(pitched, otherYaw), 0);
+}
+
+} // namespace
+} // namespace quarvel

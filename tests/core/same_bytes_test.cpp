@@ -1,0 +1,50 @@
+#include "core/ini_store.h"
+#include "core/settings_file.h"
+#include "tests/core/converted.h"
+#include "tests/german_locale.h"
+
+#include <gtest/gtest.h>
+
+namespace quarvel {
+namespace {
+
+const std::string sample = test::ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d");
+
+/// Every option away from its default that makes numbers of its own.
+ConversionSettings ManyNumbers() {
+  ConversionSettings settings = test::SampleSettings();
+  settings.TextScale = {"0.0137", 0.0137};
+  settings.TextCreaseAngle = {"22.5", 22.5};
+  settings.CheckCreaseAngle = settings.CheckOutputStaticLights = settings.CheckOutputFlyThru = true;
+  return settings;
+}
+
+/// Whether two conversions wrote the same; the sample is too long to be printed.
+bool AreSame(const test::Converted& a, const test::Converted& b) {
+  return !a.Text.empty() && a.Text == b.Text && !a.Document.empty() && a.Document == b.Document;
+}
+
+TEST(SameBytes, ConvertingTwice) {
+  EXPECT_TRUE(AreSame(test::Convert(sample, ManyNumbers()), test::Convert(sample, ManyNumbers())));
+}
+
+TEST(SameBytes, UnderAGermanLocale) {
+  const test::Converted before = test::Convert(sample, ManyNumbers());
+  const GermanLocale german;
+  if (!german.IsSet()) GTEST_SKIP() << "no German locale here";
+  EXPECT_TRUE(AreSame(before, test::Convert(sample, ManyNumbers())));
+}
+
+TEST(SameBytes, WithTheSettingsSavedAndLoadedInBetween) {
+  const TemporaryFolder folder;
+  IniStore store(folder.Path() / "Quarvel.ini");
+  ASSERT_EQ(SaveSettings(ManyNumbers(), store), "");
+  IniStore again(folder.Path() / "Quarvel.ini");
+  ASSERT_EQ(again.Load(), "");
+  ConversionSettings loaded;
+  LoadSettings(loaded, again);
+  EXPECT_TRUE(AreSame(test::Convert(sample, ManyNumbers()), test::Convert(sample, loaded)));
+}
+
+} // namespace
+} // namespace quarvel

@@ -1,0 +1,292 @@
+#include "app/cli/command_line.h"
+#include "app/desktop/folder_chooser.h"
+#include "tests/desktop/form_test.h"
+
+#include <QClipboard>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QTreeWidget>
+#include <map>
+#include <sstream>
+
+namespace quarvel {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FormRun : public FormTest {
+ protected:
+  void SetUp() override {
+    FormTest::SetUp();
+    CopySamples();
+    fs::create_directory(folder_.Path() / "out");
+    UseSampleLibraries();
+  }
+
+  void UseSampleLibraries() {
+    SetLine("TextSearchPathTxt", Name("textures"));
+    SetLine("TextSearchPathSnd", Name("sounds"));
+    SetLine("TextSearchPathMesh", Name("meshes"));
+  }
+
+  void UseHarbour() {
+    SetInput(Name("harbour.t3d"));
+    SetLine("TextOutFileName", Name("out/harbour.wrl"));
+  }
+
+  /// Every file below a folder, by its relative name.
+  std::map<std::string, std::string> FilesBelow(const std::string& name) const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder_.Path() / name))
+      if (entry.is_regular_file()) {
+        const fs::path relative = fs::relative(entry.path(), folder_.Path());
+        files[fs::relative(entry.path(), folder_.Path() / name).string()] = folder_.Read(relative);
+      }
+    return files;
+  }
+
+  /// Converts the window's input with the command line and the settings that the window has saved, and compares the
+  /// files.
+  void ExpectCommandLinesBytes(const std::string& input) {
+    const std::map<std::string, std::string> windows = FilesBelow("out");
+    EXPECT_GE(windows.size(), 2u);
+    fs::rename(folder_.Path() / "out", folder_.Path() / "window");
+    fs::create_directory(folder_.Path() / "out");
+    const std::string settings = Name("Quarvel.ini").toStdString(), output = Name("out/harbour.wrl").toStdString();
+    const char* arguments[] = {"quarvel", "--settings", settings.c_str(), input.c_str(), output.c_str()};
+    std::ostringstream said;
+    EXPECT_EQ(RunCommandLine(5, arguments, {said, said, false, {}}), ExitCode::Done) << said.str();
+    const std::map<std::string, std::string> commandLines = FilesBelow("out");
+    EXPECT_EQ(windows.size(), commandLines.size());
+    for (const auto& [name, bytes] : windows)
+      EXPECT_TRUE(commandLines.contains(name) && commandLines.at(name) == bytes) << name << " differs";
+  }
+};
+
+TEST_F(FormRun, ADroppedLevelIsConvertedAsTheCommandLineDoes) {
+  EXPECT_TRUE(Drop(Find<QLineEdit>("TextTeleHtOff"), {Name("harbour.t3d")}));
+  EXPECT_EQ(Find<QComboBox>("ComboInFileName")->currentText(), Name("harbour.t3d"));
+  EXPECT_EQ(Find<QLineEdit>("TextOutFileName")->text(), Name("harbour.wrl"));
+  SetLine("TextOutFileName", Name("out/harbour.wrl"));
+  Convert();
+  ASSERT_EQ(form_->Results().size(), 1u);
+  const RunResult& result = form_->Results().front();
+  EXPECT_EQ(result.Outcome, RunOutcome::Done) << result.Error;
+  EXPECT_EQ(TextOf("LabelPos"), "Done");
+  EXPECT_TRUE(TextOf("LabelProgress").startsWith(QStringLiteral("Box: "))) << TextOf("LabelProgress").toStdString();
+  EXPECT_EQ(TextOf("LabelUniqueMaterials"), QStringLiteral("Unique Materials: %1").arg(result.UniqueMaterials));
+  CloseDialogs();
+  ExpectCommandLinesBytes(Name("harbour.t3d").toStdString());
+}
+
+TEST_F(FormRun, OtherOptionsGiveTheCommandLinesBytesToo) {
+  UseHarbour();
+  for (const char* name : {"OptionFlux", "OptionIFSs", "CheckConforming", "CheckXMLtoo", "CheckMakePreloadScript",
+                           "CheckOutputFlyThru", "CheckMakeDefaultViewpoint", "CheckEnclose"})
+    Click(name);
+  Click("CommandDestinationTexture");
+  QDialog* dialog = Dialog("FormDestinationTexture");
+  ASSERT_NE(dialog, nullptr);
+  Find<QComboBox>("TextureDestPathBehavior", dialog)->setCurrentIndex(1);
+  dialog->accept();
+  Convert();
+  CloseDialogs();
+  ExpectCommandLinesBytes(Name("harbour.t3d").toStdString());
+}
+
+TEST_F(FormRun, ARealLevelGivesTheCommandLinesBytesEvenAfterAPause) {
+  const fs::path level = fs::path(QUARVEL_LEVELS_DIR) / "ut99-DM-Liandri.t3d";
+  if (!fs::exists(level)) GTEST_SKIP() << "there is no " << level;
+  SetInput(ToQString(level));
+  SetLine("TextOutFileName", Name("out/harbour.wrl"));
+  ConvertAnd([&] {
+    Click("CommandPause");
+    QTimer::singleShot(50, [&] { Click("CommandPause"); });
+  });
+  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done);
+  CloseDialogs();
+  ExpectCommandLinesBytes(level.string());
+}
+
+TEST_F(FormRun, PausesAtABrushAndGoesOn) {
+  UseHarbour();
+  QString shown;
+  bool optionsLocked = false, wentInto = false;
+  ConvertAnd([&] {
+    Click("CommandPause");
+    QTimer::singleShot(120, [&] {
+      shown = TextOf("LabelProgress");
+      optionsLocked = !Find<QWidget>("CheckFog")->isEnabled() && !Find<QPushButton>("CommandGo")->isEnabled();
+      EXPECT_FALSE(Drop(form_.get(), {Name("terrace.t3d")})) << "a drop changes the input of a run";
+      form_->Go();
+      wentInto = !form_->Results().empty();
+      Click("CommandPause");
+    });
+  });
+  EXPECT_EQ(shown, "Paused");
+  EXPECT_TRUE(optionsLocked);
+  EXPECT_FALSE(wentInto) << "a run began within a run";
+  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done);
+  EXPECT_TRUE(Find<QPushButton>("CommandGo")->isEnabled());
+  CloseDialogs();
+}
+
+TEST_F(FormRun, StopsAndCanConvertAgain) {
+  UseHarbour();
+  ConvertAnd([&] {
+    Click("CommandPause");
+    QTimer::singleShot(20, [&] { QTest::keyClick(form_.get(), Qt::Key_Escape); });
+  });
+  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Stopped);
+  EXPECT_EQ(TextOf("LabelPos"), "Stopped");
+  EXPECT_FALSE(fs::exists(folder_.Path() / "out" / "harbour.x3d"));
+  EXPECT_TRUE(form_->isVisible());
+  QTest::keyClick(form_.get(), Qt::Key_F5);
+  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done);
+  CloseDialogs();
+}
+
+TEST_F(FormRun, ClosingTheWindowEndsTheRunFirst) {
+  UseHarbour();
+  bool closedAtOnce = true;
+  ConvertAnd([&] {
+    Click("CommandPause");
+    QTimer::singleShot(20, [&] { closedAtOnce = form_->close(); });
+  });
+  EXPECT_FALSE(closedAtOnce);
+  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Stopped);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  QApplication::processEvents();
+  EXPECT_FALSE(form_->isVisible());
+}
+
+TEST_F(FormRun, AFolderIsABatchWithARowForEachFile) {
+  folder_.Write("maps/a/broken.t3d", "no level\r\n");
+  fs::copy(folder_.Path() / "harbour.t3d", folder_.Path() / "maps" / "b harbour.t3d");
+  fs::copy(folder_.Path() / "harbour.t3d", folder_.Path() / "maps" / "c.t3d");
+  SetLine("TextOutFileName", Name("out/"));
+  EXPECT_TRUE(Drop(form_.get(), {Name("maps")}));
+  Convert();
+  auto* rows = Find<QTreeWidget>("ListBatch");
+  EXPECT_TRUE(rows->isVisible());
+  ASSERT_EQ(rows->topLevelItemCount(), 3);
+  EXPECT_TRUE(rows->topLevelItem(0)->text(1).contains(QStringLiteral("broken.t3d")));
+  EXPECT_EQ(rows->topLevelItem(1)->text(1), "Done");
+  EXPECT_EQ(rows->topLevelItem(2)->text(3), "1") << "missing files";
+  EXPECT_EQ(TextOf("LabelProgress"), "2 of 3 files converted");
+  EXPECT_EQ(Find<QLineEdit>("TextOutFileName")->text(), Name("out/")) << "the output of the last file stays";
+  EXPECT_TRUE(fs::exists(folder_.Path() / "out" / "b harbour.x3d"));
+  QDialog* missing = Dialog("FormMissing");
+  ASSERT_NE(missing, nullptr);
+  auto* names = Find<QTreeWidget>("ListMissing", missing);
+  EXPECT_EQ(names->topLevelItem(0)->child(0)->text(1), "b harbour.t3d, c.t3d");
+  CloseDialogs();
+  rows->setCurrentItem(rows->topLevelItem(0));
+  EXPECT_FALSE(Find<QPushButton>("CommandOpenScene")->isEnabled());
+  EXPECT_TRUE(Find<QPushButton>("CommandReport")->isEnabled());
+}
+
+TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
+  UseHarbour();
+  SetLine("TextSearchPathSnd", Name("textures"));
+  Convert();
+  QDialog* dialog = Dialog("FormMissing");
+  ASSERT_NE(dialog, nullptr);
+  EXPECT_TRUE(
+      Find<QLabel>("LabelMessages", dialog)->text().contains(QStringLiteral("There were missing sounds. Please see ")));
+  auto* list = Find<QTreeWidget>("ListMissing", dialog);
+  ASSERT_EQ(list->topLevelItemCount(), 2);
+  Click("CommandCopy", dialog);
+  list->setCurrentItem(list->topLevelItem(1)->child(0));
+  Click("CommandOpenList", dialog);
+  EXPECT_EQ(desktop_.Opened, QStringList{Name("out/harbourMissingSounds.txt")});
+  const std::size_t missed = form_->Results().front().MissingSounds.size();
+  EXPECT_TRUE(QApplication::clipboard()->text().contains(ToQString(form_->Results().front().MissingSounds.back())));
+
+  Click("CommandSearch", dialog);
+  auto* chooser = qobject_cast<FolderChooser*>(Dialog("FormFolders"));
+  ASSERT_NE(chooser, nullptr);
+  EXPECT_EQ(chooser->Folders(), QStringList{Name("textures")});
+  chooser->AddFolders({Name("sounds")});
+  chooser->accept();
+  QApplication::processEvents();
+  EXPECT_EQ(Find<QLineEdit>("TextSearchPathSnd")->text(), Name("textures") + u';' + Name("sounds"));
+  EXPECT_LT(form_->Results().front().MissingSounds.size(), missed) << "not converted again";
+  CloseDialogs();
+}
+
+TEST_F(FormRun, TheTextInMemoryIsConvertedAgainUnlessTheInputChanges) {
+  auto* reload = Find<QAbstractButton>("CheckRescanFile");
+  UseHarbour();
+  Convert();
+  CloseDialogs();
+  const std::string before = folder_.Read("out/harbour.wrl");
+  folder_.Write("harbour.t3d", folder_.Read("terrace.t3d"));
+  ASSERT_TRUE(reload->isEnabled());
+  reload->click();
+  Convert();
+  CloseDialogs();
+  EXPECT_EQ(folder_.Read("out/harbour.wrl"), before);
+  SetInput(Name("terrace.t3d"));
+  EXPECT_TRUE(reload->isChecked());
+  EXPECT_EQ(Find<QLineEdit>("TextOutFileName")->text(), Name("out/terrace.wrl")) << "the user's folder is lost";
+  Convert();
+  CloseDialogs();
+  EXPECT_NE(folder_.Read("out/terrace.wrl"), before);
+}
+
+TEST_F(FormRun, ThePreloadScriptCanBeCopiedAndSaved) {
+  UseHarbour();
+  Click("CheckMakePreloadScript");
+  Convert();
+  Dialog("FormMissing")->reject();
+  QDialog* dialog = Dialog("FormPreload");
+  ASSERT_NE(dialog, nullptr) << "the dialogs do not follow each other";
+  Click("CommandCopy", dialog);
+  EXPECT_EQ(QApplication::clipboard()->text().toStdString(), form_->Results().front().PreloadScript);
+  desktop_.FileToSave = Name("page.js");
+  Click("CommandSave", dialog);
+  EXPECT_EQ(folder_.Read("page.js"), form_->Results().front().PreloadScript);
+  CloseDialogs();
+}
+
+TEST_F(FormRun, TheReportNamesActorsAndTheSceneCanBeOpened) {
+  UseHarbour();
+  Convert();
+  CloseDialogs();
+  QString actor;
+  for (const Finding& finding : form_->Results().front().Findings.Findings())
+    if (!finding.Actor.empty()) actor = ToQString(finding.Actor);
+  ASSERT_FALSE(actor.isEmpty());
+  Click("CommandReport");
+  QDialog* dialog = Dialog("FormReport");
+  ASSERT_NE(dialog, nullptr);
+  auto* list = Find<QTreeWidget>("ListReport", dialog);
+  EXPECT_FALSE(list->findItems(actor, Qt::MatchExactly | Qt::MatchRecursive).isEmpty());
+  Find<QLineEdit>("TextFilter", dialog)->setText(actor.toLower());
+  EXPECT_TRUE(list->topLevelItem(0)->isHidden());
+  Click("CommandCopy", dialog);
+  EXPECT_TRUE(QApplication::clipboard()->text().contains(QStringLiteral("box: ")));
+  CloseDialogs();
+
+  Click("CommandOpenFolder");
+  Click("CommandOpenScene");
+  EXPECT_EQ(desktop_.Opened, (QStringList{Name("out"), Name("out/harbour.wrl")}));
+  desktop_.CanOpen = false;
+  Click("CommandOpenScene");
+  EXPECT_NE(Dialog("FormMessage"), nullptr) << "nothing tells that there is no viewer";
+  CloseDialogs();
+}
+
+TEST_F(FormRun, WhatCannotBeConvertedIsToldInABox) {
+  Convert();
+  EXPECT_EQ(TextOf("LabelPos"), "No level");
+  SetInput(Name("none.t3d"));
+  Convert();
+  EXPECT_NE(Dialog("FormMessage"), nullptr);
+  EXPECT_TRUE(TextOf("LabelProgress").endsWith(QStringLiteral("none.t3d does not exist")));
+  CloseDialogs();
+}
+
+} // namespace
+} // namespace quarvel

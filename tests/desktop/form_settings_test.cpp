@@ -1,0 +1,187 @@
+#include "app/desktop/page_layout.h"
+#include "app/desktop/settings_location.h"
+#include "core/option_values.h"
+#include "core/settings_file.h"
+#include "tests/desktop/form_test.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QMessageBox>
+#include <algorithm>
+
+namespace quarvel {
+namespace {
+
+/// A value that is not the option's default.
+std::string OtherText(const OptionInfo& option) {
+  const std::string usual = DefaultText(option);
+  switch (option.Kind) {
+  case OptionKind::CheckBox:
+    return usual == "0" ? "1" : "0";
+  case OptionKind::OptionButton:
+    return "-1";
+  case OptionKind::List:
+    return std::string(option.Items.back());
+  case OptionKind::Number:
+    return option.Range.Whole ? "7" : option.Range.Most < 1 ? "0.25" : option.Range.Most == 1 ? ".5" : "0.50";
+  case OptionKind::Integer:
+    return option.Range.Most < 100 ? "2" : "800";
+  case OptionKind::Text:
+    break;
+  }
+  return "some; text";
+}
+
+bool HasControl(const OptionInfo& option) { return option.Tab != OptionTab::None; }
+
+class FormSettings : public FormTest {
+ protected:
+  /// Does with the mouse and keyboard's means what sets the option, and what has to be on for it first.
+  void Operate(const OptionInfo& option, const std::string& value, QWidget* window) {
+    if (const OptionInfo* master = FindOption(option.DependsOn)) {
+      if (auto* button = window->findChild<QAbstractButton*>(ToQString(master->Control));
+          button && !button->isChecked())
+        Operate(*master, master->Kind == OptionKind::CheckBox ? "1" : "-1", window);
+    }
+    auto* widget = Find<QWidget>(option.Control, window);
+    ASSERT_TRUE(widget->isEnabled());
+    if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+      if (button->isChecked() != (value != "0")) button->click();
+    } else if (auto* list = qobject_cast<QComboBox*>(widget); list && !list->isEditable()) {
+      list->setCurrentIndex(option.Kind == OptionKind::Integer ? std::stoi(value) : list->findText(ToQString(value)));
+    } else {
+      auto* line = list ? list->lineEdit() : qobject_cast<QLineEdit*>(widget);
+      line->selectAll();
+      QTest::keyClicks(line, ToQString(value));
+    }
+  }
+
+  void OperateInDialog(const OptionInfo& option, const std::string& value) {
+    const std::string kind = option.Control.substr(0, option.Control.find_first_of("DU"));
+    Click("CommandDestination" + kind);
+    QDialog* dialog = Dialog(("FormDestination" + kind).c_str());
+    ASSERT_NE(dialog, nullptr);
+    Operate(option, value, dialog);
+    dialog->accept();
+    QApplication::processEvents();
+  }
+};
+
+TEST_F(FormSettings, EveryOptionCanBeReachedAndIsExplained) {
+  for (const OptionInfo& option : OptionTable()) {
+    if (!HasControl(option) || IsDestinationOption(option)) continue;
+    const auto* widget = Find<QWidget>(option.Control);
+    ASSERT_NE(widget, nullptr);
+    EXPECT_EQ(widget->toolTip().toStdString(), option.Help);
+    EXPECT_FALSE(option.Caption.empty()) << option.Control;
+  }
+  for (const PageSection& section : PageSections())
+    EXPECT_NE(section.Title, "More") << section.Controls.front() << " has no place of its own";
+}
+
+TEST_F(FormSettings, WhatIsSetInTheFormArrivesInTheRunsSettings) {
+  for (const OptionInfo& option : OptionTable()) {
+    if (!HasControl(option)) continue;
+    SCOPED_TRACE(option.Control);
+    form_->ShowSettings({});
+    ConversionSettings expected = form_->FormSettings();
+    ASSERT_EQ(SetOption(option, OtherText(option), expected), "");
+    if (IsDestinationOption(option))
+      OperateInDialog(option, OtherText(option));
+    else if (option.Control == "CheckRescanFile")
+      continue; // needs a level in memory
+    else
+      Operate(option, OtherText(option), form_.get());
+    EXPECT_EQ(OptionText(option, form_->FormSettings()), OptionText(option, expected));
+  }
+}
+
+TEST_F(FormSettings, EverySettingOfTheFileIsShownAndSavedByARun) {
+  ConversionSettings settings;
+  for (const OptionInfo& option : OptionTable())
+    ASSERT_EQ(SetOption(option, OtherText(option), settings), "") << option.Control;
+  settings.ComboInFileName = Name("none.t3d").toStdString();
+  settings.TextOutFileName = Name("none.wrl").toStdString();
+  settings.SSTabPrefs = 4;
+  IniStore store(folder_.Path() / "Quarvel.ini");
+  ASSERT_EQ(SaveSettings(settings, store), "");
+
+  form_ = std::make_unique<FormMain>(Name("Quarvel.ini"), desktop_);
+  const auto check = [&](const ConversionSettings& actual) {
+    for (const OptionInfo& option : OptionTable()) {
+      const bool isKept = option.Place != OptionPlace::Nowhere;
+      if (!isKept || option.Control == "FormWidth" || option.Control == "FormHeight")
+        continue; // the screen limits them
+      EXPECT_EQ(OptionText(option, actual), OptionText(option, settings)) << option.Control;
+    }
+  };
+  check(form_->FormSettings());
+  Convert();
+  CloseDialogs();
+  IniStore saved(folder_.Path() / "Quarvel.ini");
+  ASSERT_EQ(saved.Load(), "");
+  ConversionSettings read;
+  LoadSettings(read, saved);
+  check(read);
+}
+
+TEST_F(FormSettings, WhatAnOptionDependsOnDecidesWhetherItCanBeChanged) {
+  const auto enabled = [&](const char* name) { return Find<QWidget>(name)->isEnabledTo(form_.get()); };
+  Find<QCheckBox>("CheckDoSounds")->setChecked(false);
+  EXPECT_FALSE(enabled("TextSoundRadiusScale"));
+  EXPECT_FALSE(enabled("TextSearchPathSnd"));
+  EXPECT_FALSE(enabled("CommandFoldersSound"));
+  Find<QCheckBox>("CheckMakeDefaultViewpoint")->setChecked(true);
+  EXPECT_FALSE(enabled("TextVProxSizeX"));
+  Click("OptionDefViewAsProxSensor");
+  Click("OptionDefViewPSSize");
+  EXPECT_TRUE(enabled("TextVProxSizeX"));
+  SetLine("TextVProxSizeX", QStringLiteral("-1"));
+  Find<QCheckBox>("CheckMakeDefaultViewpoint")->setChecked(false);
+  EXPECT_FALSE(enabled("TextVProxSizeX"));
+  EXPECT_EQ(Find<QLineEdit>("TextVProxSizeX")->text(), "1000000") << "a wrong number cannot be put right any more";
+  EXPECT_FALSE(enabled("CheckRescanFile")) << "there is no text in memory";
+}
+
+TEST_F(FormSettings, AWrongNumberKeepsTheRunFromStarting) {
+  SetInput(Name("none.t3d"));
+  SetLine("TextTeleHtOff", QStringLiteral("12,5"));
+  Convert();
+  EXPECT_TRUE(form_->Results().empty());
+  EXPECT_EQ(TextOf("LabelProgress"), "Extra teleporter height must be a number");
+  EXPECT_TRUE(Find<QLineEdit>("TextTeleHtOff")->isVisible()) << "its page is not shown";
+  SetLine("TextTeleHtOff", QStringLiteral("12.5"));
+  Convert();
+  EXPECT_EQ(form_->Results().size(), 1u);
+  CloseDialogs();
+}
+
+TEST_F(FormSettings, TheWindowComesBackAsItWasLeft) {
+  SetInput(Name("a.t3d"));
+  Convert();
+  CloseDialogs();
+  Find<QTabWidget>("SSTabPrefs")->setCurrentIndex(3);
+  Find<QCheckBox>("CheckFog")->setChecked(false);
+  form_->resize(790, 660);
+  OpenForm();
+  EXPECT_EQ(Find<QTabWidget>("SSTabPrefs")->currentIndex(), 3);
+  EXPECT_EQ(form_->size(), QSize(790, 660));
+  EXPECT_TRUE(Find<QCheckBox>("CheckFog")->isChecked()) << "the file holds the options of the last run";
+  EXPECT_EQ(Find<QComboBox>("ComboInFileName")->count(), 1);
+  SetInput(Name("A.T3D"));
+  Convert();
+  CloseDialogs();
+  EXPECT_EQ(Find<QComboBox>("ComboInFileName")->count(), 1) << "the same file, but for letter case";
+}
+
+TEST(SettingsLocation, IsTheProgramsFolderWhereThatCanBeWritten) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(SettingsLocation(ToQString(folder.Path())), ToQString(folder.Path() / "Quarvel.ini"));
+  qputenv("XDG_CONFIG_HOME", folder.Path().c_str());
+  EXPECT_EQ(SettingsLocation(ToQString(folder.Path() / "none")), ToQString(folder.Path() / "quarvel" / "Quarvel.ini"));
+  EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "quarvel"));
+  qunsetenv("XDG_CONFIG_HOME");
+}
+
+} // namespace
+} // namespace quarvel

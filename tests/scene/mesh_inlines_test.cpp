@@ -1,0 +1,92 @@
+#include "scene/mesh_inlines.h"
+#include "tests/scene/scene_fixture.h"
+
+#include <gtest/gtest.h>
+
+namespace quarvel::test {
+namespace {
+
+class MeshInlinesTest : public SceneFixture {
+ protected:
+  StaticMeshRecord Actor(const std::string& name) {
+    StaticMeshRecord actor;
+    actor.Header.Name = name;
+    return actor;
+  }
+  /// Places one actor for each mesh.
+  void Place(std::initializer_list<const char*> meshes) {
+    Begin();
+    MeshInliner inliner(*scene_, *resources_, settings_);
+    int number = 0;
+    for (const char* mesh : meshes)
+      inliner.WritePlacedMesh(Actor("Actor" + std::to_string(number++)), mesh);
+  }
+};
+
+TEST_F(MeshInlinesTest, AMeshIsDefinedOnceAndUsedAfterwards) {
+  folder_.Write("lib/Props/Urn.wrl", "");
+  folder_.Write("lib/Props/Urn.x3d", "");
+  folder_.Write("lib/Other/Urn.wrl", "other");
+  Place({"Props.Urn", "StaticMesh'props.urn'", "Other.Urn", "Props.Urn"});
+  const std::string text = Text();
+  EXPECT_NE(text.find("    DEF MSH_Urn Inline {\n      url \"Urn.wrl\"\n    }\n"), text.npos);
+  EXPECT_EQ(CountOf(text, "DEF MSH_Urn Inline"), 1U);
+  EXPECT_EQ(CountOf(text, "USE MSH_Urn\n"), 2U);
+  EXPECT_EQ(CountOf(text, "DEF MSH_Urn_2 Inline"), 1U) << "a mesh of the same name in another package";
+  EXPECT_STREQ(Element("//Inline[@DEF='MSH_Urn']").attribute("url").value(), "Urn.x3d");
+  EXPECT_EQ(CountElements("//Transform/Inline[@USE='MSH_Urn']"), 2U);
+}
+
+TEST_F(MeshInlinesTest, EachSceneFallsBackToTheOtherType) {
+  folder_.Write("lib/Old.wrl", "");
+  folder_.Write("lib/New.x3d", "");
+  Place({"Old", "New"});
+  EXPECT_EQ(CountOf(Text(), "url \"New.x3d\""), 1U);
+  EXPECT_STREQ(Element("//Inline[@DEF='MSH_Old']").attribute("url").value(), "Old.wrl");
+}
+
+TEST_F(MeshInlinesTest, AMissingMeshLeavesTheTransformEmpty) {
+  Place({"Props.Gone"});
+  EXPECT_EQ(CountOf(Text(), "Inline"), 0U);
+  EXPECT_TRUE(Element("//Transform[@DEF='MSHT_Actor0'][not(*)]"));
+  EXPECT_EQ(resources_->MissingMeshes(), std::vector<std::string>{"Props.Gone"});
+}
+
+TEST_F(MeshInlinesTest, ReversedFilesAreTakenOnlyWhenFacesAreNotReversed) {
+  folder_.Write("lib/Urn.wrl", "");
+  folder_.Write("lib/Urn-.wrl", "-");
+  settings_.CheckMeshAppendCCW = true;
+  Place({"Urn"});
+  EXPECT_EQ(CountOf(Text(), "DEF MSH_Urn Inline {\n      url \"Urn-.wrl\""), 1U);
+  settings_.CheckCCW = true;
+  Place({"Urn"});
+  EXPECT_EQ(CountOf(Text(), "url \"Urn.wrl\""), 1U);
+}
+
+TEST_F(MeshInlinesTest, ScalesAreInSceneAxesAndKeepTheirSigns) {
+  folder_.Write("lib/Urn.wrl", "");
+  settings_.TextScale = {"0.5", 0.5};
+  settings_.TextMeshScale = {"2", 2};
+  Begin();
+  MeshInliner inliner(*scene_, *resources_, settings_);
+  StaticMeshRecord actor = Actor("A");
+  actor.Location = {10, 20, 30};
+  actor.Rotation.Yaw = 16384;
+  actor.DrawScale3D = {1, -2, 3};
+  actor.DrawScale = 0.5;
+  inliner.WritePlacedMesh(actor, "Urn");
+  const pugi::xml_node transform = Element("//Transform");
+  EXPECT_STREQ(transform.attribute("translation").value(), "5 15.0 10.0");
+  EXPECT_STREQ(transform.attribute("scale").value(), "1 3 -2");
+  EXPECT_STREQ(transform.attribute("rotation").value(), "0 -1 0.0 1.570796");
+
+  BrushRecord mover;
+  mover.StaticMesh = "StaticMesh'Pkg.Urn'";
+  mover.DrawScale = 1.5;
+  inliner.WriteMoverMesh(mover, scene_->Group.append_child("Transform"));
+  EXPECT_TRUE(Element("//Group/Transform[2]/Transform[@scale='3 3 3']/Inline[@USE]"))
+      << "the mover itself stays unscaled";
+}
+
+} // namespace
+} // namespace quarvel::test

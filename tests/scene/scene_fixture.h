@@ -1,0 +1,75 @@
+#pragma once
+
+#include "core/conversion_settings.h"
+#include "resources/resource_files.h"
+#include "scene/brush_geometry.h"
+#include "tests/resources/made_images.h"
+#include "tests/temporary_folder.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+namespace quarvel::test {
+
+/// A scene that converters can write into, in a folder of its own.
+class SceneFixture : public testing::Test {
+ protected:
+  SceneFixture() {
+    settings_.TextSearchPathTxt = settings_.TextSearchPathMesh = folder_.Path().string() + "/lib";
+    folder_.Write("lib/readme.txt", "");
+    folder_.Write("out/readme.txt", "");
+  }
+
+  /// Begins the scene, with the settings as they are by then.
+  void Begin(TextEncoding encoding = TextEncoding::Vrml97, bool conforming = false) {
+    const auto out = folder_.Path() / "out/level.wrl";
+    scene_ = std::make_unique<SceneWriter>(encoding, conforming);
+    scene_->Scene = scene_->SceneDocument.append_child("X3D").append_child("Scene");
+    scene_->Group = scene_->Scene.append_child("Group");
+    file_ = std::make_unique<TextFile>(out, TextCoding::AsIs);
+    resources_ = std::make_unique<ResourceFiles>(settings_, folder_.Path() / "level.t3d", out, report_);
+    materials_ = std::make_unique<MaterialWriter>(*scene_, *resources_, settings_, "1 1 1");
+    geometry_ =
+        std::make_unique<GeometryContext>(GeometryContext{*scene_, *file_, *materials_, settings_, user_, report_});
+  }
+
+  void WriteImage(const std::string& name, const Blob& content) {
+    folder_.Write("lib/" + name, std::string(content.begin(), content.end()));
+  }
+
+  /// All text written so far, without carriage returns.
+  std::string Text() {
+    scene_->Flush(*file_);
+    file_->Flush();
+    std::string text = folder_.Read("out/level.wrl");
+    std::erase(text, '\r');
+    return text;
+  }
+
+  pugi::xml_node Element(const std::string& path) const {
+    return scene_->SceneDocument.select_node(path.c_str()).node();
+  }
+  std::size_t CountElements(const std::string& path) const {
+    return scene_->SceneDocument.select_nodes(path.c_str()).size();
+  }
+
+  TemporaryFolder folder_;
+  ConversionSettings settings_;
+  Report report_;
+  RunInterface user_;
+  std::unique_ptr<SceneWriter> scene_;
+  std::unique_ptr<TextFile> file_;
+  std::unique_ptr<ResourceFiles> resources_;
+  std::unique_ptr<MaterialWriter> materials_;
+  std::unique_ptr<GeometryContext> geometry_;
+};
+
+inline std::size_t CountOf(const std::string& text, const std::string& what) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1))
+    ++count;
+  return count;
+}
+
+} // namespace quarvel::test
