@@ -2,12 +2,12 @@
 
 #include "actors/scene_part.h"
 #include "actors/trigger_list.h"
-#include "core/conversion_settings.h"
-#include "core/report.h"
-#include "core/run_interface.h"
+#include "base/report.h"
+#include "base/run_interface.h"
 #include "resources/resource_files.h"
 #include "scene/materials.h"
 #include "scene/node_writer.h"
+#include "settings/conversion_settings.h"
 
 #include <map>
 #include <string>

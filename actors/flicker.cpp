@@ -1,7 +1,7 @@
 #include "actors/flicker.h"
 
 #include "actors/script_writer.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 
 namespace quarvel {
 

@@ -1,6 +1,6 @@
 #include "actors/flights.h"
 
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 #include "math/path_smoothing.h"
 
 #include <algorithm>

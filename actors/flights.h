@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actors/mover_animation.h"
-#include "core/report.h"
+#include "base/report.h"
 #include "t3d/camera_records.h"
 
 #include <array>

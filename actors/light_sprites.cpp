@@ -1,8 +1,8 @@
 #include "actors/light_sprites.h"
 
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
+#include "base/file_name.h"
 #include "math/number_text.h"
-#include "resources/file_name.h"
 #include "t3d/brush_record.h"
 
 namespace quarvel {

@@ -4,7 +4,7 @@
 #include "actors/light_sprites.h"
 #include "actors/sounds.h"
 #include "actors/triggers.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 #include "math/color_math.h"
 #include "math/number_text.h"
 #include "math/rotation.h"

@@ -1,7 +1,7 @@
 #include "actors/movers.h"
 
 #include "actors/triggers.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 
 #include <algorithm>
 #include <cmath>

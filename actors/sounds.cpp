@@ -1,9 +1,9 @@
 #include "actors/sounds.h"
 
 #include "actors/triggers.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
+#include "base/file_name.h"
 #include "math/number_text.h"
-#include "resources/file_name.h"
 
 #include <algorithm>
 

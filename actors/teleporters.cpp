@@ -3,7 +3,7 @@
 #include "actors/script_writer.h"
 #include "actors/triggers.h"
 #include "actors/viewpoints.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 #include "math/rotation.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "actors/trigger_list.h"
 
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/report.h"
+#include "base/report.h"
 #include "math/vector.h"
 #include "t3d/trigger_records.h"
 

@@ -1,7 +1,7 @@
 #include "actors/viewpoints.h"
 
 #include "actors/script_writer.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 #include "math/number_text.h"
 #include "math/rotation.h"
 

@@ -3,7 +3,7 @@
 
 #include "bench/made_level.h"
 #include "core/conversion_run.h"
-#include "core/settings_store.h"
+#include "settings/settings_store.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

@@ -20,3 +20,16 @@ if(QUARVEL_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 endif()
+
+# quarvel_precompile(TARGET OWNER [HEADER...]) precompiles for TARGET the headers that most files include: OWNER builds them
+# once for itself and all who name it. CI also builds without, so that a file that leans on another's includes is found.
+function(quarvel_precompile target owner)
+  if(NOT QUARVEL_PRECOMPILE)
+    return()
+  elseif(target STREQUAL owner)
+    target_precompile_headers(${target} PRIVATE <algorithm> <array> <cmath> <filesystem> <fstream> <functional> <map>
+      <memory> <optional> <set> <sstream> <string> <string_view> <vector> ${ARGN})
+  else()
+    target_precompile_headers(${target} REUSE_FROM ${owner})
+  endif()
+endfunction()

@@ -1,6 +1,6 @@
 #include "core/batch.h"
 
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 
 #include <algorithm>
 #include <map>

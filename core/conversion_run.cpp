@@ -5,7 +5,6 @@
 #include "core/run_passes.h"
 #include "core/run_state.h"
 #include "core/scene_framing.h"
-#include "core/settings_file.h"
 #include "core/sky_scene.h"
 #include "math/color_math.h"
 #include "math/number_text.h"
@@ -13,6 +12,7 @@
 #include "resources/preload_script.h"
 #include "resources/program_data.h"
 #include "scene/xml_serializer.h"
+#include "settings/settings_file.h"
 
 #include <chrono>
 #include <fstream>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/conversion_settings.h"
-#include "core/report.h"
-#include "core/run_interface.h"
+#include "base/report.h"
+#include "base/run_interface.h"
 #include "math/vector.h"
+#include "settings/conversion_settings.h"
 
 #include <filesystem>
 #include <map>

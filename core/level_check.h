@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/report.h"
+#include "base/report.h"
 #include "t3d/actor_index.h"
 
 #include <string>

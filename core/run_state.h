@@ -1,15 +1,15 @@
 #pragma once
 
 #include "actors/actor_context.h"
+#include "base/run_interface.h"
 #include "core/conversion_run.h"
-#include "core/conversion_settings.h"
-#include "core/run_interface.h"
 #include "resources/resource_files.h"
 #include "scene/brush_geometry.h"
 #include "scene/materials.h"
 #include "scene/mesh_inlines.h"
 #include "scene/node_writer.h"
 #include "scene/text_file.h"
+#include "settings/conversion_settings.h"
 #include "t3d/actor_index.h"
 #include "t3d/world_records.h"
 

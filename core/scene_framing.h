@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/conversion_settings.h"
 #include "scene/node_writer.h"
+#include "settings/conversion_settings.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "core/sky_scene.h"
 
+#include "base/ascii_text.h"
 #include "core/world_nodes.h"
-#include "math/ascii_text.h"
 
 namespace quarvel {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/conversion_settings.h"
-#include "core/report.h"
+#include "base/report.h"
 #include "scene/node_writer.h"
+#include "settings/conversion_settings.h"
 #include "t3d/world_records.h"
 
 namespace quarvel {

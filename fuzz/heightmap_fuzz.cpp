@@ -1,5 +1,5 @@
 #include "fuzz/image_extension.h"
-#include "resources/image_file.h"
+#include "images/image_file.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "resources/image_type.h"
+#include "images/image_type.h"
 
 #include <array>
 #include <string_view>

@@ -1,5 +1,5 @@
 #include "fuzz/image_extension.h"
-#include "resources/image_size.h"
+#include "images/image_size.h"
 
 #include <cstdlib>
 

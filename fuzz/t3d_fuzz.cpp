@@ -1,5 +1,5 @@
 #include "core/conversion_run.h"
-#include "core/settings_store.h"
+#include "settings/settings_store.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "resources/destination.h"
 
-#include "resources/file_name.h"
+#include "base/file_name.h"
 #include "resources/url.h"
 
 #include <algorithm>

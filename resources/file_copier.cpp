@@ -1,8 +1,8 @@
 #include "resources/file_copier.h"
 
-#include "resources/file_name.h"
-#include "resources/image_file.h"
-#include "resources/image_size.h"
+#include "base/file_name.h"
+#include "images/image_file.h"
+#include "images/image_size.h"
 
 namespace quarvel {
 

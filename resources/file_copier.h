@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/report.h"
+#include "base/report.h"
+#include "images/image.h"
 #include "resources/destination.h"
-#include "resources/image.h"
 
 #include <optional>
 #include <set>

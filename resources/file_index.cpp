@@ -1,6 +1,6 @@
 #include "resources/file_index.h"
 
-#include "resources/file_name.h"
+#include "base/file_name.h"
 
 #include <algorithm>
 #include <set>

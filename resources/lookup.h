@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/file_name.h"
+#include "images/image_type.h"
 #include "resources/file_index.h"
-#include "resources/file_name.h"
-#include "resources/image_type.h"
 
 #include <functional>
 #include <span>

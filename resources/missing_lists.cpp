@@ -1,6 +1,6 @@
 #include "resources/missing_lists.h"
 
-#include "resources/file_name.h"
+#include "base/file_name.h"
 
 #include <fstream>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/conversion_settings.h"
+#include "settings/conversion_settings.h"
 
 #include <filesystem>
 #include <string>

@@ -1,7 +1,7 @@
 #include "resources/resource_files.h"
 
-#include "resources/image_file.h"
-#include "resources/image_size.h"
+#include "images/image_file.h"
+#include "images/image_size.h"
 #include "resources/lookup.h"
 
 #include <algorithm>

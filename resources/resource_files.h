@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/conversion_settings.h"
-#include "core/report.h"
+#include "base/file_name.h"
+#include "base/report.h"
+#include "images/image_type.h"
 #include "resources/destination.h"
 #include "resources/file_copier.h"
 #include "resources/file_index.h"
-#include "resources/file_name.h"
-#include "resources/image_type.h"
+#include "settings/conversion_settings.h"
 
 #include <filesystem>
 #include <map>

@@ -1,6 +1,6 @@
 #include "resources/url.h"
 
-#include "resources/file_name.h"
+#include "base/file_name.h"
 
 namespace quarvel {
 namespace {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/conversion_settings.h"
-#include "core/report.h"
-#include "core/run_interface.h"
+#include "base/report.h"
+#include "base/run_interface.h"
 #include "scene/brush_placement.h"
 #include "scene/materials.h"
 #include "scene/node_writer.h"
+#include "settings/conversion_settings.h"
 #include "t3d/brush_record.h"
 
 #include <functional>

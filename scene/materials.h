@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/conversion_settings.h"
-#include "core/run_interface.h"
+#include "base/run_interface.h"
 #include "resources/resource_files.h"
 #include "scene/node_writer.h"
+#include "settings/conversion_settings.h"
 
 #include <cstdint>
 #include <set>

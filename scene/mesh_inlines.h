@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/conversion_settings.h"
 #include "resources/resource_files.h"
 #include "scene/node_writer.h"
+#include "settings/conversion_settings.h"
 #include "t3d/brush_record.h"
 #include "t3d/placement_records.h"
 

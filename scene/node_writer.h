@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/report.h"
+#include "base/report.h"
 #include "math/matrix.h"
 #include "scene/scene_names.h"
 #include "scene/text_file.h"

@@ -3,22 +3,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-# Each folder with the folders whose headers it may include besides its own.
-declare -A below=(
-  [math]=""
-  [t3d]="math"
-  [resources]="math"
-  [scene]="math t3d resources"
-  [terrain]="math t3d resources scene"
-  [actors]="math t3d resources scene"
-  [core]="math t3d resources scene terrain actors"
-  [app/cli]="math t3d resources scene terrain actors core"
-  [app/desktop]="math t3d resources scene terrain actors core"
-)
-# Plain declarations of a run: no code stands behind them, so any folder may name them.
-anywhere='^core/(conversion_settings|report|run_interface)\.h$'
+# The folders in the order in which they stand on one another: a file includes what stands before its own folder.
+order=(base math settings images packages t3d resources csg light scene terrain actors page core app/cli app/desktop)
+declare -A place
+for i in "${!order[@]}"; do place[${order[i]}]=$i; done
 
-# The folder of the table above that a path lies in.
+# The folder of the list above that a path lies in.
 layer_of() {
   case $1 in
     app/*/*) local rest=${1#app/}; echo "app/${rest%%/*}" ;;
@@ -34,14 +24,12 @@ fault() { echo "$1"; faults=$((faults + 1)); }
 
 while IFS= read -r file; do
   layer=$(layer_of "$file")
-  [ -n "${below[$layer]+known}" ] || continue
+  [ -n "${place[$layer]+known}" ] || continue
   while IFS=: read -r line header; do
     [ -n "$header" ] || continue
-    [[ $header =~ $anywhere ]] && continue
     from=$(layer_of "$header")
-    [ "$from" = "$layer" ] && continue
-    case " ${below[$layer]} " in *" $from "*) continue ;; esac
-    fault "$file:$line: \"$header\" does not stand below $layer/"
+    [ "${place[$from]-99}" -le "${place[$layer]}" ] && continue
+    fault "$file:$line: \"$header\" stands above $layer/"
   done < <(sed -nE '/^[[:space:]]*#[[:space:]]*include[[:space:]]*"/{=;s/.*"([^"]*)".*/\1/p}' "$file" | paste -d: - -)
 done <<<"$files"
 
@@ -50,4 +38,4 @@ while IFS= read -r hit; do
 done < <(git grep -nE '#[[:space:]]*include[[:space:]]*<Q[A-Za-z/]+(\.h)?>' -- '*.cpp' '*.h' ':!*desktop/*' || true)
 
 if [ "$faults" -gt 0 ]; then echo "Layers: $faults fault(s)"; exit 1; fi
-echo "Layers: every include stands below its file."
+echo "Layers: no file includes what stands above it."

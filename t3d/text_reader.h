@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/run_interface.h"
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
+#include "base/run_interface.h"
 #include "math/vector.h"
 
 #include <cstdint>

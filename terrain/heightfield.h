@@ -1,7 +1,7 @@
 #pragma once
 
+#include "images/image_file.h"
 #include "math/matrix.h"
-#include "resources/image_file.h"
 #include "scene/geometry_fields.h"
 #include "t3d/terrain_record.h"
 

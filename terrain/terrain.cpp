@@ -1,7 +1,7 @@
 #include "terrain/terrain.h"
 
+#include "images/image_size.h"
 #include "math/number_text.h"
-#include "resources/image_size.h"
 #include "scene/geometry_fields.h"
 #include "terrain/heightfield.h"
 

@@ -2,11 +2,11 @@
 
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
-#include "core/ini_store.h"
-#include "core/option_values.h"
+#include "base/ascii_text.h"
 #include "core/run_summary.h"
-#include "core/settings_file.h"
-#include "math/ascii_text.h"
+#include "settings/ini_store.h"
+#include "settings/option_values.h"
+#include "settings/settings_file.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/run_interface.h"
+#include "base/run_interface.h"
 
 #include <chrono>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "app/cli/option_list.h"
 
-#include "core/option_values.h"
+#include "settings/option_values.h"
 
 #include <string_view>
 

@@ -2,7 +2,7 @@
 
 #include "app/desktop/desktop_services.h"
 #include "app/desktop/option_controls.h"
-#include "core/settings_store.h"
+#include "settings/settings_store.h"
 
 #include <QComboBox>
 #include <QLineEdit>

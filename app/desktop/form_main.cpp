@@ -6,7 +6,7 @@
 #include "app/desktop/path_edit.h"
 #include "app/desktop/qt_text.h"
 #include "core/run_summary.h"
-#include "core/settings_file.h"
+#include "settings/settings_file.h"
 
 #include <QApplication>
 #include <QCheckBox>

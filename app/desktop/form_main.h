@@ -10,7 +10,7 @@
 #include "app/desktop/run_panel.h"
 #include "app/desktop/window_interface.h"
 #include "core/batch.h"
-#include "core/ini_store.h"
+#include "settings/ini_store.h"
 
 #include <QMainWindow>
 #include <memory>

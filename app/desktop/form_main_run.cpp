@@ -2,7 +2,7 @@
 #include "app/desktop/form_main.h"
 #include "app/desktop/qt_text.h"
 #include "core/run_summary.h"
-#include "core/settings_file.h"
+#include "settings/settings_file.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -1,7 +1,7 @@
 #include "app/desktop/option_controls.h"
 
 #include "app/desktop/qt_text.h"
-#include "core/option_values.h"
+#include "settings/option_values.h"
 
 #include <QAction>
 #include <QButtonGroup>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/option_table.h"
+#include "settings/option_table.h"
 
 #include <QLabel>
 #include <QObject>

@@ -1,7 +1,7 @@
 #include "app/desktop/picture_texture.h"
 
 #include "app/desktop/qt_text.h"
-#include "resources/image_file.h"
+#include "images/image_file.h"
 
 #include <QPaintEvent>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/desktop/run_panel.h"
-#include "core/run_interface.h"
+#include "base/run_interface.h"
 
 #include <chrono>
 #include <optional>

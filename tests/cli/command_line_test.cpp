@@ -1,9 +1,9 @@
 #include "app/cli/command_line.h"
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
-#include "core/option_table.h"
 #include "core/run_summary.h"
-#include "core/settings_file.h"
+#include "settings/option_table.h"
+#include "settings/settings_file.h"
 #include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>

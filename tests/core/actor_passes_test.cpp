@@ -1,4 +1,4 @@
-#include "math/ascii_text.h"
+#include "base/ascii_text.h"
 #include "t3d/light_records.h"
 #include "t3d/sound_records.h"
 #include "t3d/trigger_records.h"

@@ -1,5 +1,5 @@
 #include "core/batch.h"
-#include "core/settings_store.h"
+#include "settings/settings_store.h"
 #include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/conversion_run.h"
-#include "core/settings_store.h"
+#include "settings/settings_store.h"
 #include "tests/temporary_folder.h"
 
 #include <sstream>

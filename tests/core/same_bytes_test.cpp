@@ -1,5 +1,5 @@
-#include "core/ini_store.h"
-#include "core/settings_file.h"
+#include "settings/ini_store.h"
+#include "settings/settings_file.h"
 #include "tests/core/converted.h"
 #include "tests/german_locale.h"
 

@@ -1,6 +1,6 @@
 #include "core/conversion_run.h"
-#include "core/settings_store.h"
-#include "tests/resources/made_images.h"
+#include "settings/settings_store.h"
+#include "tests/images/made_images.h"
 #include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "app/desktop/page_layout.h"
 #include "app/desktop/settings_location.h"
-#include "core/option_values.h"
-#include "core/settings_file.h"
+#include "settings/option_values.h"
+#include "settings/settings_file.h"
 #include "tests/desktop/form_test.h"
 
 #include <QCheckBox>

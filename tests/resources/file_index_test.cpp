@@ -1,5 +1,5 @@
+#include "base/file_name.h"
 #include "resources/file_index.h"
-#include "resources/file_name.h"
 #include "resources/url.h"
 #include "tests/resources/temp_folder.h"
 

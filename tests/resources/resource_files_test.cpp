@@ -1,6 +1,6 @@
-#include "resources/image_file.h"
+#include "images/image_file.h"
 #include "resources/resource_files.h"
-#include "tests/resources/made_images.h"
+#include "tests/images/made_images.h"
 #include "tests/resources/temp_folder.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/conversion_settings.h"
 #include "resources/resource_files.h"
 #include "scene/brush_geometry.h"
-#include "tests/resources/made_images.h"
+#include "settings/conversion_settings.h"
+#include "tests/images/made_images.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "images/image.h"
+
+namespace quarvel {
+
+/// Reads the largest image of a dds file: uncompressed, or compressed as DXT1, DXT3 or DXT5 (block layout: "S3 Texture
+/// Compression" in the Khronos Data Format standard).
+ImageResult ReadDds(Bytes file);
+
+} // namespace quarvel

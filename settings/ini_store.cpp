@@ -1,0 +1,96 @@
+#include "settings/ini_store.h"
+
+// Bytes are kept as they are; the library's default needs a conversion header that is not packaged with it.
+#define SI_NO_CONVERSION
+#include <SimpleIni.h>
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <system_error>
+
+namespace quarvel {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+bool IsQuoted(std::string_view value) { return value.size() >= 2 && value.front() == '"' && value.back() == '"'; }
+
+/// Blanks at the ends of a line's value are lost on reading, and so is a pair of quotes: both need quotes around them.
+std::string ToLineValue(std::string_view value) {
+  std::string line(value);
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+  const bool hasBlankEnd = !line.empty() && (IsBlank(line.front()) || IsBlank(line.back()));
+  return hasBlankEnd || IsQuoted(line) ? '"' + line + '"' : line;
+}
+
+std::string_view FromLineValue(std::string_view line) {
+  return IsQuoted(line) ? line.substr(1, line.size() - 2) : line;
+}
+
+std::string WriteFile(const fs::path& file, const std::string& text) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(text.data(), static_cast<std::streamsize>(text.size()));
+  out.close();
+  return out ? "" : "cannot write the settings file " + file.string();
+}
+
+} // namespace
+
+struct IniStore::Content {
+  // Told that the file is UTF-8, the library passes all bytes through as they are.
+  CSimpleIniA Ini{true, false, false};
+};
+
+IniStore::IniStore(fs::path file) : file_(std::move(file)), content_(std::make_unique<Content>()) {
+  content_->Ini.SetSpaces(false);
+}
+
+IniStore::~IniStore() = default;
+
+std::string IniStore::Load() {
+  std::error_code error;
+  const fs::file_status status = fs::status(file_, error);
+  if (status.type() == fs::file_type::not_found) return {};
+  if (status.type() == fs::file_type::directory) return "the settings file " + file_.string() + " is a folder";
+  // Saving would replace a device by a file.
+  if (status.type() != fs::file_type::regular) return "the settings file " + file_.string() + " is not a readable file";
+  std::ifstream in(file_, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  if (!in || content_->Ini.LoadData(text) < 0) return "cannot read the settings file " + file_.string();
+  return {};
+}
+
+std::string IniStore::ReadText(std::string_view section, std::string_view key, std::string_view fallback) const {
+  const char* line = content_->Ini.GetValue(std::string(section).c_str(), std::string(key).c_str());
+  return std::string(line ? FromLineValue(line) : fallback);
+}
+
+void IniStore::WriteText(std::string_view section, std::string_view key, std::string_view value) {
+  content_->Ini.SetValue(std::string(section).c_str(), std::string(key).c_str(), ToLineValue(value).c_str());
+}
+
+std::string IniStore::Save() {
+  std::string text;
+  content_->Ini.Save(text, false);
+  std::error_code error;
+  // Behind a symbolic link, the file it leads to is the one to replace.
+  const fs::path target = fs::weakly_canonical(file_, error);
+  const fs::file_status before = fs::status(target, error);
+  const bool replaceable = before.type() == fs::file_type::regular || before.type() == fs::file_type::not_found;
+  if (!replaceable) return "cannot write the settings file " + file_.string();
+  fs::path temporary = target;
+  temporary += "." + std::to_string(std::random_device{}()) + ".tmp"; // two programs may save at the same time
+  if (std::string problem = WriteFile(temporary, text); !problem.empty()) return problem;
+  if (fs::exists(before)) fs::permissions(temporary, before.permissions(), error);
+  fs::rename(temporary, target, error);
+  if (!error) return {};
+  fs::remove(temporary, error);
+  return "cannot write the settings file " + file_.string();
+}
+
+} // namespace quarvel
