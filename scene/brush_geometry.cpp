@@ -161,7 +161,6 @@ pugi::xml_node OpenAnchor(SceneWriter& scene, pugi::xml_node transform, const st
 
 void ReportOddities(GeometryContext& context, const BrushRecord& brush, const std::string& name) {
   const std::string& actor = brush.Header.Name.empty() ? name : brush.Header.Name;
-  if (brush.HasSheer) context.Findings.Add(actor, "its scale shears, which is not converted");
   if (brush.DamagedPolygons > 0)
     context.Findings.Add(actor,
                          std::to_string(brush.DamagedPolygons) + " of its polygons have no end and were left out");

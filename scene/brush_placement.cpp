@@ -3,6 +3,7 @@
 #include "math/number_text.h"
 #include "math/rotation.h"
 
+#include <array>
 #include <cmath>
 #include <initializer_list>
 
@@ -18,7 +19,20 @@ Matrix4 TranslationMatrix(const Vector3& by) {
   return m;
 }
 
-Matrix4 ScaleBy(const Vector3& scale) { return ScaleMatrix(scale.X, scale.Y, scale.Z); }
+/// On right-handed axes: a sheer from or to Y changes its sign with it.
+Matrix4 SheerMatrix(const SheerRecord& sheer) {
+  struct Axes {
+    int From, To;
+  };
+  constexpr std::array<Axes, 7> axes{{{0, 0}, {0, 1}, {0, 2}, {1, 0}, {1, 2}, {2, 0}, {2, 1}}};
+  Matrix4 m = IdentityMatrix();
+  const Axes& pair = axes[static_cast<std::size_t>(sheer.Axis)];
+  const bool involvesY = pair.From == 1 || pair.To == 1;
+  if (pair.From != pair.To) m.At(pair.To, pair.From) = SnappedSheerRate(sheer.Rate) * (involvesY ? -1 : 1);
+  return m;
+}
+
+bool Sheers(const SheerRecord& sheer) { return sheer.Axis != SheerAxis::None && SnappedSheerRate(sheer.Rate) != 0; }
 
 /// The matrix that applies the given ones from the first to the last.
 Matrix4 InOrder(std::initializer_list<Matrix4> steps) {
@@ -26,6 +40,10 @@ Matrix4 InOrder(std::initializer_list<Matrix4> steps) {
   for (const Matrix4& step : steps)
     product = MultiplyMatrix(product, step);
   return product;
+}
+
+Matrix4 ScaleAndSheer(const Vector3& scale, const SheerRecord& sheer) {
+  return InOrder({ScaleMatrix(scale.X, scale.Y, scale.Z), SheerMatrix(sheer)});
 }
 
 bool AllPositive(const Vector3& v) { return v.X > 0 && v.Y > 0 && v.Z > 0; }
@@ -38,14 +56,23 @@ double PanWithin(double pan, int size) {
 
 } // namespace
 
+double SnappedSheerRate(double rate) {
+  const double size = std::fabs(rate);
+  if (size <= 0.05) return 0;
+  const double snapped = size <= 0.55 ? size - 0.05 : size <= 0.65 ? 0.5 : size - 0.15;
+  return std::copysign(snapped, rate);
+}
+
 BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix) {
   const Vector3 one{1, 1, 1};
   const Matrix4 rotation = BrushRotationMatrix(brush.Rotation);
-  const Matrix4 main = ScaleBy(brush.MainScale), post = ScaleBy(brush.PostScale);
+  const Matrix4 main = ScaleAndSheer(brush.MainScale, brush.MainSheer);
+  const Matrix4 post = ScaleAndSheer(brush.PostScale, brush.PostSheer);
   const Vector3 product = MultiplyVector(brush.MainScale, brush.PostScale);
   // The Transform scales before it turns, so it can carry a scale only when none comes after a rotation; and viewers
-  // handle negative scales badly.
-  const bool transformScales = AllPositive(product) && NegativeComponents(brush.MainScale) == 0 &&
+  // handle negative scales badly. It cannot sheer.
+  const bool transformScales = !Sheers(brush.MainSheer) && !Sheers(brush.PostSheer) && AllPositive(product) &&
+                               NegativeComponents(brush.MainScale) == 0 &&
                                (brush.PostScale == one || brush.Rotation == Rotator3());
   const Matrix4 folded =
       transformScales ? IdentityMatrix() : InOrder({main, rotation, post, TransposeMatrix(rotation)});

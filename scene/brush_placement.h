@@ -8,7 +8,8 @@
 namespace quarvel {
 
 /// Where a brush stands: the fields of its Transform, and how its vertices are written into it. The editor places a
-/// vertex at Location + PostScale x Rotation x MainScale x (vertex - PrePivot).
+/// vertex at Location + PostScale x Rotation x MainScale x (vertex - PrePivot), where each of the two scales is
+/// followed by its sheer.
 struct BrushPlacement {
   std::string Translation, Rotation;
   std::string Scale;     ///< "1 1 1" when the vertices carry it
@@ -16,6 +17,10 @@ struct BrushPlacement {
   Matrix4 WorldMatrix;   ///< vertex of the brush to point of the scene
   bool Mirrored = false; ///< an odd number of scale components is negative, so the winding of the faces is reversed
 };
+
+/// The rate by which the editor sheers where the level says `rate`: it snaps to none and to one half (public editor
+/// headers).
+double SnappedSheerRate(double rate);
 
 /// `worldScale` is in scene units per Unreal unit.
 BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix);

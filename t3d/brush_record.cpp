@@ -3,6 +3,7 @@
 #include "math/number_text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quarvel {
 
@@ -89,12 +90,21 @@ bool ReadPolygon(std::string_view text, TextCursor& cursor, TextCursor to, Brush
   return false;
 }
 
-bool ScaleShears(const TextBlock& block, std::string_view key) {
+SheerRecord ReadSheer(const TextBlock& block, std::string_view key) {
+  constexpr std::array<std::string_view, 7> axes{"None", "XY", "XZ", "YX", "YZ", "ZX", "ZY"};
+  SheerRecord sheer;
   TextCursor at = block.Find(key);
-  if (at == 0) return false;
+  if (at == 0) return sheer;
   const std::string_view line = ReadLineAt(block.Text(), at);
-  const std::size_t rate = line.find("SheerRate=");
-  return rate != line.npos && ParseLeadingNumber(line.substr(rate + 10)) != 0;
+  const auto valueOf = [&](std::string_view name) {
+    const std::size_t found = line.find(name);
+    return found == line.npos ? std::string_view() : line.substr(found + name.size());
+  };
+  sheer.Rate = ParseLeadingNumber(valueOf("SheerRate="));
+  const std::string_view axis = valueOf("SheerAxis=SHEER_");
+  for (std::size_t i = 1; i < axes.size(); ++i)
+    if (SameText(axis.substr(0, axes[i].size()), axes[i])) sheer.Axis = static_cast<SheerAxis>(i);
+  return sheer;
 }
 
 void ReadPlacement(const TextBlock& block, BrushRecord& brush) {
@@ -105,7 +115,8 @@ void ReadPlacement(const TextBlock& block, BrushRecord& brush) {
   brush.Rotation = GetRotator(block, " Rotation=");
   brush.PostScale = GetVectorOr1(block, "PostScale=(Scale=");
   brush.MainScale = GetVectorOr1(block, "MainScale=(Scale=");
-  brush.HasSheer = ScaleShears(block, "MainScale=") || ScaleShears(block, "PostScale=");
+  brush.PostSheer = ReadSheer(block, "PostScale=");
+  brush.MainSheer = ReadSheer(block, "MainScale=");
   GetKeyValue(block, "InitialState=", brush.InitialState);
   GetKeyValue(block, "Group=", brush.Group);
   GetKeyValue(block, "bDynamicLight=", brush.bDynamicLight);

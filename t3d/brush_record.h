@@ -29,6 +29,15 @@ enum SurfaceFlag : std::uint32_t {
   SurfaceShiny = 0x08000000,
 };
 
+/// The axes of a sheer: the second is displaced in proportion to the first.
+enum class SheerAxis { None, XY, XZ, YX, YZ, ZX, ZY };
+
+/// What a scale does after it has scaled.
+struct SheerRecord {
+  SheerAxis Axis = SheerAxis::None;
+  double Rate = 0; ///< as the level has it; the editor snaps it
+};
+
 /// One face of a brush, in the brush's own unscaled coordinates.
 struct PolygonRecord {
   std::string_view Texture; ///< a part of the T3D text; Name, Package.Name or Package.Group.Name; may be empty
@@ -44,7 +53,7 @@ struct BrushRecord {
   ActorHeader Header;
   std::string ClassText = "Brush";
   Vector3 MainScale{1, 1, 1}, PostScale{1, 1, 1};
-  bool HasSheer = false; ///< one of the scales shears, which is not converted
+  SheerRecord MainSheer, PostSheer; ///< each follows on the scale of its name
   std::string Group;
   std::string CsgOper; ///< "CSG_Add", "CSG_Subtract" ...; "CsgOper=CSG_Add" for movers and bare polygon lists
   bool bDynamicLight = false;

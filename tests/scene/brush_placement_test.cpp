@@ -24,10 +24,33 @@ Vector3 TurnedByEditor(const Rotator3& rotation, const Vector3& p) {
   return AddVector(ScaleVector(x, p.X), AddVector(ScaleVector(y, p.Y), ScaleVector(z, p.Z)));
 }
 
+/// A scale and then its sheer, as the editor does both: the axis named second moves in proportion to the first.
+Vector3 ScaledByEditor(const Vector3& scale, const SheerRecord& sheer, const Vector3& p) {
+  const Vector3 s = MultiplyVector(scale, p);
+  const double k = sheer.Rate == 0 ? 0 : std::copysign(0.5, sheer.Rate);
+  switch (sheer.Axis) {
+  case SheerAxis::XY:
+    return {s.X, s.Y + k * s.X, s.Z};
+  case SheerAxis::XZ:
+    return {s.X, s.Y, s.Z + k * s.X};
+  case SheerAxis::YX:
+    return {s.X + k * s.Y, s.Y, s.Z};
+  case SheerAxis::YZ:
+    return {s.X, s.Y, s.Z + k * s.Y};
+  case SheerAxis::ZX:
+    return {s.X + k * s.Z, s.Y, s.Z};
+  case SheerAxis::ZY:
+    return {s.X, s.Y + k * s.Z, s.Z};
+  case SheerAxis::None:
+    break;
+  }
+  return s;
+}
+
 /// Where the editor shows a vertex, in scene coordinates.
 Vector3 PlacedByEditor(const BrushRecord& brush, const Vector3& vertex) {
-  const Vector3 scaled = MultiplyVector(brush.MainScale, SubtractVector(vertex, brush.PrePivot));
-  const Vector3 turned = MultiplyVector(brush.PostScale, TurnedByEditor(brush.Rotation, scaled));
+  const Vector3 scaled = ScaledByEditor(brush.MainScale, brush.MainSheer, SubtractVector(vertex, brush.PrePivot));
+  const Vector3 turned = ScaledByEditor(brush.PostScale, brush.PostSheer, TurnedByEditor(brush.Rotation, scaled));
   const Vector3 world = AddVector(brush.Location, turned);
   return ScaleVector({world.X, world.Z, world.Y}, worldScale);
 }
@@ -55,6 +78,8 @@ class RandomBrushes {
     if (Half()) brush.Rotation = {Number(70000), Half() ? 0 : Number(70000), Half() ? 0 : Number(70000)};
     if (Half()) brush.MainScale = Scale();
     if (Half()) brush.PostScale = Scale();
+    if (Half()) brush.MainSheer = Sheer();
+    if (Half()) brush.PostSheer = Sheer();
     return brush;
   }
   Vector3 Point(double size) { return {Number(size), Number(size), Number(size)}; }
@@ -64,6 +89,8 @@ class RandomBrushes {
   bool Half() { return random_() % 2 == 0; }
   double Factor() { return (Half() ? 1 : 0.25) + std::fabs(Number(3)); }
   Vector3 Scale() { return {Half() ? -Factor() : Factor(), Half() ? 1 : Factor(), Half() ? 1 : Factor()}; }
+  /// Rates that the editor snaps to one half.
+  SheerRecord Sheer() { return {static_cast<SheerAxis>(random_() % 7), Half() ? 0 : Half() ? 0.6 : -0.6}; }
   std::mt19937 random_{3};
 };
 
@@ -100,6 +127,22 @@ TEST(BrushPlacement, TheTransformCarriesTheScaleWhereItCan) {
   EXPECT_EQ(PlaceBrush(brush, 1, conversion).Scale, "1 1 1") << "a scale behind a rotation";
   brush.PostScale = {1, 1, 1};
   EXPECT_EQ(PlaceBrush(brush, 1, conversion).Scale, "2 4 3");
+}
+
+TEST(BrushPlacement, SnapsTheRateOfASheer) {
+  EXPECT_EQ(SnappedSheerRate(0.05), 0);
+  EXPECT_EQ(SnappedSheerRate(-0.04), 0);
+  EXPECT_NEAR(SnappedSheerRate(-0.3), -0.25, 1e-12);
+  EXPECT_EQ(SnappedSheerRate(0.58), 0.5);
+  EXPECT_EQ(SnappedSheerRate(-0.62), -0.5);
+  EXPECT_NEAR(SnappedSheerRate(1), 0.85, 1e-12);
+  // A brush of a real level: its rings stand 128 above and below its pivot.
+  BrushRecord brush;
+  brush.MainSheer = {SheerAxis::ZX, 0.5};
+  const BrushPlacement placement = PlaceBrush(brush, 1, conversion);
+  EXPECT_NEAR(TransformPoint(placement.WorldMatrix, {0, 0, 128}).X, 57.6, 1e-9);
+  EXPECT_NEAR(TransformPoint(placement.WorldMatrix, {0, 0, -128}).X, -57.6, 1e-9);
+  EXPECT_EQ(placement.Scale, "1 1 1");
 }
 
 PolygonRecord WallWithTexture() {

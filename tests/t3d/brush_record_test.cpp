@@ -65,14 +65,17 @@ TEST(BrushRecord, ReadsPolygonsWithinTheirBounds) {
 }
 
 TEST(BrushRecord, ReadsScalesWithTheirDefaults) {
-  const BrushRecord brush = ReadOne(Actor(
-      "Class=Brush Name=B", " MainScale=(Scale=(Z=-1.000000),SheerAxis=SHEER_ZX)\r\n PostScale=(SheerRate=0.5)\r\n"
-                            " TempScale=(Scale=(X=9))\r\n OldLocation=(X=5)\r\n Location=(X=1)\r\n"));
+  const BrushRecord brush = ReadOne(
+      Actor("Class=Brush Name=B",
+            " MainScale=(Scale=(Z=-1.000000),SheerAxis=SHEER_ZX)\r\n PostScale=(SheerRate=-0.5,SheerAxis=SHEER_YZ)\r\n"
+            " TempScale=(Scale=(X=9))\r\n OldLocation=(X=5)\r\n Location=(X=1)\r\n"));
   EXPECT_EQ(brush.MainScale, (Vector3{1, 1, -1}));
   EXPECT_EQ(brush.PostScale, (Vector3{1, 1, 1}));
-  EXPECT_TRUE(brush.HasSheer);
+  EXPECT_EQ(brush.PostSheer.Axis, SheerAxis::YZ);
+  EXPECT_EQ(brush.PostSheer.Rate, -0.5);
+  EXPECT_EQ(brush.MainSheer.Axis, SheerAxis::ZX);
+  EXPECT_EQ(brush.MainSheer.Rate, 0);
   EXPECT_EQ(brush.Location, (Vector3{1, 0, 0}));
-  EXPECT_FALSE(ReadOne(Actor("Class=Brush Name=B", " MainScale=(SheerAxis=SHEER_ZX)\r\n")).HasSheer);
 }
 
 TEST(BrushRecord, ReadsMoversOfEachClass) {
