@@ -42,5 +42,6 @@ inline constexpr double RateModifier = 1, FovModifier = 1, GameSpeedModifier = 1
 inline constexpr double DistanceFogEnd = 8000; ///< Unreal units
 inline constexpr ColorRGB DistanceFogColor{128, 128, 128};
 inline constexpr double TexturePanSpeed = 1;
+inline constexpr double AmbientSaturation = 255; ///< white
 
 } // namespace quarvel::ClassDefaults

@@ -144,6 +144,9 @@ bool IsKeyAt(const TextBlock& block, std::string_view key) {
 std::string GetValueWord(const TextBlock& block, std::string_view key) {
   if (!IsKeyAt(block, key)) return {};
   TextCursor cursor = block.Find(key) + static_cast<TextCursor>(key.size());
+  // A key with nothing behind it is empty: the next line is not its value, nor is what follows the block.
+  const std::size_t value = block.Text().find_first_not_of(" \t", Offset(cursor));
+  if (value >= Offset(block.To()) || IsLineBreak(block.Text()[value])) return {};
   std::string_view word = NextWord(block.Text(), cursor);
   while (word.starts_with(' '))
     word.remove_prefix(1);

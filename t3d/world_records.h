@@ -12,7 +12,8 @@ struct ZoneBlock {
   ColorRGB DistanceFogColor = ClassDefaults::DistanceFogColor;
   bool ColorInRange = true; ///< false when a component lay outside 0 to 255 and was clamped
   double TexUPanSpeed = ClassDefaults::TexturePanSpeed, TexVPanSpeed = ClassDefaults::TexturePanSpeed;
-  double AmbientBrightness = 0, AmbientHue = 0, AmbientSaturation = 0; ///< 0 to 255; saturation 255 is white
+  double AmbientBrightness = 0, AmbientHue = 0;                ///< 0 to 255
+  double AmbientSaturation = ClassDefaults::AmbientSaturation; ///< 0 to 255; 255 is white
   double DistanceFogStart = 0, DistanceFogEnd = ClassDefaults::DistanceFogEnd;
   bool bDistanceFog = false;
 };

@@ -206,7 +206,6 @@ TEST_F(Lights, OfTheAmbienceReachTheWholeLevel) {
   Settings.TextScale = {"0.5", 0.5};
   ZoneBlock zone;
   zone.AmbientBrightness = 51;
-  zone.AmbientSaturation = 255;
   WriteGlobalAmbientLight(Context(), zone, {{-1, -2, -4}, {1, 2, 5.5}});
   EXPECT_TRUE(TextHas("DEF GlobalAmbientLight PointLight\n    {\n location 0 0.0 0.75\n  ambientIntensity 0.1\n  "
                       "intensity 0\n  color 1 1 1\n"

@@ -66,6 +66,9 @@ TEST(TextReader, CutsWordsWhereTheyEnd) {
   EXPECT_EQ(GetQuotedValue(block, "Name="), "");
   EXPECT_EQ(GetValueWord(block, "Last="), "end");
   EXPECT_EQ(GetValueWord(Whole("A=x"), "A="), "") << "a word that is the text's last character";
+  const std::string text = "Tag= \t\r\n Event=Own\n Group=\n End Actor\n";
+  const TextBlock empty(text, 1, static_cast<TextCursor>(text.find("End Actor") + 1));
+  EXPECT_EQ(GetStringValue(empty, "Tag=") + GetStringValue(empty, "Group="), "") << "nothing behind the equals sign";
 }
 
 TEST(TextReader, ReadsTypedValues) {
