@@ -1,6 +1,6 @@
 #include "base/file_name.h"
 
-#include "base/ascii_text.h"
+#include "base/letter_case.h"
 
 #include <algorithm>
 #include <array>
@@ -53,14 +53,6 @@ void AppendUtf8(char32_t code, std::string& out) {
   }
 }
 
-/// Lowers the accented letters of Latin-1 (U+00C0 to U+00DE), which UTF-8 writes as C3 80 to C3 9E.
-void LowerLatin1(std::string& text) {
-  for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-    const auto next = static_cast<std::uint8_t>(text[i + 1]);
-    if (text[i] == '\xC3' && next >= 0x80 && next <= 0x9E && next != 0x97) text[i + 1] = static_cast<char>(next + 0x20);
-  }
-}
-
 std::string_view WithoutClass(std::string_view reference) {
   const std::size_t open = reference.find('\'');
   if (open == std::string_view::npos || open + 1 >= reference.size() || reference.back() != '\'') return reference;
@@ -85,11 +77,7 @@ std::string ToUtf8(std::string_view text) {
   return out;
 }
 
-std::string FoldName(std::string_view name) {
-  std::string folded = LowerCase(ToUtf8(name));
-  LowerLatin1(folded);
-  return folded;
-}
+std::string FoldName(std::string_view name) { return FoldLetterCase(ToUtf8(name)); }
 
 ResourceReference ParseReference(std::string_view reference) {
   ResourceReference parsed;

@@ -7,8 +7,8 @@
 
 namespace quarvel {
 
-/// A name as it is compared: lower case, UTF-8. Bytes that are not UTF-8 are taken as Windows-1252, as levels hold
-/// them.
+/// A name as it is compared: UTF-8 without regard to letter case. Bytes that are not UTF-8 are taken as Windows-1252,
+/// as levels hold them.
 std::string FoldName(std::string_view name);
 
 /// The same text as UTF-8 without a change of case.

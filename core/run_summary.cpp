@@ -1,5 +1,6 @@
 #include "core/run_summary.h"
 
+#include "base/level_text.h"
 #include "math/number_text.h"
 
 #include <algorithm>
@@ -16,6 +17,9 @@ namespace {
 constexpr std::size_t namesShown = 10;
 constexpr std::size_t reasonsShown = 20;
 
+/// Names come from the level.
+void WriteLine(std::ostream& out, std::string_view text) { out << "  " << PrintableText(text) << "\n"; }
+
 std::string JoinNames(const std::vector<std::string>& names, bool inFull) {
   const std::size_t shown = inFull ? names.size() : std::min(names.size(), namesShown);
   std::string joined;
@@ -27,17 +31,15 @@ std::string JoinNames(const std::vector<std::string>& names, bool inFull) {
 
 void WriteMissing(std::ostream& out, std::string_view one, std::string_view many, const std::vector<std::string>& names,
                   bool inFull) {
-  if (!names.empty())
-    out << "  " << CountText(names.size(), one, many) << " missing: " << JoinNames(names, inFull) << "\n";
+  if (!names.empty()) WriteLine(out, CountText(names.size(), one, many) + " missing: " + JoinNames(names, inFull));
 }
 
 void WriteFindings(std::ostream& out, const std::vector<Finding>& findings, bool inFull) {
   const std::vector<ActorsOfReason> groups = GroupByReason(findings);
   const std::size_t shown = inFull ? groups.size() : std::min(groups.size(), reasonsShown);
   for (std::size_t i = 0; i < shown; ++i) {
-    out << "  " << groups[i].Reason;
-    if (!groups[i].Actors.empty()) out << ": " << JoinNames(groups[i].Actors, inFull);
-    out << "\n";
+    const std::vector<std::string>& actors = groups[i].Actors;
+    WriteLine(out, groups[i].Reason + (actors.empty() ? "" : ": " + JoinNames(actors, inFull)));
   }
   if (shown < groups.size()) out << "  and " << groups.size() - shown << " more things to know (see --verbose)\n";
 }
@@ -81,18 +83,18 @@ std::string BatchSummary(const std::vector<RunResult>& results, std::size_t jobs
 }
 
 void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
-  out << result.InputFile.string() << ": converted in " << SecondsText(result.Seconds) << "\n";
+  out << PrintableText(result.InputFile.string()) << ": converted in " << SecondsText(result.Seconds) << "\n";
   for (const std::filesystem::path& file : result.FilesWritten)
-    out << "  wrote " << file.string() << "\n";
-  out << "  " << ContentText(result) << "\n";
-  if (!IsEmpty(result.Bounds)) out << "  box: " << BoxText(result.Bounds) << "\n";
+    WriteLine(out, "wrote " + file.string());
+  WriteLine(out, ContentText(result));
+  if (!IsEmpty(result.Bounds)) WriteLine(out, "box: " + BoxText(result.Bounds));
   for (const auto& [what, count] : result.Findings.Counts())
-    out << "  " << what << ": " << count << "\n";
+    WriteLine(out, what + ": " + std::to_string(count));
   WriteMissing(out, "texture", "textures", result.MissingTextures, inFull);
   WriteMissing(out, "sound", "sounds", result.MissingSounds, inFull);
   WriteMissing(out, "mesh", "meshes", result.MissingMeshes, inFull);
   for (const std::string& message : result.Messages)
-    out << "  " << message << "\n";
+    WriteLine(out, message);
   WriteFindings(out, result.Findings.Findings(), inFull);
   out << std::flush;
 }

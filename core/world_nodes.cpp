@@ -1,6 +1,8 @@
 #include "core/world_nodes.h"
 
+#include "base/level_text.h"
 #include "math/number_text.h"
+#include "resources/url.h"
 
 #include <algorithm>
 
@@ -25,7 +27,7 @@ void WriteFog(SceneWriter& scene, const ConversionSettings& settings, const Zone
 }
 
 void WriteSkyZoneWorld(SceneWriter& scene, const ConversionSettings& settings, const SkyZoneRecord& zone) {
-  const std::string name = SkySceneName(zone);
+  const std::string name = SkySceneName(zone), url = EncodeUrlPath(name);
   const std::string inTextName = "WT_" + name + "World", inDocumentName = name + "World";
   const Vector3 position = ToSceneAxes(scene.ConversionMatrix, zone.Location);
   SceneNode transform = scene.Open(scene.Group, "DEF " + inTextName + " ", "Transform");
@@ -37,13 +39,13 @@ void WriteSkyZoneWorld(SceneWriter& scene, const ConversionSettings& settings, c
   SceneNode sky = scene.Open(transform.Element(), "  ", "Inline");
   sky.Attribute("DEF", inDocumentName);
   const std::string quote = scene.Conforming() ? "\"" : "";
-  sky.Attribute("url", quote + name + ".x3d" + quote);
-  scene.Line("   url [\"", name, ".wrl\"]");
+  sky.Attribute("url", quote + url + ".x3d" + quote);
+  scene.Line("   url [\"", url, ".wrl\"]");
   scene.Line("  }");
   scene.Line(" ]");
   scene.Line("}");
 }
 
-std::string SkySceneName(const SkyZoneRecord& zone) { return MakeDefName(zone.Header.Name); }
+std::string SkySceneName(const SkyZoneRecord& zone) { return FileNameOf(MakeDefName(zone.Header.Name)); }
 
 } // namespace quarvel

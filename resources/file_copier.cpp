@@ -1,6 +1,7 @@
 #include "resources/file_copier.h"
 
 #include "base/file_name.h"
+#include "base/level_text.h"
 #include "images/image_file.h"
 #include "images/image_size.h"
 
@@ -38,7 +39,7 @@ std::string NextName(const CopyJob& job, bool sameSource, int attempt) {
   const std::string extension = "." + ExtensionOf(job.Name);
   if (sameSource && attempt == 1) return stem + "_" + job.Variant + extension;
   const std::string package = job.Package.empty() ? Utf8Path(job.Found.Path.parent_path().filename()) : job.Package;
-  return package + "." + stem + (attempt > 1 ? "_" + std::to_string(attempt) : std::string()) + extension;
+  return FileNameOf(package + "." + stem) + (attempt > 1 ? "_" + std::to_string(attempt) : std::string()) + extension;
 }
 
 } // namespace

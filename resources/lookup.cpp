@@ -25,6 +25,19 @@ std::string WithoutPackage(const ResourceReference& reference) {
   return name + reference.Name;
 }
 
+/// Base names that carry the package in front: "Package.Group.Name", "Package.Name".
+std::vector<std::string> QualifiedNames(const ResourceReference& reference) {
+  std::vector<std::string> names;
+  if (reference.Folders.size() > 1) names.push_back(reference.Text);
+  if (!reference.Folders.empty()) names.push_back(reference.Package() + "." + reference.Name);
+  return names;
+}
+
+std::vector<std::string> PlainNames(const ResourceReference& reference) {
+  if (reference.Folders.size() < 2) return {reference.Name};
+  return {WithoutPackage(reference), reference.Name};
+}
+
 } // namespace
 
 FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceReference& reference) {
@@ -45,32 +58,29 @@ FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceR
   return fit;
 }
 
-std::vector<std::string> BaseNames(const ResourceReference& reference, bool qualified) {
-  std::vector<std::string> names;
-  if (qualified && reference.Folders.size() > 1) names.push_back(reference.Text);
-  if (qualified && !reference.Folders.empty()) names.push_back(reference.Package() + "." + reference.Name);
-  if (reference.Folders.size() > 1) names.push_back(WithoutPackage(reference));
-  names.push_back(reference.Name);
-  return names;
-}
-
 const IndexedFile* FindReferenced(const FileIndex& index, const ResourceReference& reference, bool qualified,
                                   std::span<const std::string_view> extensions,
                                   const std::function<bool(const IndexedFile&)>& refused) {
-  for (const std::string& name : BaseNames(reference, qualified)) {
-    const IndexedFile* best = nullptr;
-    std::optional<std::tuple<FolderFit, std::ptrdiff_t>> bestRank;
+  const IndexedFile* best = nullptr;
+  std::optional<std::tuple<FolderFit, std::size_t, std::ptrdiff_t>> bestRank;
+  const auto consider = [&](const std::string& name, std::size_t nameRank) {
     for (const IndexedFile& file : index.Find(name)) {
       const auto extension = std::find(extensions.begin(), extensions.end(), file.Extension);
       if (extension == extensions.end() || (refused && refused(file))) continue;
-      const std::tuple rank(FitOf(index, file, reference), extension - extensions.begin());
+      const std::tuple rank(FitOf(index, file, reference), nameRank, extension - extensions.begin());
       if (bestRank && !(rank < *bestRank)) continue;
       bestRank = rank;
       best = &file;
     }
+  };
+  for (const std::string& name : qualified ? QualifiedNames(reference) : std::vector<std::string>()) {
+    consider(name, 0);
     if (best) return best;
   }
-  return nullptr;
+  const std::vector<std::string> names = PlainNames(reference);
+  for (std::size_t i = 0; i < names.size(); ++i)
+    consider(names[i], i);
+  return best;
 }
 
 std::vector<std::string_view> ImageExtensions(ImageType wanted) {

@@ -23,13 +23,10 @@ struct FolderFit {
 
 FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceReference& reference);
 
-/// The base names under which the file of a reference is looked for, best first: with `qualified` those that carry
-/// package and group in front ("Package.Group.Name", "Package.Name"), then "Group.Name", then the last part.
-std::vector<std::string> BaseNames(const ResourceReference& reference, bool qualified);
-
-/// The file of a reference among those with one of the extensions. Several are told apart by the nearest folder that is
-/// named like group or package, then by the order of the extensions, then by path. Null when there is none. Files that
-/// are `refused` are passed over.
+/// The file of a reference among those with one of the extensions: with `qualified` first one whose own name carries
+/// the package ("Package.Group.Name", "Package.Name"), then one named "Group.Name" or like the last part alone. Several
+/// are told apart by the nearest folder that is named like group or package, then by those two names, then by the order
+/// of the extensions, then by path. Null when there is none. Files that are `refused` are passed over.
 const IndexedFile* FindReferenced(const FileIndex& index, const ResourceReference& reference, bool qualified,
                                   std::span<const std::string_view> extensions,
                                   const std::function<bool(const IndexedFile&)>& refused = {});

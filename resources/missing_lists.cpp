@@ -1,6 +1,7 @@
 #include "resources/missing_lists.h"
 
 #include "base/file_name.h"
+#include "base/level_text.h"
 
 #include <fstream>
 
@@ -13,7 +14,7 @@ namespace {
 bool WriteLines(const fs::path& file, const std::vector<std::string>& lines) {
   std::ofstream stream(file, std::ios::binary | std::ios::trunc);
   for (const std::string& line : lines)
-    stream << line << "\r\n";
+    stream << PrintableText(line) << "\r\n";
   stream.close();
   return !stream.fail();
 }

@@ -1,5 +1,6 @@
 #include "resources/resource_files.h"
 
+#include "base/level_text.h"
 #include "images/image_file.h"
 #include "images/image_size.h"
 #include "resources/lookup.h"
@@ -131,7 +132,7 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
       FindReferenced(index, reference, Qualified(ResourceKind::Texture), ImageExtensions(WantedType(use)));
   if (!file) {
     missingTextures_.insert(reference.Text);
-    texture.Url = textureDestination_.PlaceByName(reference.Name + "." + WantedExtension(use)).Url;
+    texture.Url = textureDestination_.PlaceByName(FileNameOf(reference.Name) + "." + WantedExtension(use)).Url;
     return texture;
   }
   const FoundFile found = EarlierVariant(Located(index, *file), use);
@@ -203,11 +204,12 @@ const ResourceFile& ResourceFiles::FindSound(std::string_view fileName, std::str
 
 ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_view reference) {
   const DestinationOptions& options = soundDestination_.Options();
-  const Placement expected = soundDestination_.PlaceByName(name);
-  if (const auto existing = copier_.Folders().Existing(expected.Folder, name); existing && !options.DestOverwrite) {
+  const std::string copyName = FileNameOf(StemOf(name)) + "." + FileNameOf(ExtensionOf(name));
+  const Placement expected = soundDestination_.PlaceByName(copyName);
+  if (const auto existing = copier_.Folders().Existing(expected.Folder, copyName); existing && !options.DestOverwrite) {
     Placement kept = expected;
-    kept.Name = copier_.Folders().AlignCase(expected.Folder, *existing, name);
-    return {true, kept.Name == name ? expected.Url : soundDestination_.PlaceByName(kept.Name).Url, kept.File()};
+    kept.Name = copier_.Folders().AlignCase(expected.Folder, *existing, copyName);
+    return {true, kept.Name == copyName ? expected.Url : soundDestination_.PlaceByName(kept.Name).Url, kept.File()};
   }
   ResourceReference parsed = ParseReference(reference);
   parsed.Name = StemOf(name);
@@ -223,8 +225,8 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
   FoundFile found = Located(index, *file);
   const fs::path source = found.Path;
   if (!options.DestDoCopy) return {true, soundDestination_.UrlInLibrary(found), source};
-  const CopyJob job{found, name, {}, {}, {}};
-  return {true, copier_.CopyTo(soundDestination_.Place(found, name), job, options.DestOverwrite), source};
+  const CopyJob job{found, copyName, {}, {}, {}};
+  return {true, copier_.CopyTo(soundDestination_.Place(found, copyName), job, options.DestOverwrite), source};
 }
 
 const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWhenMissing) {

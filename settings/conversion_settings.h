@@ -19,7 +19,7 @@ struct NumberText {
 struct DestinationOptions {
   bool DestDoCopy = true;      ///< copy found files to the destination
   bool DestOverwrite = false;  ///< replace files that are already there
-  bool UEd3Behavior = false;   ///< prefer files in a folder named like the reference's group or package
+  bool UEd3Behavior = false;   ///< try a file named "Package.Name" first
   int DestPathBehavior = 0;    ///< 0 beside the scene, 1 in a folder of the kind's name, 2 the library's folders
   std::string DestPrependPath; ///< put in front of every reference
 };

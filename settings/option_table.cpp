@@ -283,8 +283,9 @@ Rows DestinationRows(const std::string& kind) {
             "Copy the files found to the scene"),
       Check(kind + "DestOverwrite", Field<Group, &DestinationOptions::DestOverwrite>(), "Overwrite existing files", tab,
             "Overwrite files that are already there", copy),
-      Check(kind + "UEd3Behavior", Field<Group, &DestinationOptions::UEd3Behavior>(), "Prefer package folders", tab,
-            "Prefer files in a folder named like the group or package, as the newer editor exports them"),
+      Check(kind + "UEd3Behavior", Field<Group, &DestinationOptions::UEd3Behavior>(), "Names with package", tab,
+            "Try a file named \"Package.Name\" first, as the newer editor exports them; a folder named like the group "
+            "or package is always preferred"),
       Integer(kind + "DestPathBehavior", Field<Group, &DestinationOptions::DestPathBehavior>(), "Place of the copies",
               tab, {0, 2, false, true},
               "Where copies go: 0 beside the scene, 1 in a folder named after their kind, 2 in the library's folders"),

@@ -3,6 +3,7 @@
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
 #include "base/ascii_text.h"
+#include "base/level_text.h"
 #include "core/run_summary.h"
 #include "settings/ini_store.h"
 #include "settings/option_values.h"
@@ -112,9 +113,9 @@ class Reporter {
   void Finished(const ConversionJob& job, const RunResult& result) {
     user_.ClearLine();
     if (result.Outcome == RunOutcome::Failed)
-      console_.Err << "quarvel: " << result.Error << std::endl;
+      console_.Err << "quarvel: " << PrintableText(result.Error) << std::endl;
     else if (result.Outcome == RunOutcome::Stopped)
-      console_.Err << "quarvel: stopped; " << job.InFile.string() << " is not converted" << std::endl;
+      console_.Err << "quarvel: stopped; " << PrintableText(job.InFile.string()) << " is not converted" << std::endl;
     else if (!line_.Quiet)
       WriteSummary(console_.Out, result, line_.Verbose);
   }

@@ -1,5 +1,7 @@
 #include "app/cli/console_interface.h"
 
+#include "base/level_text.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -45,7 +47,7 @@ void ConsoleInterface::ShowPass(std::string_view text) {
   item_.clear();
   if (detail_.Passes) {
     ClearLine();
-    out_ << title_ << pass_ << std::endl;
+    out_ << PrintableText(title_ + pass_) << std::endl;
   }
   if (IsDue()) Draw();
 }
@@ -71,7 +73,7 @@ bool ConsoleInterface::IsDue() { return detail_.ProgressLine && Clock::now() >= 
 void ConsoleInterface::Draw() {
   const int percent = static_cast<int>(std::clamp(done_, 0.0, 1.0) * 100);
   const std::string line = std::to_string(percent) + "% " + title_ + pass_ + (item_.empty() ? "" : ", " + item_);
-  out_ << toLineStartAndErase << CutToLine(line) << std::flush;
+  out_ << toLineStartAndErase << CutToLine(PrintableText(line)) << std::flush;
   isDrawn_ = true;
   nextDraw_ = Clock::now() + drawEvery;
 }
