@@ -11,7 +11,7 @@ std::string PositionText(const ActorContext& context, const Vector3& location) {
 
 std::string TakeActorName(ActorContext& context, const ActorHeader& header, std::string_view prefix) {
   const std::string& name = header.Name.empty() ? header.Class : header.Name;
-  return context.Scene.Names.Take(MakeDefName(std::string(prefix) + name));
+  return context.Scene.TakeName(MakeDefName(std::string(prefix) + name));
 }
 
 } // namespace quarvel

@@ -7,15 +7,16 @@ namespace quarvel {
 
 bool Flickers(const LightRecord& light) { return SameText(light.LightEffect, "LT_FLICKER"); }
 
-std::string WriteFlicker(ActorContext& context, const std::string& base, pugi::xml_node parent) {
+std::string WriteFlicker(ActorContext& context, const std::string& base) {
   SceneWriter& scene = context.Scene;
-  const SceneNode script = scene.Open(parent, "", "Script", base + "SCRIPT");
+  SceneNode script = scene.Open("", "Script", base + "SCRIPT");
   // By default the document declares another type than the text, and all timers have one name.
   WriteScriptField(script, "eventIn  SFFloat  set_time", {scene.Conforming() ? "SFFloat" : "SFBool", {}});
   WriteScriptField(script, "eventOut SFBool  bool_changed");
-  WriteScriptCode(script, {"  function set_time(value,time) {", "     bool_changed = (Math.random() > .5);", "  }"});
+  script.Code({"  function set_time(value,time) {", "     bool_changed = (Math.random() > .5);", "  }"}, "", "");
+  script.Close();
   const std::string timer = scene.Conforming() ? base + "TIMER" : "FlickerTimer";
-  WriteTimeSensor(scene, timer, 1, true, true, parent);
+  WriteTimeSensor(scene, timer, 1, true, true);
   if (!scene.Conforming()) {
     scene.NoteQuirk("the one name of all flicker timers");
     scene.NoteQuirk("the type of the time in the flicker scripts of the .x3d");

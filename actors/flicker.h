@@ -11,7 +11,7 @@ namespace quarvel {
 bool Flickers(const LightRecord& light);
 
 /// Writes the script that switches a light on and off at random, and its timer. Returns the timer's name.
-std::string WriteFlicker(ActorContext& context, const std::string& base, pugi::xml_node parent);
+std::string WriteFlicker(ActorContext& context, const std::string& base);
 
 /// Connects the timer, the script and the light; where a ROUTE may stand.
 void RouteFlicker(ActorContext& context, const std::string& base, const std::string& timer, const std::string& light);

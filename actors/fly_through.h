@@ -10,6 +10,6 @@ namespace quarvel {
 
 /// Writes each flight as a camera that is moved along it and takes off when it is bound: "FlyThru", "FlyThru2", ... The
 /// first one is bound when the scene is loaded.
-void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights, pugi::xml_node parent);
+void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights);
 
 } // namespace quarvel

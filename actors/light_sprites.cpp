@@ -37,33 +37,26 @@ bool HasSprite(ActorContext& context, const DisplayBlock& display, const std::st
   return false;
 }
 
-void WriteLightSprite(ActorContext& context, const DisplayBlock& display, pugi::xml_node parent) {
+void WriteLightSprite(ActorContext& context, const DisplayBlock& display) {
   SceneWriter& scene = context.Scene;
   const int texture = context.Materials.TextureNumber(ParseReference(display.Texture).Text, SurfaceFlagsOf(display));
-  SceneNode billboard = scene.Open(parent, "", "Billboard");
+  SceneNode billboard = scene.Open("", "Billboard");
   billboard.Field(" axisOfRotation", "0 0 0");
-  scene.Line(" children [");
-  SceneNode collision = scene.Open(billboard.Element(), " ", "Collision");
+  billboard.Children(" ");
+  SceneNode collision = scene.Open(" ", "Collision", {}, {.Closing = 2});
   WritePassable(collision, "  collide");
-  scene.Line("   children [");
-  pugi::xml_node shape = scene.Open(collision.Element(), "    ", "Shape").Element();
-  context.Materials.WriteAppearance(texture, shape, context.User);
-  const std::string size = BoxSize(context, display, context.Materials.Entry(texture).File);
-  scene.Line("     geometry Box { size ", size, " }");
-  AddAttribute(shape.append_child("Box"), "size", size);
-  for (const char* closing : {"    }", "   ]", "  }", " ]", "}"})
-    scene.Line(closing);
+  collision.Children("   ");
+  const SceneNode shape = scene.Open("    ", "Shape");
+  context.Materials.WriteAppearance(texture, context.User);
+  scene.OneFieldNode("     geometry ", "Box", "size", BoxSize(context, display, context.Materials.Entry(texture).File));
 }
 
 void WritePlacedSprite(ActorContext& context, const DisplayBlock& display, const Vector3& location,
                        const std::string& name) {
-  SceneWriter& scene = context.Scene;
-  SceneNode transform = scene.Open(scene.Group, "", "Transform", name);
+  SceneNode transform = context.Scene.Open("", "Transform", name);
   transform.Field(" translation", PositionText(context, location));
-  scene.Line(" children [");
-  WriteLightSprite(context, display, transform.Element());
-  scene.Line("  ]");
-  scene.Line("}");
+  transform.Children(" ", 2);
+  WriteLightSprite(context, display);
 }
 
 } // namespace quarvel

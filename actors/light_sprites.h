@@ -15,7 +15,7 @@ bool HasSpriteTexture(std::string_view texture);
 bool HasSprite(ActorContext& context, const DisplayBlock& display, const std::string& actor);
 
 /// Writes the sprite: a flat box that always faces the viewer and can be walked through.
-void WriteLightSprite(ActorContext& context, const DisplayBlock& display, pugi::xml_node parent);
+void WriteLightSprite(ActorContext& context, const DisplayBlock& display);
 
 /// Writes the sprite in a Transform of this name that gives it its place.
 void WritePlacedSprite(ActorContext& context, const DisplayBlock& display, const Vector3& location,

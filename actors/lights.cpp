@@ -10,6 +10,7 @@
 #include "math/rotation.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace quarvel {
 
@@ -76,10 +77,9 @@ void WriteReach(const ActorContext& context, const LightRecord& light, SceneNode
   node.Field("  beamWidth", FormatFlt(context.Scene.Conforming() ? std::min(beam, cutOff) : beam));
 }
 
-void WriteLightNode(ActorContext& context, const LightRecord& light, const LightPlan& plan, pugi::xml_node parent) {
+void WriteLightNode(ActorContext& context, const LightRecord& light, const LightPlan& plan) {
   SceneWriter& scene = context.Scene;
-  SceneNode node = scene.Open(parent, "    ", NodeType(light.Kind), plan.Name, "");
-  scene.Line("    {");
+  SceneNode node = scene.Open("    ", NodeType(light.Kind), plan.Name, {.BraceBelow = true});
   if (light.Kind != LightKind::Directional) {
     if (plan.Wrapped)
       node.Attribute("location", "0 0 0");
@@ -89,51 +89,44 @@ void WriteLightNode(ActorContext& context, const LightRecord& light, const Light
   WriteIntensityAndColor(context, light, node);
   WriteReach(context, light, node);
   node.Flag("  on", light.HasOn ? light.On : true);
-  scene.Line("    }");
 }
 
-void WriteLightSound(ActorContext& context, const LightRecord& light, const LightPlan& plan, pugi::xml_node parent) {
+void WriteLightSound(ActorContext& context, const LightRecord& light, const LightPlan& plan) {
   if (!context.Settings.CheckDoSounds || SoundFileName(light.Sound.AmbientSound).empty()) return;
   SoundSource source;
   source.Block = light.Sound;
   source.Name = light.Header.Name;
   source.BaseName = "S_" + plan.Name;
   if (plan.Wrapped) {
-    WriteSound(context, source, parent);
+    WriteSound(context, source);
     return;
   }
-  WriteSound(context, source, OpenSoundPlace(context, light.Location));
-  CloseSoundPlace(context);
+  const SceneNode place = OpenSoundPlace(context, light.Location);
+  WriteSound(context, source);
 }
 
-pugi::xml_node OpenWrapper(ActorContext& context, const LightRecord& light, const LightPlan& plan) {
-  if (!plan.Wrapped) return context.Scene.Group;
-  SceneNode transform = context.Scene.Open(context.Scene.Group, "", "Transform", plan.Base);
+SceneNode OpenWrapper(ActorContext& context, const LightRecord& light, const LightPlan& plan) {
+  SceneNode transform = context.Scene.Open("", "Transform", plan.Base);
   transform.Field(" translation", PositionText(context, light.Location));
-  context.Scene.Line(" children [");
-  return transform.Element();
-}
-
-void CloseWrapper(ActorContext& context, const LightPlan& plan) {
-  if (!plan.Wrapped) return;
-  context.Scene.Line("  ]");
-  context.Scene.Line("}");
+  transform.Children(" ", 2);
+  return transform;
 }
 
 /// The light and what belongs to it. `innerSprite` says that its sprite stands in the same Transform.
 void WriteLightGroup(ActorContext& context, const LightRecord& light, const LightPlan& plan, bool innerSprite) {
-  const pugi::xml_node parent = OpenWrapper(context, light, plan);
-  WriteLightNode(context, light, plan, parent);
-  WriteLightSound(context, light, plan, parent);
-  const std::string timer = Flickers(light) ? WriteFlicker(context, plan.Base, parent) : "";
-  if (innerSprite) WriteLightSprite(context, light.Display, parent);
-  CloseWrapper(context, plan);
+  std::optional<SceneNode> wrapper;
+  if (plan.Wrapped) wrapper.emplace(OpenWrapper(context, light, plan));
+  WriteLightNode(context, light, plan);
+  WriteLightSound(context, light, plan);
+  const std::string timer = Flickers(light) ? WriteFlicker(context, plan.Base) : "";
+  if (innerSprite) WriteLightSprite(context, light.Display);
+  if (wrapper) wrapper->Close();
   if (!timer.empty()) RouteFlicker(context, plan.Base, timer, plan.Name);
 }
 
 /// By default a sprite of its own has the name of the light's Transform.
 std::string SpriteName(const ActorContext& context, const LightPlan& plan) {
-  if (context.Scene.Conforming() && context.Scene.IsDefined(plan.Base, RouteScope::Document))
+  if (context.Scene.Conforming() && context.Scene.IsDefined(plan.Base, SceneScope::Document))
     return plan.Base + "SPRITE";
   return plan.Base;
 }
@@ -155,7 +148,7 @@ std::string WriteLight(ActorContext& context, LightRecord light) {
   if (!written && !hasSprite) return {};
 
   LightPlan plan;
-  plan.Base = context.Scene.Names.Take(LightDefName(light.Header));
+  plan.Base = context.Scene.TakeName(LightDefName(light.Header));
   const bool ownSprite = hasSprite && (settings.CheckLightTransform || !written);
   if (written) {
     plan.Name = TakeActorName(context, light.Header);
@@ -194,7 +187,7 @@ void WriteGlobalAmbientLight(ActorContext& context, const ZoneBlock& zone, const
 void WriteFlare(ActorContext& context, const DisplayRecord& flare) {
   if (!HasSprite(context, flare.Display, flare.Header.Name))
     return context.Findings.Count("flares left out because they have no texture of their own");
-  WritePlacedSprite(context, flare.Display, flare.Location, context.Scene.Names.Take(LightDefName(flare.Header)));
+  WritePlacedSprite(context, flare.Display, flare.Location, context.Scene.TakeName(LightDefName(flare.Header)));
 }
 
 } // namespace quarvel

@@ -67,13 +67,10 @@ std::string JoinValues(const std::vector<Value>& values, Append append) {
 }
 
 void WriteInterpolator(SceneWriter& scene, const char* type, const std::string& name, const std::string& keys,
-                       const std::string& values, pugi::xml_node parent) {
-  SceneNode node = scene.Open(parent, "", type, name);
-  node.TextField(" key", "[" + keys + "]");
-  node.TextField(" keyValue", "[" + values + " ]");
-  node.Attribute("key", keys);
-  node.Attribute("keyValue", values);
-  scene.Line("}");
+                       const std::string& values) {
+  SceneNode node = scene.Open("", type, name);
+  node.List(" key", keys, ListLayout::OneLine);
+  node.List(" keyValue", values, ListLayout::OneLinePadded);
 }
 
 void RouteThrough(SceneWriter& scene, const std::string& timer, const std::string& interpolator,
@@ -129,23 +126,22 @@ std::string RotationValues(const MoverAnimation& track, const Matrix4& conversio
                     });
 }
 
-void WriteInterpolators(SceneWriter& scene, const std::string& name, const MoverAnimation& track, double worldScale,
-                        pugi::xml_node parent) {
+void WriteInterpolators(SceneWriter& scene, const std::string& name, const MoverAnimation& track, double worldScale) {
   const int positions = KeyCount(track, KeyMode::Position), rotations = KeyCount(track, KeyMode::Rotation);
   const std::string timer = name + "TIMER", position = name + "POSINT", rotation = name + "ROTINT";
   if (track.AnimatePosition)
     WriteInterpolator(scene, "PositionInterpolator", position, KeyList(track, positions, KeyMode::Position),
-                      PositionValues(track, worldScale, scene.ConversionMatrix), parent);
+                      PositionValues(track, worldScale, scene.ConversionMatrix));
   if (track.AnimateRotation)
     WriteInterpolator(scene, "OrientationInterpolator", rotation, KeyList(track, rotations, KeyMode::Rotation),
-                      RotationValues(track, scene.ConversionMatrix), parent);
+                      RotationValues(track, scene.ConversionMatrix));
 
   const KeyMode clock = track.ThirdKeyCount > 0 ? KeyMode::Third
                         : track.AnimatePosition ? KeyMode::Position
                                                 : KeyMode::Rotation;
   const double interval =
       track.CycleInterval > 0 ? track.CycleInterval : TotalKeyTime(track, KeyCount(track, clock), clock);
-  WriteTimeSensor(scene, timer, std::clamp(interval, shortestCycle, longestCycle), track.Loop, true, parent);
+  WriteTimeSensor(scene, timer, std::clamp(interval, shortestCycle, longestCycle), track.Loop, true);
   if (track.AnimatePosition) RouteThrough(scene, timer, position, name, "set_translation");
   if (track.AnimateRotation) RouteThrough(scene, timer, rotation, name, "set_rotation");
 }

@@ -52,7 +52,6 @@ std::string RotationValues(const MoverAnimation& track, const Matrix4& conversio
 
 /// Writes the track's interpolators and the timer that drives them, named after the Transform `name`, and the routes
 /// between them. The timer is `name` + "TIMER".
-void WriteInterpolators(SceneWriter& scene, const std::string& name, const MoverAnimation& track, double worldScale,
-                        pugi::xml_node parent);
+void WriteInterpolators(SceneWriter& scene, const std::string& name, const MoverAnimation& track, double worldScale);
 
 } // namespace quarvel

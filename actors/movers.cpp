@@ -134,7 +134,7 @@ void ReportKeys(const BrushRecord& mover, const MoverAnimation& track, Report& f
 void WriteTouchSensor(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written,
                       const std::string& timer) {
   const std::string& name = mover.Header.Name.empty() ? written.Name : mover.Header.Name;
-  const std::string sensor = context.Scene.Names.Take(MakeDefName("Trigger" + name));
+  const std::string sensor = context.Scene.TakeName(MakeDefName("Trigger" + name));
   WriteTrigger(context, TouchBox(mover, written.Bounds, context.Settings), sensor);
   AddRoute(context.Scene, sensor, "enterTime", timer, "startTime");
 }
@@ -176,7 +176,7 @@ void WriteMover(ActorContext& context, const BrushRecord& mover, const WrittenBr
                          "the actors that it carries along, tagged " + mover.AttachTag + ", stay where they are");
   if (!track.AnimatePosition && !track.AnimateRotation)
     return context.Findings.Add(NameOf(mover), "it has no keys, so it never moves");
-  WriteInterpolators(context.Scene, written.Name, track, context.Settings.TextScale, context.Scene.Group);
+  WriteInterpolators(context.Scene, written.Name, track, context.Settings.TextScale);
   WriteStart(context, mover, written, track.Loop);
 }
 

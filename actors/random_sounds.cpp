@@ -91,9 +91,9 @@ class CodeMaker {
 
 void WriteRandomScript(SceneWriter& scene, const DynamicAmbientSoundRecord& record, const std::string& name,
                        std::size_t numSounds) {
-  const SceneNode script = scene.Open(scene.Group, "", "Script", name);
+  SceneNode script = scene.Open("", "Script", name);
   WriteFields(script, record, numSounds);
-  WriteScriptCode(script, CodeMaker(numSounds, scene.Conforming()).Make(), "url \"javascript:", " \"");
+  script.Code(CodeMaker(numSounds, scene.Conforming()).Make(), "", " ");
   if (!scene.Conforming()) scene.NoteQuirk("the way in which scripts of random sounds ask for the time");
 }
 
@@ -101,7 +101,7 @@ void WriteRandomScript(SceneWriter& scene, const DynamicAmbientSoundRecord& reco
 std::vector<std::string> WriteClips(ActorContext& context, const DynamicAmbientSoundRecord& record,
                                     const std::vector<std::string>& sounds, const std::string& group) {
   std::vector<std::string> clips;
-  const pugi::xml_node place = OpenSoundPlace(context, record.Location);
+  const SceneNode place = OpenSoundPlace(context, record.Location);
   SoundSource source;
   source.Block = record.Sound;
   source.Name = record.Header.Name;
@@ -111,9 +111,8 @@ std::vector<std::string> WriteClips(ActorContext& context, const DynamicAmbientS
   for (const std::string& sound : sounds) {
     source.Block.AmbientSound = sound;
     source.BaseName = group + "_" + std::to_string(clips.size() + 1);
-    clips.push_back(WriteSound(context, source, place));
+    clips.push_back(WriteSound(context, source));
   }
-  CloseSoundPlace(context);
   return clips;
 }
 
@@ -135,7 +134,7 @@ void WriteRandomSounds(ActorContext& context, const DynamicAmbientSoundRecord& s
   SceneWriter& scene = context.Scene;
   const std::string group = TakeActorName(context, record.Header, "DYNAMBSOUND_");
   const std::string timer = "TIMER" + group, script = "SCRIPT" + group;
-  WriteTimeSensor(scene, timer, record.minReCheckTime == 0 ? 1 : record.minReCheckTime, true, true, scene.Group);
+  WriteTimeSensor(scene, timer, record.minReCheckTime == 0 ? 1 : record.minReCheckTime, true, true);
   WriteRandomScript(scene, record, script, sounds.size());
   const std::vector<std::string> clips = WriteClips(context, record, sounds, group);
   AddRoute(scene, script, "interval_changed", timer, "set_cycleInterval");

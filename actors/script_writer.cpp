@@ -50,22 +50,7 @@ void WriteScriptField(const SceneNode& script, std::string_view line, const Docu
   if (keyword.InText != "field") value = NoValue;
   if (!inDocument.Value.empty()) value = inDocument.Value;
   const std::string documentType(inDocument.Type.empty() ? type : inDocument.Type);
-  AddScriptField(script.Element(), std::string(name), documentType.c_str(), keyword.AccessType, value);
-}
-
-void WriteScriptCode(const SceneNode& script, const std::vector<std::string>& code, std::string_view opening,
-                     std::string_view closing) {
-  SceneWriter& scene = script.Writer();
-  scene.Line(opening);
-  std::string url = "javascript:";
-  for (const std::string& line : code) {
-    scene.Line(line);
-    url.append(LineEnd).append(line);
-  }
-  scene.Line(closing);
-  scene.Line("}");
-  const std::string quote = scene.Conforming() ? "\"" : "";
-  AddAttribute(script.Element(), "url", quote + url + quote);
+  AddScriptField(scene, std::string(name), documentType, keyword.AccessType, value);
 }
 
 } // namespace quarvel

@@ -4,7 +4,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace quarvel {
 
@@ -18,10 +17,5 @@ struct DocumentField {
 /// "field SFInt32 lastSound -1": keyword (eventIn, eventOut or field), type, name and value; the document's declaration
 /// is read off it. X3D calls the keywords inputOnly, outputOnly and initializeOnly, which a conforming scene writes.
 void WriteScriptField(const SceneNode& script, std::string_view line, const DocumentField& inDocument = {});
-
-/// Writes the script's code, a line of it each. `opening` is the text's line before the code, with the quote that opens
-/// it, and `closing` the line with the quote that closes it; the script node is closed behind that.
-void WriteScriptCode(const SceneNode& script, const std::vector<std::string>& code,
-                     std::string_view opening = "url \"javascript:", std::string_view closing = "\"");
 
 } // namespace quarvel

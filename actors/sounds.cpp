@@ -46,34 +46,33 @@ void WriteStartTime(SceneNode& clip, const SoundSource& sound) {
   if (sound.WaitsForTrigger) clip.Field("   stopTime", "2");
 }
 
-void WriteClip(SceneWriter& scene, pugi::xml_node parent, const SoundSource& sound, const std::string& name,
-               const std::string& pitch, const std::string& url) {
-  SceneNode clip = scene.Open(parent, "  source ", "AudioClip", name, "  {");
+void WriteClip(SceneWriter& scene, const SoundSource& sound, const std::string& name, const std::string& pitch,
+               const std::string& url) {
+  SceneNode clip = scene.Open("  source ", "AudioClip", name, {.BeforeBrace = 2});
   clip.Flag("   loop", sound.Loop);
   clip.Field("   pitch", pitch);
   WriteStartTime(clip, sound);
-  clip.Strings("   url", url, " [", "]");
-  scene.Line("  }");
+  clip.Strings("   url", url, Brackets::Tight);
 }
 
 /// Writes the clip, or the use of the one of the same file. Returns its name.
-std::string WriteSource(ActorContext& context, pugi::xml_node parent, const SoundSource& sound,
-                        const std::string& fileName, const std::string& pitch) {
+std::string WriteSource(ActorContext& context, const SoundSource& sound, const std::string& fileName,
+                        const std::string& pitch) {
   const std::string& url = context.Resources.FindSound(fileName, sound.Block.AmbientSound).Url;
   if (!sound.BaseName.empty()) {
-    const std::string name = context.Scene.Names.Take(MakeDefName(sound.BaseName));
-    WriteClip(context.Scene, parent, sound, name, pitch, url);
+    const std::string name = context.Scene.TakeName(MakeDefName(sound.BaseName));
+    WriteClip(context.Scene, sound, name, pitch, url);
     return name;
   }
   WrittenClip& clip = context.Clips[LowerCase(fileName)];
   if (!clip.Name.empty()) {
-    context.Scene.Use(parent, "  source ", "AudioClip", clip.Name);
+    context.Scene.Use("  source ", "AudioClip", clip.Name);
     if (clip.Pitch != pitch)
       context.Findings.Add(sound.Name, "it plays at the pitch of another sound of the same file");
     return clip.Name;
   }
-  clip = {context.Scene.Names.Take(MakeDefName("AC_" + fileName)), pitch};
-  WriteClip(context.Scene, parent, sound, clip.Name, pitch, url);
+  clip = {context.Scene.TakeName(MakeDefName("AC_" + fileName)), pitch};
+  WriteClip(context.Scene, sound, clip.Name, pitch, url);
   return clip.Name;
 }
 
@@ -84,42 +83,34 @@ std::string SoundFileName(const std::string& reference) {
   return name.empty() || SameText(name, "None") ? std::string() : name + ".wav";
 }
 
-std::string WriteSound(ActorContext& context, const SoundSource& sound, pugi::xml_node parent) {
+std::string WriteSound(ActorContext& context, const SoundSource& sound) {
   const std::string file = SoundFileName(sound.Block.AmbientSound);
   if (file.empty()) return {};
   SceneWriter& scene = context.Scene;
   const std::string& name = sound.BaseName.empty() ? sound.Name : sound.BaseName;
   const SoundValues values = ValuesOf(context, sound.Block, sound.Name);
-  SceneNode node = scene.Open(parent, "", "Sound", scene.Names.Take(MakeDefName("S_" + name)));
+  SceneNode node = scene.Open("", "Sound", scene.TakeName(MakeDefName("S_" + name)), {.Closing = 1});
   node.AttributeOrder({"intensity", "maxFront", "maxBack", "minFront", "minBack"});
   node.Field("  intensity", values.Intensity);
   WriteDistances(node, values.Radius);
-  const std::string clip = WriteSource(context, node.Element(), sound, file, values.Pitch);
-  scene.Line(" }");
-  return clip;
+  return WriteSource(context, sound, file, values.Pitch);
 }
 
-pugi::xml_node OpenSoundPlace(ActorContext& context, const Vector3& location) {
-  SceneNode transform = context.Scene.Open(context.Scene.Group, "", "Transform");
+SceneNode OpenSoundPlace(ActorContext& context, const Vector3& location) {
+  SceneNode transform = context.Scene.Open("", "Transform");
   transform.Field(" translation", PositionText(context, location));
-  context.Scene.Line(" children [");
-  return transform.Element();
-}
-
-void CloseSoundPlace(ActorContext& context) {
-  context.Scene.Line(" ]");
-  context.Scene.Line("}");
+  transform.Children(" ");
+  return transform;
 }
 
 void WriteAmbientSound(ActorContext& context, const AmbientSoundRecord& sound) {
   if (SoundFileName(sound.Sound.AmbientSound).empty())
     return context.Findings.Count("ambient sounds left out because they name no sound");
-  const pugi::xml_node place = OpenSoundPlace(context, sound.Location);
+  const SceneNode place = OpenSoundPlace(context, sound.Location);
   SoundSource source;
   source.Block = sound.Sound;
   source.Name = sound.Header.Name;
-  WriteSound(context, source, place);
-  CloseSoundPlace(context);
+  WriteSound(context, source);
 }
 
 void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecord& sound) {
@@ -133,8 +124,9 @@ void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecor
   source.WaitsForTrigger = source.Loop && !sound.bInitiallyOn;
   if (SoundFileName(source.Block.AmbientSound).empty())
     return context.Findings.Count("triggered sounds left out because they name no sound");
-  const std::string clip = WriteSound(context, source, OpenSoundPlace(context, sound.Location));
-  CloseSoundPlace(context);
+  SceneNode place = OpenSoundPlace(context, sound.Location);
+  const std::string clip = WriteSound(context, source);
+  place.Close();
   NoteLink(context, sound.Header.Tag, "enterTime", clip, "startTime");
   NoteLink(context, sound.Header.Tag, "exitTime", clip, "stopTime");
 }

@@ -23,7 +23,7 @@ std::string SoundFileName(const std::string& reference);
 
 /// Writes one Sound with its AudioClip, and brings the sound file beside the scene. Returns the clip's DEF name; empty,
 /// and nothing written, when the block names no sound.
-std::string WriteSound(ActorContext& context, const SoundSource& sound, pugi::xml_node parent);
+std::string WriteSound(ActorContext& context, const SoundSource& sound);
 
 /// Writes a sound that plays on and on, at its place.
 void WriteAmbientSound(ActorContext& context, const AmbientSoundRecord& sound);
@@ -34,8 +34,7 @@ void WriteRandomSounds(ActorContext& context, const DynamicAmbientSoundRecord& s
 /// Writes a sound that the triggers of its Tag start when they are entered and stop when they are left.
 void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecord& sound);
 
-/// Opens the Transform that gives a sound its place; CloseSoundPlace closes it.
-pugi::xml_node OpenSoundPlace(ActorContext& context, const Vector3& location);
-void CloseSoundPlace(ActorContext& context);
+/// Opens the Transform that gives sounds their place.
+SceneNode OpenSoundPlace(ActorContext& context, const Vector3& location);
 
 } // namespace quarvel

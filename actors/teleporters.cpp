@@ -27,43 +27,32 @@ Vector3 RaisedLocation(const ActorContext& context, const TeleporterRecord& tele
   return AddVector(teleporter.Location, {0, 0, context.Settings.TextTeleHtOff});
 }
 
-void WriteModel(ActorContext& context, const TeleporterRecord& teleporter, const std::string& name,
-                pugi::xml_node parent) {
+void WriteModel(ActorContext& context, const TeleporterRecord& teleporter, const std::string& name) {
   SceneWriter& scene = context.Scene;
-  SceneNode collision = scene.Open(parent, "", "Collision");
+  SceneNode collision = scene.Open("", "Collision");
   WritePassable(collision, " collide");
-  scene.Line(" children [");
-  SceneNode transform = scene.Open(collision.Element(), "  ", "Transform", name);
+  collision.Children(" ");
+  SceneNode transform = scene.Open("  ", "Transform", name);
   transform.Field("   translation", PositionText(context, RaisedLocation(context, teleporter)));
   transform.Field("   scale", ".5 .5 .5");
-  scene.Line("   children [");
-  SceneNode model = scene.Open(transform.Element(), "    ", "Inline");
-  model.TextField("     url", "[\"TheVisTeleporter.wrl\"]");
-  const std::string quote = scene.Conforming() ? "\"" : "";
-  model.Attribute("url", quote + "TheVisTeleporter.x3d" + quote);
-  scene.Line("    }");
-  scene.Line("   ]");
-  scene.Line("  }");
-  scene.Line(" ]");
-  scene.Line("}");
+  transform.Children("   ");
+  SceneNode model = scene.Open("    ", "Inline");
+  model.Strings("     url", PerScene{"TheVisTeleporter.wrl", "TheVisTeleporter.x3d"}, Brackets::Tight);
 }
 
-void WriteSpin(SceneWriter& scene, pugi::xml_node parent) {
-  WriteTimeSensor(scene, spinTimer, 1, true, true, parent);
-  SceneNode node = scene.Open(parent, "", "OrientationInterpolator", spinInterpolator);
-  const std::string keys = "0 0.333333 0.666666 1", values = "0 1 0 0, 0 1 0 2.0944, 0 1 0 4.18879, 0 1 0 0";
-  node.TextField(" key", "[" + keys + "]");
-  node.TextField(" keyValue", "[" + values + "]");
-  node.Attribute("key", keys);
-  node.Attribute("keyValue", values);
-  scene.Line("}");
+void WriteSpin(SceneWriter& scene) {
+  WriteTimeSensor(scene, spinTimer, 1, true, true);
+  SceneNode node = scene.Open("", "OrientationInterpolator", spinInterpolator);
+  node.List(" key", "0 0.333333 0.666666 1", ListLayout::OneLine);
+  node.List(" keyValue", "0 1 0 0, 0 1 0 2.0944, 0 1 0 4.18879, 0 1 0 0", ListLayout::OneLine);
+  node.Close();
   AddRoute(scene, spinTimer, "fraction_changed", spinInterpolator, "set_fraction");
 }
 
 /// The model of a visible teleporter, which all of them share, as they share its slow turn.
 class ModelWriter {
  public:
-  ModelWriter(ActorContext& context, pugi::xml_node parent) : context_(context), parent_(parent) {}
+  explicit ModelWriter(ActorContext& context) : context_(context) {}
 
   void Write(const TeleporterRecord& teleporter) {
     if (!teleporter.IsVisible || !context_.Settings.CheckDoMeshes) return;
@@ -73,33 +62,31 @@ class ModelWriter {
       context_.Resources.FindAndCopyFile("TheVisTeleporter.x3d", ResourceKind::Mesh);
     }
     const std::string name = "VISTELEPORT" + std::to_string(count_);
-    WriteModel(context_, teleporter, name, parent_);
-    if (count_++ == 0) WriteSpin(context_.Scene, parent_);
+    WriteModel(context_, teleporter, name);
+    if (count_++ == 0) WriteSpin(context_.Scene);
     AddRoute(context_.Scene, spinInterpolator, "value_changed", name, "set_rotation");
   }
 
  private:
   ActorContext& context_;
-  pugi::xml_node parent_;
   int count_ = 0;
 };
 
 /// Sends whoever enters to the destination, and unbinds the teleporter's own arrival viewpoint.
-void WriteScript(SceneWriter& scene, const std::string& name, pugi::xml_node parent) {
-  const SceneNode script = scene.Open(parent, "", "Script", name);
+void WriteScript(SceneWriter& scene, const std::string& name) {
+  SceneNode script = scene.Open("", "Script", name);
   WriteScriptField(script, " eventIn SFBool set_view_changed");
   WriteScriptField(script, " eventOut SFBool go_inchanged");
   WriteScriptField(script, " eventOut SFBool go_outchanged");
-  WriteScriptCode(script,
-                  {"  function set_view_changed(value,time) {", "    if (value)", "    {", "     go_inchanged = true;",
-                   "     go_outchanged = false;", "    }", "  }"},
-                  " url \"javascript:", " \"");
+  script.Code({"  function set_view_changed(value,time) {", "    if (value)", "    {", "     go_inchanged = true;",
+               "     go_outchanged = false;", "    }", "  }"},
+              " ", " ");
 }
 
 /// The same, but a destination that is still bound from the last time is unbound first, since binding what is bound has
 /// no effect (X3D 7.2.2). Unbinding it as soon as the sensor is left would be too early: the jump itself leaves it.
-void WriteRepeatingScript(SceneWriter& scene, const std::string& name, pugi::xml_node parent) {
-  const SceneNode script = scene.Open(parent, "", "Script", name);
+void WriteRepeatingScript(SceneWriter& scene, const std::string& name) {
+  SceneNode script = scene.Open("", "Script", name);
   WriteScriptField(script, " eventIn SFBool set_view_changed");
   WriteScriptField(script, " eventIn SFBool destination_bound");
   WriteScriptField(script, " eventOut SFBool go_inchanged");
@@ -107,30 +94,28 @@ void WriteRepeatingScript(SceneWriter& scene, const std::string& name, pugi::xml
   WriteScriptField(script, " eventOut SFBool go_againchanged");
   WriteScriptField(script, " field SFBool arrived FALSE");
   WriteScriptField(script, " field SFBool again FALSE");
-  WriteScriptCode(script,
-                  {"  function set_view_changed(value,time) {", "    if (value)", "    {",
-                   "     go_outchanged = false;", "     again = arrived;", "     if (again) go_againchanged = false;",
-                   "     else go_inchanged = true;", "    }", "  }", "  function destination_bound(value,time) {",
-                   "    arrived = value;", "    if (again)", "    {", "     again = false;",
-                   "     go_inchanged = true;", "    }", "  }"},
-                  " url \"javascript:", " \"");
+  script.Code({"  function set_view_changed(value,time) {", "    if (value)", "    {", "     go_outchanged = false;",
+               "     again = arrived;", "     if (again) go_againchanged = false;", "     else go_inchanged = true;",
+               "    }", "  }", "  function destination_bound(value,time) {", "    arrived = value;", "    if (again)",
+               "    {", "     again = false;", "     go_inchanged = true;", "    }", "  }"},
+              " ", " ");
 }
 
 WrittenTeleporter WriteTeleporter(ActorContext& context, const TeleporterRecord& teleporter, bool repeats,
-                                  ModelWriter& models, pugi::xml_node parent) {
+                                  ModelWriter& models) {
   SceneWriter& scene = context.Scene;
   models.Write(teleporter);
   WrittenTeleporter written;
-  written.Viewpoint = WriteViewpoint(context, ArrivalPlace(teleporter), parent);
+  written.Viewpoint = WriteViewpoint(context, ArrivalPlace(teleporter));
   written.Sensor = TakeActorName(context, teleporter.Header, "Tele");
   const TriggerBox box{RaisedLocation(context, teleporter), teleporter.CollisionRadius,
                        sensorHeight * teleporter.CollisionHeight};
   WriteTrigger(context, box, written.Sensor);
   written.Script = TakeActorName(context, teleporter.Header, "SCRIPTTele");
   if (repeats)
-    WriteRepeatingScript(scene, written.Script, parent);
+    WriteRepeatingScript(scene, written.Script);
   else
-    WriteScript(scene, written.Script, parent);
+    WriteScript(scene, written.Script);
   AddRoute(scene, written.Sensor, "isActive", written.Script, "set_view_changed");
   AddRoute(scene, written.Script, "go_outchanged", written.Viewpoint, "set_bind");
   return written;
@@ -189,14 +174,14 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter) {
 }
 
 void WriteTeleporters(ActorContext& context, const std::vector<TeleporterRecord>& teleporters,
-                      const std::string& levelName, pugi::xml_node parent) {
-  ModelWriter models(context, parent);
+                      const std::string& levelName) {
+  ModelWriter models(context);
   std::vector<int> destinations;
   std::vector<WrittenTeleporter> written;
   const auto repeats = [&](std::size_t i) { return context.Scene.Conforming() && destinations[i] >= 0; };
   for (std::size_t i = 0; i < teleporters.size(); ++i) {
     destinations.push_back(FindDestination(context, teleporters, i, levelName));
-    written.push_back(WriteTeleporter(context, teleporters[i], repeats(i), models, parent));
+    written.push_back(WriteTeleporter(context, teleporters[i], repeats(i), models));
   }
   for (std::size_t i = 0; i < teleporters.size(); ++i)
     if (destinations[i] >= 0)

@@ -24,6 +24,6 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter);
 /// Writes the teleporters: the model of a visible one, an arrival viewpoint, a sensor and the script that binds the
 /// destination's viewpoint for whoever enters it. `levelName` is the level's file name without its extension.
 void WriteTeleporters(ActorContext& context, const std::vector<TeleporterRecord>& teleporters,
-                      const std::string& levelName, pugi::xml_node parent);
+                      const std::string& levelName);
 
 } // namespace quarvel

@@ -95,7 +95,7 @@ class LinkWriter {
 
   const std::string& ScriptName(std::size_t number) {
     std::string& name = scriptNames_[number];
-    if (name.empty()) name = context_.Scene.Names.Take(MakeDefName("SCRIPT" + triggers_.Dispatchers[number].Name));
+    if (name.empty()) name = context_.Scene.TakeName(MakeDefName("SCRIPT" + triggers_.Dispatchers[number].Name));
     return name;
   }
 
@@ -120,7 +120,7 @@ class LinkWriter {
 
   void WriteScript(std::size_t number, const Outputs& outputs) {
     SceneWriter& scene = context_.Scene;
-    const SceneNode script = scene.Open(scene.Group, "", "Script", ScriptName(number));
+    SceneNode script = scene.Open("", "Script", ScriptName(number));
     std::map<std::string, std::vector<std::string>> functions; // the lines of each input's function
     for (const auto& [field, entry] : outputs) {
       const std::string delay = FormatGeneral(triggers_.Dispatchers[number].Delays[entry]);
@@ -136,7 +136,7 @@ class LinkWriter {
       code.insert(code.end(), lines.begin(), lines.end());
       code.emplace_back("  }");
     }
-    WriteScriptCode(script, code);
+    script.Code(code, "", "");
   }
 
   void RouteIntoScripts() {
@@ -165,26 +165,22 @@ std::string SensorSize(ActorContext& context, const TriggerBox& trigger, const s
   return FormatVec({radius * scale, height * scale, (radius + radius) * scale});
 }
 
-void WriteSensor(SceneWriter& scene, pugi::xml_node parent, const std::string& name, const std::string& center,
-                 const std::string& size, bool enabled) {
-  SceneNode sensor = scene.Open(parent, "", "ProximitySensor", name);
+void WriteSensor(SceneWriter& scene, const std::string& name, const std::string& center, const std::string& size,
+                 bool enabled) {
+  SceneNode sensor = scene.Open("", "ProximitySensor", name);
   sensor.Field(" center", center);
   sensor.Field(" size", size);
   sensor.Flag(" enabled", enabled);
-  scene.Line("}");
 }
 
-void WriteSensorBox(SceneWriter& scene, pugi::xml_node parent, const std::string& size) {
-  const pugi::xml_node shape = scene.Open(parent, "    ", "Shape").Element();
-  SceneNode box = scene.Open(shape, "     geometry ", "Box");
+void WriteSensorBox(SceneWriter& scene, const std::string& size) {
+  const SceneNode shape = scene.Open("    ", "Shape");
+  SceneNode box = scene.Open("     geometry ", "Box");
   box.Field("      size", size);
-  scene.Line("     }");
-  const pugi::xml_node appearance = scene.Open(shape, "     appearance ", "Appearance").Element();
-  SceneNode material = scene.Open(appearance, "      material ", "Material");
+  box.Close();
+  const SceneNode appearance = scene.Open("     appearance ", "Appearance");
+  SceneNode material = scene.Open("      material ", "Material");
   material.Field("        transparency", "0.5");
-  scene.Line("      }");
-  scene.Line("     }");
-  scene.Line("    }");
 }
 
 } // namespace
@@ -216,21 +212,16 @@ void WriteTrigger(ActorContext& context, const TriggerBox& trigger, const std::s
   SceneWriter& scene = context.Scene;
   const std::string position = PositionText(context, trigger.Location);
   const std::string size = SensorSize(context, trigger, name);
-  if (!context.Settings.CheckShowTriggers)
-    return WriteSensor(scene, scene.Group, name, position, size, trigger.Enabled);
+  if (!context.Settings.CheckShowTriggers) return WriteSensor(scene, name, position, size, trigger.Enabled);
 
-  SceneNode collision = scene.Open(scene.Group, "", "Collision");
+  SceneNode collision = scene.Open("", "Collision");
   WritePassable(collision, " collide");
-  scene.Line(" children [");
-  SceneNode transform = scene.Open(collision.Element(), "  ", "Transform");
+  collision.Children(" ");
+  SceneNode transform = scene.Open("  ", "Transform");
   transform.Field("   translation", position);
-  scene.Line("   children [");
-  WriteSensor(scene, transform.Element(), name, "0 0 0", size, trigger.Enabled);
-  WriteSensorBox(scene, transform.Element(), size);
-  scene.Line("   ]");
-  scene.Line("  }");
-  scene.Line(" ]");
-  scene.Line("}");
+  transform.Children("   ");
+  WriteSensor(scene, name, "0 0 0", size, trigger.Enabled);
+  WriteSensorBox(scene, size);
 }
 
 void WriteTriggersAndLinks(ActorContext& context) {

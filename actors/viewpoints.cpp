@@ -13,65 +13,57 @@ namespace quarvel {
 namespace {
 
 void WriteGroupedCamera(SceneWriter& scene, const std::string& def, const std::string& position,
-                        const std::string& rotation, const std::string& description, pugi::xml_node parent) {
-  const pugi::xml_node group = scene.Open(parent, "", "Transform").Element();
-  scene.Line("  children [");
-  SceneNode place = scene.Open(group, "    ", "Transform");
+                        const std::string& rotation, const std::string& description) {
+  SceneNode group = scene.Open("", "Transform");
+  group.Children("  ");
+  SceneNode place = scene.Open("    ", "Transform");
   place.Field("      translation", position);
   place.Field("    rotation", rotation);
-  SceneNode camera = scene.Open(place.Element(), "      children [ ", "Viewpoint", def);
+  SceneNode camera = scene.OpenOnlyChild("      ", "Viewpoint", def);
   WriteCameraFields(camera, "        ", "0 0 0", "0 0 1 0", description);
-  scene.Line("      } ]");
-  scene.Line("    }");
-  scene.Line("  ]");
-  scene.Line("}");
 }
 
-void WriteFilterInterface(SceneWriter& scene, const char* indent, bool connected) {
-  const auto line = [&](const char* declaration, const char* name) {
-    scene.Line(indent, declaration, connected ? name : "");
-  };
-  line("eventIn        SFBool set_boolean", "   IS set_boolean");
-  line("eventOut     SFBool inputFalse", "    IS inputFalse");
-  line("eventOut     SFBool inputNegate", "   IS inputNegate");
-  line("eventOut     SFBool inputTrue", "     IS inputTrue");
-}
+/// What VRML97 has not, as a prototype (VRML97, clause 4.8).
+constexpr const char* booleanFilterPrototype[] = {
+    "PROTO BooleanFilter [",
+    "   eventIn        SFBool set_boolean",
+    "   eventOut     SFBool inputFalse",
+    "   eventOut     SFBool inputNegate",
+    "   eventOut     SFBool inputTrue",
+    "]",
+    "{",
+    "   Script {",
+    "   directOutput TRUE",
+    "   eventIn        SFBool set_boolean   IS set_boolean",
+    "   eventOut     SFBool inputFalse    IS inputFalse",
+    "   eventOut     SFBool inputNegate   IS inputNegate",
+    "   eventOut     SFBool inputTrue     IS inputTrue",
+    "   url \"javascript:",
+    "   function set_boolean( bval, curtime ) {",
+    "      if( bval ){",
+    "         inputTrue = bval;",
+    "      }",
+    "      else {",
+    "         inputFalse = bval;",
+    "      }",
+    "      inputNegate = !bval;",
+    "   }",
+    "   \"",
+    "   }",
+    "}",
+};
 
-void WriteFilterPrototype(SceneWriter& scene) {
-  scene.Line("PROTO BooleanFilter [");
-  WriteFilterInterface(scene, "   ", false);
-  scene.Line("]");
-  scene.Line("{");
-  scene.Line("   Script {");
-  scene.Line("   directOutput TRUE");
-  WriteFilterInterface(scene, "   ", true);
-  scene.Line("   url \"javascript:");
-  scene.Line("   function set_boolean( bval, curtime ) {");
-  scene.Line("      if( bval ){");
-  scene.Line("         inputTrue = bval;");
-  scene.Line("      }");
-  scene.Line("      else {");
-  scene.Line("         inputFalse = bval;");
-  scene.Line("      }");
-  scene.Line("      inputNegate = !bval;");
-  scene.Line("   }");
-  scene.Line("   \"");
-  scene.Line("   }");
-  scene.Line("}");
-}
-
-void BindByScript(SceneWriter& scene, const std::string& viewpoint, pugi::xml_node parent) {
+void BindByScript(SceneWriter& scene, const std::string& viewpoint) {
   const char* name = "SCRIPTDEFAULTVIEW";
-  const SceneNode script = scene.Open(parent, "", "Script", name);
+  SceneNode script = scene.Open("", "Script", name);
   WriteScriptField(script, " eventOut SFBool bind_changed");
-  WriteScriptCode(script, {"  function initialize() {", "    bind_changed = true;", "  }"},
-                  " url \"javascript:", " \"");
+  script.Code({"  function initialize() {", "    bind_changed = true;", "  }"}, " ", " ");
+  script.Close();
   AddRoute(scene, name, "bind_changed", viewpoint, "set_bind");
 }
 
 /// The viewpoint has to be in the box: a sensor that binds a viewpoint outside it is left at once, and would unbind it.
-void BindBySensor(ActorContext& context, const std::string& viewpoint, const Vector3& position, Bounds3 bounds,
-                  pugi::xml_node parent) {
+void BindBySensor(ActorContext& context, const std::string& viewpoint, const Vector3& position, Bounds3 bounds) {
   const ConversionSettings& settings = context.Settings;
   const char* name = "PROXSENSORDEFAULTVIEW";
   GrowBounds(bounds, position);
@@ -80,7 +72,7 @@ void BindBySensor(ActorContext& context, const std::string& viewpoint, const Vec
     const Vector3 half = ScaleVector({settings.TextVProxSizeX, settings.TextVProxSizeY, settings.TextVProxSizeZ}, 0.5);
     box = {SubtractVector(position, half), AddVector(position, half)};
   }
-  WriteSensorAround(context.Scene, name, box, parent);
+  WriteSensorAround(context.Scene, name, box);
   AddRoute(context.Scene, name, "isActive", viewpoint, "set_bind");
 }
 
@@ -99,35 +91,33 @@ std::string ViewpointDescription(const ActorHeader& header) {
   return header.Tag.empty() || SameText(header.Tag, "PlayerStart") ? header.Name : header.Tag;
 }
 
-std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor, pugi::xml_node parent) {
+std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor) {
   SceneWriter& scene = context.Scene;
   const std::string def = TakeActorName(context, actor.Header, "V_");
   const std::string position = PositionText(context, actor.Location);
   const std::string rotation = RotatorToAxisAngleText(actor.Rotation, scene.ConversionMatrix);
   const std::string description = MakeSceneText(ViewpointDescription(actor.Header));
   if (context.Settings.CheckGroupCamera) {
-    WriteGroupedCamera(scene, def, position, rotation, description, parent);
+    WriteGroupedCamera(scene, def, position, rotation, description);
   } else {
-    SceneNode camera = scene.Open(parent, "", "Viewpoint", def);
+    SceneNode camera = scene.Open("", "Viewpoint", def);
     WriteCameraFields(camera, "  ", position, rotation, description);
-    scene.Line("}");
   }
   return def;
 }
 
 void DeclareBooleanFilter(ActorContext& context) {
   if (context.BooleanFilterDeclared || context.Scene.IsX3DClassic()) return;
-  WriteFilterPrototype(context.Scene);
+  for (const char* line : booleanFilterPrototype)
+    context.Scene.Line(line);
   context.BooleanFilterDeclared = true;
 }
 
-void WriteBooleanFilter(ActorContext& context, const std::string& name, pugi::xml_node parent) {
+void WriteBooleanFilter(ActorContext& context, const std::string& name) {
   SceneWriter& scene = context.Scene;
   DeclareBooleanFilter(context);
-  scene.Line("DEF ", name, " BooleanFilter {");
-  scene.Line("}");
-  scene.Define(name);
-  AddAttribute(parent.append_child(scene.Conforming() ? "BooleanFilter" : "Viewpoint"), "DEF", name);
+  scene.Open("", "BooleanFilter", name, {.Scope = SceneScope::Text}).Close();
+  scene.Open("", scene.Conforming() ? "BooleanFilter" : "Viewpoint", name, {.Scope = SceneScope::Document}).Close();
 }
 
 Bounds3 BoxWithMargin(const Bounds3& bounds) {
@@ -137,12 +127,11 @@ Bounds3 BoxWithMargin(const Bounds3& bounds) {
   return {SubtractVector(bounds.Min, margins), AddVector(bounds.Max, margins)};
 }
 
-void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box, pugi::xml_node parent) {
-  SceneNode sensor = scene.Open(parent, "", "ProximitySensor", name);
+void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box) {
+  SceneNode sensor = scene.Open("", "ProximitySensor", name);
   sensor.Field(" center", FormatVec(BoundsCenter(box)));
   sensor.Field(" size", FormatVec(SubtractVector(box.Max, box.Min)));
   sensor.Flag(" enabled", true);
-  scene.Line("}");
 }
 
 PlacementRecord PlaceAbove(const Bounds3& bounds, double worldScale) {
@@ -156,15 +145,15 @@ PlacementRecord PlaceAbove(const Bounds3& bounds, double worldScale) {
   return place;
 }
 
-void WriteDefaultViewpoint(ActorContext& context, PlacementRecord place, const Bounds3& bounds, pugi::xml_node parent) {
+void WriteDefaultViewpoint(ActorContext& context, PlacementRecord place, const Bounds3& bounds) {
   place.Header = {};
   place.Header.Name = "DefaultViewpoint";
   place.Header.Tag = "Default Viewpoint";
-  const std::string def = WriteViewpoint(context, place, parent);
-  if (!context.Settings.OptionDefViewAsProxSensor) return BindByScript(context.Scene, def, parent);
+  const std::string def = WriteViewpoint(context, place);
+  if (!context.Settings.OptionDefViewAsProxSensor) return BindByScript(context.Scene, def);
   const Vector3 position =
       ScaleVector(ToSceneAxes(context.Scene.ConversionMatrix, place.Location), context.Settings.TextScale);
-  BindBySensor(context, def, position, bounds, parent);
+  BindBySensor(context, def, position, bounds);
 }
 
 } // namespace quarvel

@@ -12,7 +12,7 @@ inline constexpr double FieldOfView = 0.875;
 
 /// Writes a camera that stands where the actor stands and looks where it looks; with `CheckGroupCamera` within two
 /// Transforms that can be moved. Returns its DEF name.
-std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor, pugi::xml_node parent);
+std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor);
 
 /// The fields of a camera, one a line behind the indentation, in text and element.
 void WriteCameraFields(SceneNode& camera, const std::string& indent, const std::string& position,
@@ -26,18 +26,18 @@ std::string ViewpointDescription(const ActorHeader& header);
 void DeclareBooleanFilter(ActorContext& context);
 /// Writes a filter that passes TRUE on as "inputTrue", in the text at least: by default the document has a Viewpoint of
 /// that name in its place, which passes on nothing.
-void WriteBooleanFilter(ActorContext& context, const std::string& name, pugi::xml_node parent);
+void WriteBooleanFilter(ActorContext& context, const std::string& name);
 
 /// The level's box with a wide margin. Scene units.
 Bounds3 BoxWithMargin(const Bounds3& bounds);
 /// Writes a proximity sensor that fills the box.
-void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box, pugi::xml_node parent);
+void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box);
 
 /// A place above the middle of the level's box (scene units) from which the whole of it is seen.
 PlacementRecord PlaceAbove(const Bounds3& bounds, double worldScale);
 
 /// Writes the default viewpoint at the place, and the script or the sensor that binds it. `bounds` is the level's box
 /// in scene units.
-void WriteDefaultViewpoint(ActorContext& context, PlacementRecord place, const Bounds3& bounds, pugi::xml_node parent);
+void WriteDefaultViewpoint(ActorContext& context, PlacementRecord place, const Bounds3& bounds);
 
 } // namespace quarvel

@@ -72,7 +72,7 @@ std::string LitColor(const LevelText& level) {
 }
 
 void SaveDocument(RunState& run, const fs::path& path, XMLFaults& faults) {
-  if (!SaveXML(run.Scene.SceneDocument, path, run.Scene.Conforming(), faults))
+  if (!SaveXML(run.Scene.SceneDocument(), path, run.Scene.Conforming(), faults))
     throw RunFailed{Display(path) + " cannot be written"};
   run.Result.FilesWritten.push_back(path);
 }
@@ -89,7 +89,6 @@ void ReportFaults(RunState& run, const XMLFaults& faults) {
 }
 
 void CloseScene(RunState& run, const SceneFileNames& files) {
-  CloseEnclosingTransform(run.Scene, run.Settings);
   run.Scene.WriteReadyRoutes();
   FlushBlock(run);
   run.Scene.FinishRoutes(run.Result.Findings);
@@ -107,10 +106,11 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
 
 /// Writes one scene from its header to its end.
 void WriteScene(RunState& run, const SceneFileNames& files) {
-  WriteTextHeader(run.Scene, run.File, run.Settings);
+  WriteTextHeader(run.Scene, run.Settings);
   WritePrototypes(run);
-  WriteDocumentHead(run.Scene, run.File, run.Settings, files.Document.stem().string());
+  SceneFrame frame(run.Scene, run.Settings, files.Document.stem().string());
   MakePasses(run);
+  frame.CloseContent();
   CloseScene(run, files);
   run.Result.Faces += run.Geometry.Faces;
   run.Result.UniqueMaterials += run.Materials.UniqueMaterialCount();

@@ -51,11 +51,11 @@ void WriteFlights(RunState& run) {
   const auto points = ReadAll<InterpolationPointRecord>(run, ReadInterpolationPoint, InterpolationPointSearchText);
   const std::vector<Flight> flights = PlanFlights(run, points);
   run.User.ShowPass("Writing Interpolation Points");
-  WriteFlyThrough(run.Actors, flights, run.Scene.Group);
+  WriteFlyThrough(run.Actors, flights);
   FlushBlock(run);
   if (!run.Settings.CheckOutputFlyThruViewpoints) return;
   for (const InterpolationPointRecord& point : points) {
-    WriteViewpoint(run.Actors, {point.Header, point.Location, point.Rotation}, run.Scene.Group);
+    WriteViewpoint(run.Actors, {point.Header, point.Location, point.Rotation});
     FlushBlock(run);
   }
 }
@@ -65,7 +65,7 @@ void WriteStarts(RunState& run) {
   if (run.Settings.CheckOutputPlayerStarts) {
     run.User.ShowPass("Writing Starts");
     for (const PlacementRecord& start : starts) {
-      WriteViewpoint(run.Actors, start, run.Scene.Group);
+      WriteViewpoint(run.Actors, start);
       FlushBlock(run);
       StepOn(run);
     }
@@ -73,7 +73,7 @@ void WriteStarts(RunState& run) {
   if (!run.Settings.CheckMakeDefaultViewpoint || IsSky(run)) return;
   const Bounds3& bounds = run.Geometry.Bounds;
   WriteDefaultViewpoint(run.Actors, starts.empty() ? PlaceAbove(bounds, run.Settings.TextScale) : starts.front(),
-                        bounds, run.Scene.Group);
+                        bounds);
   FlushBlock(run);
 }
 
@@ -82,7 +82,7 @@ void WriteTeleports(RunState& run) {
   for (const char* searchText : TeleporterSearchTexts)
     for (TeleporterRecord& teleporter : ReadAll<TeleporterRecord>(run, ReadTeleporter, searchText))
       teleporters.push_back(std::move(teleporter));
-  WriteTeleporters(run.Actors, teleporters, run.LevelName, run.Scene.Group);
+  WriteTeleporters(run.Actors, teleporters, run.LevelName);
   FlushBlock(run);
 }
 

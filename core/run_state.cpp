@@ -18,10 +18,10 @@ TextEncoding EncodingOf(const ConversionSettings& settings) {
 RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const LevelText& level,
                    ResourceFiles& resources, RunInterface& user, RunResult& result, std::string litColor)
     : Settings(settings), Level(level), User(user), Result(result),
-      Scene(EncodingOf(settings), settings.CheckConforming),
-      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs), Resources(resources),
+      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
+      Scene(File, EncodingOf(settings), settings.CheckConforming), Resources(resources),
       Materials(Scene, Resources, settings, std::move(litColor)),
-      Meshes(Scene, Resources, settings), Geometry{Scene, File, Materials, settings, user, result.Findings},
+      Meshes(Scene, Resources, settings), Geometry{Scene, Materials, settings, user, result.Findings},
       Actors{Scene, settings, resources, Materials, user, result.Findings}, Numbers{user} {}
 
 void StepOn(RunState& run) {
@@ -40,8 +40,6 @@ void WaitWhilePaused(RunState& run) {
   }
 }
 
-void FlushBlock(RunState& run) {
-  if (!run.Scene.SceneText.empty()) run.Scene.Flush(run.File);
-}
+void FlushBlock(RunState& run) { run.Scene.Flush(); }
 
 } // namespace quarvel

@@ -35,8 +35,8 @@ struct RunState {
   const SkyZoneRecord* Sky = nullptr; ///< the sky zone whose own scene this one is to inline
   bool FirstChild = true;             ///< no geometry node has been written yet
 
-  SceneWriter Scene;
   TextFile File;
+  SceneWriter Scene;
   ResourceFiles& Resources;
   MaterialWriter Materials;
   MeshInliner Meshes;

@@ -22,18 +22,40 @@ std::string MovementType(const ConversionSettings& settings) {
   return type;
 }
 
-void WriteNavigationInfo(SceneWriter& scene, pugi::xml_node parent, const ConversionSettings& settings) {
-  pugi::xml_node element = parent.append_child("NavigationInfo");
-  const std::string quote = scene.Conforming() ? "\"" : "";
-  AddAttribute(element, "type", quote + MovementType(settings) + quote);
-  AddAttribute(element, "headlight", settings.CheckHeadlight ? "true" : "false");
-  AddAttribute(element, "avatarSize", ".5 1.6 0.75");
-  AddAttribute(element, "speed", documentSpeed);
+SceneNode OpenRoot(SceneWriter& scene) {
+  scene.BeginDocument("Converted with Quarvel/VRML");
+  SceneNode root = scene.Open("", "X3D", {}, {.Scope = SceneScope::Document});
+  root.Attribute("profile", "Immersive");
+  if (!scene.Conforming()) return root;
+  root.Attribute("version", "3.0");
+  const SceneNode head = scene.Open("", "head", {}, {.Scope = SceneScope::Document});
+  SceneNode component = scene.Open("", "component", {}, {.Scope = SceneScope::Document});
+  component.Attribute("name", "Interpolation");
+  component.Attribute("level", interpolationLevel);
+  return root;
+}
+
+std::optional<SceneNode> OpenEnclosing(SceneWriter& scene, bool wanted, const std::string& sceneName) {
+  if (!wanted) return std::nullopt;
+  SceneNode enclosing = scene.Open("", "Transform", scene.TakeName(MakeDefName(sceneName)));
+  enclosing.Children(" ", 0);
+  scene.FlushLines();
+  return enclosing;
+}
+
+SceneNode OpenGroup(SceneWriter& scene, const ConversionSettings& settings) {
+  SceneNode navigation = scene.Open("", "NavigationInfo", {}, {.Scope = SceneScope::Document});
+  navigation.Strings("type", MovementType(settings));
+  navigation.Flag("headlight", settings.CheckHeadlight);
+  navigation.Field("avatarSize", ".5 1.6 0.75");
+  navigation.Field("speed", documentSpeed);
+  navigation.Close();
+  return scene.Open("", "Group", {}, {.Scope = SceneScope::Document});
 }
 
 } // namespace
 
-void WriteTextHeader(SceneWriter& scene, TextFile& file, const ConversionSettings& settings) {
+void WriteTextHeader(SceneWriter& scene, const ConversionSettings& settings) {
   if (scene.IsX3DClassic()) {
     scene.Line("#X3D V3.0 utf8");
     scene.Line("");
@@ -46,48 +68,22 @@ void WriteTextHeader(SceneWriter& scene, TextFile& file, const ConversionSetting
   scene.Line("# Quarvel v1.0");
   scene.Line("# ", webAddress);
   scene.Line("");
-  scene.Line("NavigationInfo {");
-  scene.Line(" avatarSize [.5, 1.6, 0.75]");
-  scene.Line("headlight ", settings.CheckHeadlight ? "TRUE" : "FALSE");
-  scene.Line(" type \"", MovementType(settings), "\"");
-  scene.Line(" speed ", scene.Conforming() ? documentSpeed : textSpeed);
-  scene.SceneText += "}";
-  scene.Flush(file);
+  SceneNode navigation = scene.Open("", "NavigationInfo", {}, {.Scope = SceneScope::Text});
+  navigation.List(" avatarSize", ".5, 1.6, 0.75", ListLayout::OneLine);
+  navigation.Flag("headlight", settings.CheckHeadlight);
+  navigation.Strings(" type", MovementType(settings));
+  navigation.Field(" speed", scene.Conforming() ? documentSpeed : textSpeed);
+  navigation.Close();
+  scene.FlushLines();
 }
 
-void WriteDocumentHead(SceneWriter& scene, TextFile& file, const ConversionSettings& settings,
-                       const std::string& sceneName) {
-  pugi::xml_node declaration = scene.SceneDocument.append_child(pugi::node_declaration);
-  declaration.set_name("xml");
-  AddAttribute(declaration, "version", "1.0");
-  AddAttribute(declaration, "encoding", "UTF-8");
-  scene.SceneDocument.append_child(pugi::node_comment).set_value("Converted with Quarvel/VRML");
-  pugi::xml_node root = scene.SceneDocument.append_child("X3D");
-  AddAttribute(root, "profile", "Immersive");
-  if (scene.Conforming()) {
-    AddAttribute(root, "version", "3.0");
-    pugi::xml_node component = root.append_child("head").append_child("component");
-    AddAttribute(component, "name", "Interpolation");
-    AddAttribute(component, "level", interpolationLevel);
-  }
-  scene.Scene = root.append_child("Scene");
+SceneFrame::SceneFrame(SceneWriter& scene, const ConversionSettings& settings, const std::string& sceneName)
+    : root_(OpenRoot(scene)), scene_(scene.Open("", "Scene", {}, {.Scope = SceneScope::Document})),
+      enclosing_(OpenEnclosing(scene, settings.CheckEnclose, sceneName)), group_(OpenGroup(scene, settings)) {}
 
-  pugi::xml_node parent = scene.Scene;
-  if (settings.CheckEnclose) {
-    parent = scene.Open(scene.Scene, "", "Transform", scene.Names.Take(MakeDefName(sceneName))).Element();
-    scene.SceneText += " children [";
-    scene.Flush(file);
-    scene.InsideChildren = true;
-  }
-  WriteNavigationInfo(scene, parent, settings);
-  scene.Group = parent.append_child("Group");
-}
-
-void CloseEnclosingTransform(SceneWriter& scene, const ConversionSettings& settings) {
-  if (!settings.CheckEnclose) return;
-  scene.Line("]");
-  scene.Line("}");
-  scene.InsideChildren = false;
+void SceneFrame::CloseContent() {
+  group_.Close();
+  if (enclosing_) enclosing_->Close();
 }
 
 } // namespace quarvel

@@ -71,9 +71,9 @@ void ProcessMeshes(RunState& run) {
     PlaceStaticMeshes(run);
 }
 
-std::function<void(pugi::xml_node)> MoverChildren(RunState& run, const BrushRecord& mover) {
+std::function<void()> MoverChildren(RunState& run, const BrushRecord& mover) {
   if (!run.Settings.CheckDoMeshes || !mover.Polygons.empty() || !NamesMesh(mover.StaticMesh)) return {};
-  return [&run, &mover](pugi::xml_node transform) { run.Meshes.WriteMoverMesh(mover, transform); };
+  return [&run, &mover] { run.Meshes.WriteMoverMesh(mover); };
 }
 
 void ProcessTerrain(RunState& run) {

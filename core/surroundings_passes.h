@@ -14,7 +14,7 @@ void ProcessMeshes(RunState& run);
 
 /// What else than its polygons stands in a mover's Transform: the mesh of one that has no polygons. Empty when nothing
 /// does.
-std::function<void(pugi::xml_node)> MoverChildren(RunState& run, const BrushRecord& mover);
+std::function<void()> MoverChildren(RunState& run, const BrushRecord& mover);
 
 void ProcessTerrain(RunState& run);
 

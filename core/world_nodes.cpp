@@ -9,10 +9,9 @@
 namespace quarvel {
 
 void WriteWorldInfo(SceneWriter& scene, const LevelRecord& info) {
-  SceneNode world = scene.Open(scene.Group, "", "WorldInfo", {}, " { ");
-  if (!info.Author.empty()) world.Strings("info", "Author: " + MakeSceneText(info.Author), " [", "]");
+  SceneNode world = scene.Open("", "WorldInfo", {}, {.AfterBrace = 1});
+  if (!info.Author.empty()) world.Strings("info", "Author: " + MakeSceneText(info.Author), Brackets::Tight);
   world.String("title", MakeSceneText(info.Title));
-  scene.Line("}");
 }
 
 void WriteFog(SceneWriter& scene, const ConversionSettings& settings, const ZoneBlock& zone, const std::string& actor,
@@ -20,30 +19,24 @@ void WriteFog(SceneWriter& scene, const ConversionSettings& settings, const Zone
   if (!zone.ColorInRange) findings.Add(actor, "its fog colour is not within 0 to 255 and was clamped");
   if (zone.DistanceFogEnd < 0) findings.Add(actor, "its fog ends at a distance below zero, which was taken as zero");
   const ColorRGB& color = zone.DistanceFogColor;
-  SceneNode fog = scene.Open(scene.Group, "", "Fog");
+  SceneNode fog = scene.Open("", "Fog");
   fog.Field(" color", FormatVec({color.R / 255.0, color.G / 255.0, color.B / 255.0}));
   fog.Field(" visibilityRange", FormatFlt(std::max(zone.DistanceFogEnd, 0.0) * settings.TextScale));
-  scene.Line("}");
 }
 
 void WriteSkyZoneWorld(SceneWriter& scene, const ConversionSettings& settings, const SkyZoneRecord& zone) {
   const std::string name = SkySceneName(zone), url = EncodeUrlPath(name);
   const std::string inTextName = "WT_" + name + "World", inDocumentName = name + "World";
   const Vector3 position = ToSceneAxes(scene.ConversionMatrix, zone.Location);
-  SceneNode transform = scene.Open(scene.Group, "DEF " + inTextName + " ", "Transform");
+  SceneNode transform = scene.Open("", "Transform", inTextName, {.Routed = false});
   // Names are to be unique (X3D, clause 4.4.3).
   if (!scene.Conforming()) scene.NoteQuirk("the two nodes of one name that place the sky in the .x3d");
-  transform.Attribute("DEF", scene.Conforming() ? inTextName : inDocumentName);
+  if (!scene.Conforming()) transform.Attribute("DEF", inDocumentName);
   transform.Field(" translation", FormatVec(ScaleVector(position, settings.TextScale)));
-  scene.Line(" children [");
-  SceneNode sky = scene.Open(transform.Element(), "  ", "Inline");
+  transform.Children(" ");
+  SceneNode sky = scene.Open("  ", "Inline");
   sky.Attribute("DEF", inDocumentName);
-  const std::string quote = scene.Conforming() ? "\"" : "";
-  sky.Attribute("url", quote + url + ".x3d" + quote);
-  scene.Line("   url [\"", url, ".wrl\"]");
-  scene.Line("  }");
-  scene.Line(" ]");
-  scene.Line("}");
+  sky.Strings("   url", PerScene{url + ".wrl", url + ".x3d"}, Brackets::Tight);
 }
 
 std::string SkySceneName(const SkyZoneRecord& zone) { return FileNameOf(MakeDefName(zone.Header.Name)); }

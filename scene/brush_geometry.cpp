@@ -5,6 +5,8 @@
 #include "scene/face_sets.h"
 #include "scene/geometry_fields.h"
 
+#include <optional>
+
 namespace quarvel {
 
 namespace {
@@ -48,75 +50,53 @@ std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord&
 /// Two-sided, masked and translucent surfaces are seen from behind.
 bool IsSolid(std::uint32_t flags) { return (flags & (SurfaceTwoSided | SurfaceMasked | SurfaceTranslucent)) == 0; }
 
-/// Point lists are long: the values follow on a line of their own.
-void WritePoints(SceneWriter& scene, pugi::xml_node geometry, std::string_view lead, const char* type,
-                 const std::string& def, const std::string& points) {
-  const SceneNode node = scene.OpenUnrouted(geometry, lead, type, def, " { point [");
-  AddAttribute(node.Element(), "point", points);
-  scene.Line(points, "]");
-  scene.Line("        }");
-}
-
-/// One list serves both indices, since a corner is a position and a texture coordinate.
-void WriteIndices(SceneWriter& scene, const std::string& indices) {
-  for (const char* field : {"        coordIndex [", "        texCoordIndex ["}) {
-    scene.Line(field);
-    scene.Line("          ", indices);
-    scene.Line("        ]");
-  }
-}
-
-void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::string& brushName, int number, bool mirrored,
-                  pugi::xml_node parent) {
+void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::string& brushName, int number,
+                  bool mirrored) {
   SceneWriter& scene = context.Scene;
   const ConversionSettings& settings = context.Settings;
-  const std::string piece = scene.PieceNames.Take(brushName + std::to_string(number));
-  const pugi::xml_node shape = scene.Open(parent, "    ", "Shape").Element();
-  context.Materials.WriteAppearance(set.TextureNumber, shape, context.User);
+  const std::string piece = scene.TakePieceName(brushName + std::to_string(number));
+  SceneNode shape = scene.Open("    ", "Shape");
+  context.Materials.WriteAppearance(set.TextureNumber, context.User);
 
-  SceneNode geometry = scene.OpenUnrouted(shape, "      geometry ", "IndexedFaceSet", "F_" + piece);
+  SceneNode geometry = scene.Open("      geometry ", "IndexedFaceSet", "F_" + piece, {.Routed = false});
   if (settings.CheckCreaseAngle) geometry.Field("        creaseAngle", FormatFlt(settings.TextCreaseAngle * Pi / 180));
   geometry.Flag("        ccw", settings.CheckCCW != mirrored);
   geometry.Flag("        solid", IsSolid(set.Flags));
+  scene.OneListNode("        coord ", "Coordinate", "C_" + piece, "point", PointList(set.Points));
+  scene.OneListNode("        texCoord ", "TextureCoordinate", "TC_" + piece, "point",
+                    TexturePointList(set.TexturePoints));
+  // One list serves both indices, since a corner is a position and a texture coordinate.
   const std::string indices = IndexList(set.Faces);
-  geometry.Attribute("coordIndex", indices);
-  geometry.Attribute("texCoordIndex", indices);
-  WritePoints(scene, geometry.Element(), "        coord ", "Coordinate", "C_" + piece, PointList(set.Points));
-  WritePoints(scene, geometry.Element(), "        texCoord ", "TextureCoordinate", "TC_" + piece,
-              TexturePointList(set.TexturePoints));
-  WriteIndices(scene, indices);
-  scene.Line("      }");
-  scene.Line("    }");
+  geometry.List("        coordIndex", indices);
+  geometry.List("        texCoordIndex", indices);
+  geometry.Close();
+  shape.Close();
   context.User.ShowItem("saving verts");
 }
 
 void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const BrushPlacement& placement,
-                       const std::string& brushName, pugi::xml_node parent) {
+                       const std::string& brushName) {
   SceneWriter& scene = context.Scene;
   const std::uint32_t flags = face.Polygon->Flags;
   const bool staysSolid = context.Settings.CheckTranslucentSolid && (flags & SurfaceTranslucent);
   const bool passable = (flags & (SurfaceMasked | SurfaceTwoSided)) && !staysSolid;
+  std::optional<SceneNode> collision;
   if (passable) {
-    SceneNode collision = scene.Open(parent, "   ", "Collision");
-    WritePassable(collision, "    collide");
-    scene.Line("    children [");
-    parent = collision.Element();
+    collision.emplace(scene.Open("   ", "Collision"));
+    WritePassable(*collision, "    collide");
+    collision->Children("    ");
   }
-  WriteFaceSet(context, MakeFaceSet(face, placement, context.Materials), brushName, face.Number, placement.Mirrored,
-               parent);
-  if (passable) {
-    scene.Line("    ]");
-    scene.Line("   }");
-  }
-  scene.Flush(context.File);
+  WriteFaceSet(context, MakeFaceSet(face, placement, context.Materials), brushName, face.Number, placement.Mirrored);
+  if (collision) collision->Close();
+  scene.Flush();
 }
 
 void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& faces, bool breakUp,
-                      const BrushPlacement& placement, const std::string& brushName, pugi::xml_node parent) {
+                      const BrushPlacement& placement, const std::string& brushName) {
   int number = 0;
   const auto write = [&](const FaceSet& set) {
-    WriteFaceSet(context, set, brushName, number++, placement.Mirrored, parent);
-    context.Scene.Flush(context.File);
+    WriteFaceSet(context, set, brushName, number++, placement.Mirrored);
+    context.Scene.Flush();
   };
   for (const FaceSet& set : MergeFaces(faces, placement, context.Materials)) {
     if (!breakUp) {
@@ -129,34 +109,33 @@ void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& f
 }
 
 void WriteFaces(GeometryContext& context, const BrushRecord& brush, const std::vector<ChosenFace>& faces,
-                const BrushPlacement& placement, const std::string& name, pugi::xml_node parent) {
+                const BrushPlacement& placement, const std::string& name) {
   if (context.Settings.OptionIFSs) {
     for (const ChosenFace& face : faces)
-      WriteSeparateFace(context, face, placement, name, parent);
+      WriteSeparateFace(context, face, placement, name);
   } else {
     const bool isBuilderBrush = brush.CsgOper.empty() || brush.Header.Class.empty();
     const bool breakUp = context.Settings.CheckBreakUpBB && isBuilderBrush;
-    WriteMergedFaces(context, faces, breakUp, placement, name, parent);
+    WriteMergedFaces(context, faces, breakUp, placement, name);
   }
 }
 
 SceneNode OpenTransform(SceneWriter& scene, const BrushPlacement& placement, const std::string& name) {
-  SceneNode transform = scene.Open(scene.Group, "", "Transform", name);
+  SceneNode transform = scene.Open("", "Transform", name);
   transform.Field("  translation", placement.Translation);
   transform.TextField("  scale", placement.Scale);
   transform.Field("  rotation", placement.Rotation);
   if (placement.Scale != "1 1 1") transform.Attribute("scale", placement.Scale);
-  scene.Line("  children [");
+  transform.Children("  ");
   return transform;
 }
 
-/// The parent of the brush's shapes: the Transform, or the Anchor that makes them a link.
-pugi::xml_node OpenAnchor(SceneWriter& scene, pugi::xml_node transform, const std::string& address) {
-  if (address.empty()) return transform;
-  SceneNode anchor = scene.Open(transform, " ", "Anchor");
+/// Makes a link of the brush's shapes.
+SceneNode OpenAnchor(SceneWriter& scene, const std::string& address) {
+  SceneNode anchor = scene.Open(" ", "Anchor");
   anchor.Strings("  url", address);
-  scene.Line("  children [");
-  return anchor.Element();
+  anchor.Children("  ");
+  return anchor;
 }
 
 void ReportOddities(GeometryContext& context, const BrushRecord& brush, const std::string& name) {
@@ -169,24 +148,22 @@ void ReportOddities(GeometryContext& context, const BrushRecord& brush, const st
 } // namespace
 
 WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
-                        const std::function<void(pugi::xml_node)>& extraChildren) {
+                        const std::function<void()>& extraChildren) {
   SceneWriter& scene = context.Scene;
   WrittenBrush written;
-  written.Name = scene.Names.Take(BrushName(brush.Header, context.GeometryCount));
+  written.Name = scene.TakeName(BrushName(brush.Header, context.GeometryCount));
   ReportOddities(context, brush, written.Name);
   const BrushPlacement placement = PlaceBrush(brush, context.Settings.TextScale, scene.ConversionMatrix);
   const std::vector<ChosenFace> faces = ChooseFaces(context, brush, placement, written.Bounds);
   const std::string address = WebAddress(brush.Url);
 
-  const SceneNode transform = OpenTransform(scene, placement, written.Name);
-  WriteFaces(context, brush, faces, placement, written.Name, OpenAnchor(scene, transform.Element(), address));
-  if (!address.empty()) {
-    scene.Line("  ]");
-    scene.Line(" }");
-  }
-  if (extraChildren) extraChildren(transform.Element());
-  scene.Line("  ]");
-  scene.Line("}");
+  SceneNode transform = OpenTransform(scene, placement, written.Name);
+  std::optional<SceneNode> anchor;
+  if (!address.empty()) anchor.emplace(OpenAnchor(scene, address));
+  WriteFaces(context, brush, faces, placement, written.Name);
+  if (anchor) anchor->Close();
+  if (extraChildren) extraChildren();
+  transform.Close();
   context.User.ShowItem("done poly");
 
   context.Faces += static_cast<int>(faces.size());

@@ -16,7 +16,6 @@ namespace quarvel {
 /// What the brush geometry writer works with, and what it counts.
 struct GeometryContext {
   SceneWriter& Scene;
-  TextFile& File;
   MaterialWriter& Materials;
   const ConversionSettings& Settings;
   RunInterface& User;
@@ -34,9 +33,9 @@ struct WrittenBrush {
 };
 
 /// Writes a brush: its Transform, an Anchor when it has a web address, and its face sets. `extraChildren` may add nodes
-/// to the Transform's children, in text and element, after the faces.
+/// to the Transform's children, after the faces.
 WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
-                        const std::function<void(pugi::xml_node)>& extraChildren = {});
+                        const std::function<void()>& extraChildren = {});
 
 /// The DEF name for a brush before it is made unique: from the actor's name, or for other classes than Brush from the
 /// class and the running number.

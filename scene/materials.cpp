@@ -90,32 +90,30 @@ std::string MaterialWriter::ImageNameFor(const TextureEntry& entry) {
   return name;
 }
 
-void MaterialWriter::WriteAppearance(int number, pugi::xml_node shape, RunInterface& user) {
+void MaterialWriter::WriteAppearance(int number, RunInterface& user) {
   TextureEntry& entry = entries_[static_cast<std::size_t>(number)];
   if (entry.Defined) {
-    scene_.Use(shape, "      appearance ", "Appearance", entry.AppearanceName);
+    scene_.Use("      appearance ", "Appearance", entry.AppearanceName);
     return;
   }
   user.ShowUniqueMaterials(++uniqueMaterialCount_);
-  const pugi::xml_node appearance =
-      scene_.Open(shape, "      appearance ", "Appearance", entry.AppearanceName).Element();
+  const SceneNode appearance = scene_.Open("      appearance ", "Appearance", entry.AppearanceName);
   // Without a material a surface is unlit (VRML97, clause 4.14.2), but then it has no transparency either.
   const bool withoutMaterial = scene_.Conforming() && IsUnlit(entry) && !(entry.Flags & SurfaceTranslucent);
-  if (!withoutMaterial) WriteMaterial(entry, appearance);
-  if (!entry.File.Url.empty()) WriteTexture(entry, appearance);
-  WriteTransform(number, appearance);
-  scene_.Line("      }");
+  if (!withoutMaterial) WriteMaterial(entry);
+  if (!entry.File.Url.empty()) WriteTexture(entry);
+  WriteTransform(number);
   entry.Defined = true;
 }
 
-void MaterialWriter::WriteMaterial(const TextureEntry& entry, pugi::xml_node appearance) {
+void MaterialWriter::WriteMaterial(const TextureEntry& entry) {
   const MaterialValues values = ValuesFor(entry, litColor_, scene_.Conforming());
   const std::string name = MaterialName(values);
   if (!materialsWritten_.insert(name).second) {
-    scene_.Use(appearance, "        material ", "Material", name);
+    scene_.Use("        material ", "Material", name);
     return;
   }
-  SceneNode material = scene_.Open(appearance, "        material ", "Material", name);
+  SceneNode material = scene_.Open("        material ", "Material", name);
   material.Field("          diffuseColor", values.Diffuse);
   material.Field("          ambientIntensity", FormatFlt(settings_.TextAmbientInfluence));
   material.Field("          specularColor", values.Specular);
@@ -123,41 +121,40 @@ void MaterialWriter::WriteMaterial(const TextureEntry& entry, pugi::xml_node app
   if (IsUnlit(entry)) material.TextField("          emissiveColor", values.Emissive);
   material.Attribute("emissiveColor", values.Emissive);
   material.Field("          transparency", values.Transparency);
-  scene_.Line("        }");
 }
 
-void MaterialWriter::WriteTexture(const TextureEntry& entry, pugi::xml_node appearance) {
-  pugi::xml_node parent = appearance;
-  if (IsUnlit(entry) && !scene_.Conforming()) {
-    const bool contact = settings_.OptionContact;
-    parent = appearance.append_child(contact ? "texture" : "MultiTexture");
-    if (contact)
-      scene_.NoteQuirk("the element \"texture\" in the .x3d, which X3D does not know");
-    else
-      AddAttribute(parent, "mode", "MODULATE");
-  }
+void MaterialWriter::WriteTexture(const TextureEntry& entry) {
+  if (!IsUnlit(entry) || scene_.Conforming()) return WriteImage(entry);
+  const bool contact = settings_.OptionContact;
+  SceneNode wrapper = scene_.Open("", contact ? "texture" : "MultiTexture", {}, {.Scope = SceneScope::Document});
+  if (contact)
+    scene_.NoteQuirk("the element \"texture\" in the .x3d, which X3D does not know");
+  else
+    wrapper.Attribute("mode", "MODULATE");
+  WriteImage(entry);
+}
+
+void MaterialWriter::WriteImage(const TextureEntry& entry) {
   if (!imagesWritten_.insert(entry.ImageName).second) {
-    scene_.Use(parent, "        texture ", "ImageTexture", entry.ImageName);
+    scene_.Use("        texture ", "ImageTexture", entry.ImageName);
     return;
   }
-  SceneNode image = scene_.Open(parent, "        texture ", "ImageTexture", entry.ImageName);
+  SceneNode image = scene_.Open("        texture ", "ImageTexture", entry.ImageName);
   image.Strings("          url", entry.File.Url);
-  scene_.Line("        }");
 }
 
-void MaterialWriter::WriteTransform(int number, pugi::xml_node appearance) {
+void MaterialWriter::WriteTransform(int number) {
   const TextureMotion motion = MotionOf(Entry(number).Flags);
   const char* name = TextureTransformName(motion);
   int& definedBy = definedBy_[static_cast<std::size_t>(motion)];
   if (definedBy >= 0) {
-    scene_.Use(appearance, "        textureTransform ", "TextureTransform", name);
+    scene_.Use("        textureTransform ", "TextureTransform", name);
     return;
   }
   definedBy = number;
-  SceneNode transform = scene_.Open(appearance, "        textureTransform ", "TextureTransform", name);
+  SceneNode transform = scene_.Open("        textureTransform ", "TextureTransform", name);
   transform.Field("          translation", "0 0");
   transform.Field("          scale", "1 1");
-  scene_.Line("        }");
 }
 
 } // namespace quarvel

@@ -44,16 +44,17 @@ class MaterialWriter {
   const TextureEntry& Entry(int number) const { return entries_[static_cast<std::size_t>(number)]; }
 
   /// Writes the entry's appearance into the shape that was just opened.
-  void WriteAppearance(int number, pugi::xml_node shape, RunInterface& user);
+  void WriteAppearance(int number, RunInterface& user);
 
   int UniqueMaterialCount() const { return uniqueMaterialCount_; }
   /// Number of the texture that defined a shared transform, -1 while none did.
   int DefinedBy(TextureMotion motion) const { return definedBy_[static_cast<std::size_t>(motion)]; }
 
  private:
-  void WriteMaterial(const TextureEntry& entry, pugi::xml_node appearance);
-  void WriteTexture(const TextureEntry& entry, pugi::xml_node appearance);
-  void WriteTransform(int number, pugi::xml_node appearance);
+  void WriteMaterial(const TextureEntry& entry);
+  void WriteTexture(const TextureEntry& entry);
+  void WriteImage(const TextureEntry& entry);
+  void WriteTransform(int number);
   std::string ImageNameFor(const TextureEntry& entry);
 
   SceneWriter& scene_;

@@ -21,48 +21,40 @@ Vector3 MeshInliner::SceneScale(const Vector3& drawScale3D, double drawScale) co
   return {scale.X, scale.Z, scale.Y};
 }
 
-void MeshInliner::WriteInline(std::string_view mesh, const MeshFiles& files, pugi::xml_node parent,
-                              const std::string& indent) {
+void MeshInliner::WriteInline(std::string_view mesh, const MeshFiles& files, const std::string& indent) {
   const auto [known, isNew] = names_.try_emplace({files.Wrl.Url, files.X3d.Url});
   if (!isNew) {
-    scene_.Use(parent, indent, "Inline", known->second);
+    scene_.Use(indent, "Inline", known->second);
     return;
   }
-  known->second = scene_.Names.Take(MakeDefName("MSH_" + ParseReference(mesh).Name));
+  known->second = scene_.TakeName(MakeDefName("MSH_" + ParseReference(mesh).Name));
   const ResourceFile& inText = files.Wrl.Found ? files.Wrl : files.X3d;
   const ResourceFile& inDocument = files.X3d.Found ? files.X3d : files.Wrl;
-  const SceneNode node = scene_.Open(parent, indent, "Inline", known->second);
-  scene_.Line(indent, "  url \"", inText.Url, "\"");
-  scene_.Line(indent, "}");
-  const std::string quote = scene_.Conforming() ? "\"" : "";
-  AddAttribute(node.Element(), "url", quote + inDocument.Url + quote);
+  SceneNode node = scene_.Open(indent, "Inline", known->second);
+  node.Strings((indent + "  url").c_str(), PerScene{inText.Url, inDocument.Url});
 }
 
 void MeshInliner::WritePlacedMesh(const StaticMeshRecord& actor, std::string_view mesh) {
   const Vector3 place = ToSceneAxes(scene_.ConversionMatrix, ScaleVector(actor.Location, settings_.TextScale));
-  const std::string name = scene_.Names.Take(MakeDefName("MSHT_" + actor.Header.Name));
-  SceneNode transform = scene_.Open(scene_.Group, "", "Transform", name);
+  const std::string name = scene_.TakeName(MakeDefName("MSHT_" + actor.Header.Name));
+  SceneNode transform = scene_.Open("", "Transform", name);
   transform.Field("  translation", FormatVec(place));
   transform.Field("  rotation", RotatorToAxisAngleText(BrushRotator(actor.Rotation), scene_.ConversionMatrix));
   transform.Field("  scale", FormatVec(SceneScale(actor.DrawScale3D, actor.DrawScale)));
-  scene_.Line("  children [");
-  if (const MeshFiles& files = Find(mesh); files.Found()) WriteInline(mesh, files, transform.Element(), "    ");
-  scene_.Line("  ]");
-  scene_.Line("}");
+  transform.Children("  ");
+  if (const MeshFiles& files = Find(mesh); files.Found()) WriteInline(mesh, files, "    ");
 }
 
-void MeshInliner::WriteMoverMesh(const BrushRecord& mover, pugi::xml_node transform) {
+void MeshInliner::WriteMoverMesh(const BrushRecord& mover) {
   const MeshFiles& files = Find(mover.StaticMesh);
   if (!files.Found()) return;
   const std::string scale = FormatVec(SceneScale(mover.DrawScale3D, mover.DrawScale));
-  if (scale == "1 1 1") return WriteInline(mover.StaticMesh, files, transform, "    ");
+  if (scale == "1 1 1") return WriteInline(mover.StaticMesh, files, "    ");
   // The mover's own Transform is not scaled: its keys are in the level's units.
-  SceneNode scaled = scene_.Open(transform, "    ", "Transform");
+  SceneNode scaled = scene_.Open("    ", "Transform");
   scaled.Field("      scale", scale);
-  scene_.Line("      children [");
-  WriteInline(mover.StaticMesh, files, scaled.Element(), "        ");
-  scene_.Line("      ]");
-  scene_.Line("    }");
+  scaled.Children("      ");
+  WriteInline(mover.StaticMesh, files, "        ");
 }
 
 } // namespace quarvel

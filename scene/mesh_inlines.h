@@ -26,13 +26,14 @@ class MeshInliner {
   /// for the mesh the Transform stays empty.
   void WritePlacedMesh(const StaticMeshRecord& actor, std::string_view mesh);
 
-  /// Writes the mesh of a mover into the mover's own Transform, so that what moves the one moves the other.
-  void WriteMoverMesh(const BrushRecord& mover, pugi::xml_node transform);
+  /// Writes the mesh of a mover into the mover's own Transform, which is open, so that what moves the one moves the
+  /// other.
+  void WriteMoverMesh(const BrushRecord& mover);
 
  private:
   std::string FileReference(std::string_view mesh) const;
   const MeshFiles& Find(std::string_view mesh);
-  void WriteInline(std::string_view mesh, const MeshFiles& files, pugi::xml_node parent, const std::string& indent);
+  void WriteInline(std::string_view mesh, const MeshFiles& files, const std::string& indent);
   Vector3 SceneScale(const Vector3& drawScale3D, double drawScale) const;
 
   SceneWriter& scene_;

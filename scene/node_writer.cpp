@@ -3,7 +3,10 @@
 #include "math/number_text.h"
 #include "t3d/text_reader.h"
 
+#include <cassert>
 #include <cstring>
+#include <exception>
+#include <stdexcept>
 
 namespace quarvel {
 
@@ -11,11 +14,25 @@ namespace {
 
 constexpr unsigned inText = 1, inDocument = 2;
 
-unsigned ScopeBits(RouteScope scope) {
-  return scope == RouteScope::Both ? inText | inDocument : scope == RouteScope::Text ? inText : inDocument;
+unsigned ScopeBits(SceneScope scope) {
+  return scope == SceneScope::Both ? inText | inDocument : scope == SceneScope::Text ? inText : inDocument;
 }
 
 const char* FieldName(const char* line) { return line + std::strspn(line, " "); }
+
+std::size_t IndentOf(std::string_view lead) { return std::min(lead.find_first_not_of(' '), lead.size()); }
+
+std::string Blanks(int count) { return std::string(static_cast<std::size_t>(std::max(count, 0)), ' '); }
+
+void AddAttribute(pugi::xml_node element, const char* name, const char* value) {
+  pugi::xml_attribute attribute = element.attribute(name);
+  if (!attribute) attribute = element.append_attribute(name);
+  attribute.set_value(value);
+}
+
+void AddAttribute(pugi::xml_node element, const char* name, const std::string& value) {
+  AddAttribute(element, name, value.c_str());
+}
 
 void AppendRouteLine(std::string& text, const Route& route) {
   text.append("ROUTE ").append(route.FromNode).append(".").append(route.FromField);
@@ -24,129 +41,251 @@ void AppendRouteLine(std::string& text, const Route& route) {
 
 } // namespace
 
+SceneNode::SceneNode(SceneWriter& writer, std::size_t depth)
+    : writer_(&writer), depth_(depth), exceptions_(std::uncaught_exceptions()) {}
+
+SceneNode::SceneNode(SceneNode&& other) noexcept
+    : writer_(std::exchange(other.writer_, nullptr)), depth_(other.depth_), exceptions_(other.exceptions_) {}
+
+SceneNode::~SceneNode() noexcept(false) {
+  if (std::uncaught_exceptions() == exceptions_) Close();
+}
+
+void SceneNode::Close() {
+  if (SceneWriter* writer = std::exchange(writer_, nullptr)) writer->Close(depth_);
+}
+
+bool SceneNode::InText() const {
+  assert(writer_ != nullptr && writer_->open_.size() == depth_ && "another node is being written");
+  return writer_->open_[depth_ - 1].Scope != SceneScope::Document;
+}
+
+/// A null element, which takes no attributes, when only the text has the node.
+pugi::xml_node SceneNode::Element() const {
+  const SceneWriter::OpenNode& node = writer_->open_[depth_ - 1];
+  return node.Scope == SceneScope::Text ? pugi::xml_node() : node.Element;
+}
+
 void SceneNode::Field(const char* line, const std::string& value) {
   TextField(line, value);
-  AddAttribute(element_, FieldName(line), value);
+  AddAttribute(Element(), FieldName(line), value);
 }
 
 void SceneNode::Flag(const char* line, bool value) {
   TextField(line, value ? "TRUE" : "FALSE");
-  AddAttribute(element_, FieldName(line), value ? "true" : "false");
+  AddAttribute(Element(), FieldName(line), value ? "true" : "false");
 }
 
 void SceneNode::String(const char* line, std::string_view value) {
-  writer_->Line(line, " \"", value, "\"");
-  AddAttribute(element_, FieldName(line), std::string(value));
+  if (InText()) writer_->Line(line, " \"", value, "\"");
+  AddAttribute(Element(), FieldName(line), std::string(value));
 }
 
-void SceneNode::Strings(const char* line, std::string_view value, std::string_view before, std::string_view after) {
-  writer_->Line(line, before, "\"", value, "\"", after);
-  const std::string quote = writer_->Conforming() ? "\"" : "";
-  AddAttribute(element_, FieldName(line), quote + std::string(value) + quote);
+void SceneNode::Strings(const char* line, std::string_view value, Brackets brackets) {
+  Strings(line, PerScene{value, value}, brackets);
 }
 
-void SceneNode::List(const char* line, const std::string& values, std::string_view indent, std::string_view closing) {
-  writer_->Line(line, " [");
-  writer_->Line(indent, values);
-  writer_->Line(closing);
-  AddAttribute(element_, FieldName(line), values);
+void SceneNode::Strings(const char* line, const PerScene& value, Brackets brackets) {
+  const bool bracketed = brackets == Brackets::Tight;
+  if (InText()) writer_->Line(line, bracketed ? " [\"" : " \"", value.InText, bracketed ? "\"]" : "\"");
+  AddAttribute(Element(), FieldName(line), writer_->Quoted(value.InDocument));
 }
 
-void SceneNode::TextField(const char* line, std::string_view value) { writer_->Line(line, " ", value); }
+void SceneNode::List(const char* line, const std::string& values, ListLayout layout) {
+  if (InText() && layout == ListLayout::Lines) {
+    const std::string_view indent(line, static_cast<std::size_t>(FieldName(line) - line));
+    writer_->Line(line, " [");
+    writer_->Line(indent, "  ", values);
+    writer_->Line(indent, "]");
+  } else if (InText()) {
+    writer_->Line(line, " [", values, layout == ListLayout::OneLinePadded ? " ]" : "]");
+  }
+  AddAttribute(Element(), FieldName(line), values);
+}
 
-void SceneNode::Attribute(const char* name, const std::string& value) { AddAttribute(element_, name, value); }
+void SceneNode::Code(const std::vector<std::string>& lines, std::string_view indent, std::string_view closingIndent) {
+  std::string url = "javascript:";
+  for (const std::string& line : lines)
+    url.append(LineEnd).append(line);
+  if (InText()) {
+    writer_->Line(indent, "url \"", url);
+    writer_->Line(closingIndent, "\"");
+  }
+  AddAttribute(Element(), "url", writer_->Quoted(url));
+}
+
+void SceneNode::TextField(const char* line, std::string_view value) {
+  if (InText()) writer_->Line(line, " ", value);
+}
+
+void SceneNode::Attribute(const char* name, const std::string& value) { AddAttribute(Element(), name, value); }
 
 void SceneNode::AttributeOrder(std::initializer_list<const char*> names) {
   for (const char* name : names)
-    AddAttribute(element_, name, "");
+    AddAttribute(Element(), name, "");
 }
 
-SceneWriter::SceneWriter(TextEncoding encoding, bool conforming) : encoding_(encoding), conforming_(conforming) {}
+void SceneNode::Children(std::string_view indent, int closing) {
+  if (!InText()) return;
+  writer_->Line(indent, "children [");
+  writer_->open_.back().ChildrenClosing = closing < 0 ? static_cast<int>(indent.size()) : closing;
+}
 
-SceneNode SceneWriter::Open(pugi::xml_node parent, std::string_view lead, const char* type, std::string_view def,
-                            std::string_view tail) {
-  if (!def.empty()) {
-    Define(def);
-    return OpenUnrouted(parent, lead, type, def, tail);
+SceneWriter::SceneWriter(TextFile& file, TextEncoding encoding, bool conforming)
+    : file_(file), encoding_(encoding), conforming_(conforming) {}
+
+void SceneWriter::BeginDocument(const char* comment) {
+  pugi::xml_node declaration = sceneDocument_.append_child(pugi::node_declaration);
+  declaration.set_name("xml");
+  AddAttribute(declaration, "version", "1.0");
+  AddAttribute(declaration, "encoding", "UTF-8");
+  sceneDocument_.append_child(pugi::node_comment).set_value(comment);
+}
+
+pugi::xml_node SceneWriter::Innermost() const {
+  return open_.empty() ? static_cast<const pugi::xml_node&>(sceneDocument_) : open_.back().Element;
+}
+
+/// The entry of an MFString as the document has it: the XML encoding wants quotes, which are left out by default.
+std::string SceneWriter::Quoted(std::string_view value) const {
+  const std::string quote = conforming_ ? "\"" : "";
+  return quote + std::string(value) + quote;
+}
+
+SceneNode SceneWriter::Push(const char* type, std::string_view def, SceneScope scope, int closing) {
+  pugi::xml_node element = Innermost();
+  if (scope != SceneScope::Text) {
+    element = element.append_child(type);
+    if (!def.empty()) AddAttribute(element, "DEF", std::string(def));
   }
-  Line(lead, type, tail);
-  return {*this, parent.append_child(type)};
+  if (scope != SceneScope::Document) ++openInText_;
+  open_.push_back({element, scope, closing, -1, false});
+  return {*this, open_.size()};
 }
 
-SceneNode SceneWriter::OpenUnrouted(pugi::xml_node parent, std::string_view lead, const char* type,
-                                    std::string_view def, std::string_view tail) {
-  Line(lead, "DEF ", def, " ", type, tail);
-  const pugi::xml_node element = parent.append_child(type);
-  AddAttribute(element, "DEF", std::string(def));
-  return {*this, element};
+SceneNode SceneWriter::Open(std::string_view lead, const char* type, std::string_view def, const NodeForm& form) {
+  if (form.Scope != SceneScope::Document) {
+    sceneText_.append(lead);
+    if (!def.empty()) sceneText_.append("DEF ").append(def).append(" ");
+    sceneText_.append(type);
+    if (form.BraceBelow)
+      sceneText_.append(LineEnd).append(lead.substr(0, IndentOf(lead)));
+    else
+      sceneText_.append(static_cast<std::size_t>(form.BeforeBrace), ' ');
+    sceneText_.append("{").append(static_cast<std::size_t>(form.AfterBrace), ' ').append(LineEnd);
+  }
+  if (form.Routed && !def.empty()) Define(def, form.Scope);
+  return Push(type, def, form.Scope, form.Closing < 0 ? static_cast<int>(IndentOf(lead)) : form.Closing);
 }
 
-void SceneWriter::Use(pugi::xml_node parent, std::string_view lead, const char* type, const std::string& name) {
+SceneNode SceneWriter::OpenOnlyChild(std::string_view lead, const char* type, std::string_view def) {
+  SceneNode node = Open(std::string(lead) + "children [ ", type, def);
+  open_.back().IsOnlyChild = true;
+  return node;
+}
+
+void SceneWriter::OneFieldNode(std::string_view lead, const char* type, const char* field, const std::string& value) {
+  Line(lead, type, " { ", field, " ", value, " }");
+  AddAttribute(Innermost().append_child(type), field, value);
+}
+
+void SceneWriter::OneListNode(std::string_view lead, const char* type, std::string_view def, const char* field,
+                              const std::string& values) {
+  if (def.empty())
+    Line(lead, type, " { ", field, " [");
+  else
+    Line(lead, "DEF ", def, " ", type, " { ", field, " [");
+  Line(values, "]");
+  Line(lead.substr(0, IndentOf(lead)), "}");
+  pugi::xml_node element = Innermost().append_child(type);
+  if (!def.empty()) AddAttribute(element, "DEF", std::string(def));
+  AddAttribute(element, field, values);
+}
+
+void SceneWriter::Use(std::string_view lead, const char* type, const std::string& name) {
   Line(lead, "USE ", name);
-  AddAttribute(parent.append_child(type), "USE", name);
+  AddAttribute(Innermost().append_child(type), "USE", name);
 }
 
-void SceneWriter::Define(std::string_view name, RouteScope scope) { defined_[std::string(name)] |= ScopeBits(scope); }
+void SceneWriter::Close(std::size_t depth) {
+  if (open_.size() != depth) throw std::logic_error("the nodes of a scene are closed out of order");
+  const OpenNode node = open_.back();
+  open_.pop_back();
+  if (node.Scope == SceneScope::Document) return;
+  --openInText_;
+  if (node.ChildrenClosing >= 0) Line(Blanks(node.ChildrenClosing), "]");
+  Line(Blanks(node.Closing), node.IsOnlyChild ? "} ]" : "}");
+}
 
-bool SceneWriter::IsDefined(std::string_view name, RouteScope scope) const {
+void SceneWriter::Define(std::string_view name, SceneScope scope) { defined_[std::string(name)] |= ScopeBits(scope); }
+
+bool SceneWriter::IsDefined(std::string_view name, SceneScope scope) const {
   const auto at = defined_.find(std::string(name));
   return at != defined_.end() && (at->second & ScopeBits(scope)) == ScopeBits(scope);
 }
 
-void SceneWriter::Flush(TextFile& file) {
-  file.AppendLine(SceneText);
-  SceneText.clear();
+void SceneWriter::Flush() {
+  if (sceneText_.empty()) return;
+  file_.AppendLine(sceneText_);
+  sceneText_.clear();
+}
+
+void SceneWriter::FlushLines() {
+  file_.Append(sceneText_);
+  sceneText_.clear();
+}
+
+/// A ROUTE stands outside all nodes, behind the two that it names.
+bool SceneWriter::MayRoute(const Route& route) const {
+  return openInText_ == 0 && !route.InText && route.Scope != SceneScope::Document &&
+         IsDefined(route.FromNode, SceneScope::Text) && IsDefined(route.ToNode, SceneScope::Text);
+}
+
+void SceneWriter::AddRoute(Route route) {
+  route.InText = MayRoute(route);
+  if (route.InText) AppendRouteLine(sceneText_, route);
+  pendingRoutes_.push_back(std::move(route));
 }
 
 void SceneWriter::WriteReadyRoutes() {
-  if (InsideChildren) return;
-  for (Route& route : PendingRoutes) {
-    if (route.InText || route.Scope == RouteScope::Document) continue;
-    route.InText = IsDefined(route.FromNode, RouteScope::Text) && IsDefined(route.ToNode, RouteScope::Text);
-    if (route.InText) AppendRouteLine(SceneText, route);
+  for (Route& route : pendingRoutes_) {
+    if (!MayRoute(route)) continue;
+    route.InText = true;
+    AppendRouteLine(sceneText_, route);
   }
 }
 
 void SceneWriter::FinishRoutes(Report& report) {
-  for (const Route& route : PendingRoutes) {
-    const bool wanted = route.Scope != RouteScope::Text;
+  if (openInText_ != 0) throw std::logic_error("a node of the scene was not closed");
+  for (const Route& route : pendingRoutes_) {
+    const bool wanted = route.Scope != SceneScope::Text;
     const bool possible =
-        IsDefined(route.FromNode, RouteScope::Document) && IsDefined(route.ToNode, RouteScope::Document);
+        IsDefined(route.FromNode, SceneScope::Document) && IsDefined(route.ToNode, SceneScope::Document);
     if (wanted && possible) {
-      pugi::xml_node element = Scene.append_child("ROUTE");
+      pugi::xml_node element = Innermost().append_child("ROUTE");
       AddAttribute(element, "fromNode", route.FromNode);
       AddAttribute(element, "fromField", route.FromField);
       AddAttribute(element, "toNode", route.ToNode);
       AddAttribute(element, "toField", route.ToField);
     }
-    if ((wanted && !possible) || (route.Scope != RouteScope::Document && !route.InText))
+    if ((wanted && !possible) || (route.Scope != SceneScope::Document && !route.InText))
       report.Add(route.FromNode, "its route to " + route.ToNode + "." + route.ToField +
                                      " was left out: one of the nodes was never written");
   }
 }
 
-void AddAttribute(pugi::xml_node element, const char* name, const std::string& value) {
-  pugi::xml_attribute attribute = element.attribute(name);
-  if (!attribute) attribute = element.append_attribute(name);
-  attribute.set_value(value.c_str());
-}
-
-void AddScriptField(pugi::xml_node parent, const std::string& name, const char* type, const char* accessType,
+void AddScriptField(SceneWriter& writer, const std::string& name, const std::string& type, const char* accessType,
                     const std::string& value) {
-  pugi::xml_node field = parent.append_child("field");
-  AddAttribute(field, "name", name);
-  AddAttribute(field, "type", type);
-  AddAttribute(field, "accessType", accessType);
-  if (!SameText(value, NoValue)) AddAttribute(field, "value", value);
+  SceneNode field = writer.Open("", "field", {}, {.Scope = SceneScope::Document});
+  field.Attribute("name", name);
+  field.Attribute("type", type);
+  field.Attribute("accessType", accessType);
+  if (!SameText(value, NoValue)) field.Attribute("value", value);
 }
 
 void AddRoute(SceneWriter& writer, const std::string& fromNode, const std::string& fromField, const std::string& toNode,
-              const std::string& toField, RouteScope scope) {
-  writer.PendingRoutes.push_back({fromNode, fromField, toNode, toField, scope, false});
-  Route& route = writer.PendingRoutes.back();
-  if (scope == RouteScope::Document || writer.InsideChildren) return;
-  route.InText = writer.IsDefined(fromNode, RouteScope::Text) && writer.IsDefined(toNode, RouteScope::Text);
-  if (route.InText) AppendRouteLine(writer.SceneText, route);
+              const std::string& toField, SceneScope scope) {
+  writer.AddRoute({fromNode, fromField, toNode, toField, scope, false});
 }
 
 void WritePassable(SceneNode& collision, const char* line) {
@@ -158,13 +297,11 @@ void WritePassable(SceneNode& collision, const char* line) {
     writer.NoteQuirk("the field \"collide\" in the .x3dv, which X3D calls \"enabled\"");
 }
 
-void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, bool loop, bool enabled,
-                     pugi::xml_node parent) {
-  SceneNode node = writer.Open(parent, "", "TimeSensor", name);
+void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, bool loop, bool enabled) {
+  SceneNode node = writer.Open("", "TimeSensor", name);
   node.Field(" cycleInterval", FormatGeneral(cycleInterval));
   node.Flag(" loop", loop);
   node.Flag(" enabled", enabled);
-  writer.Line("}");
 }
 
 } // namespace quarvel

@@ -90,32 +90,20 @@ KeyFrames KeyFramesOf(const TextureMovement& movement) {
 
 /// In the text alone. The code stands on one line: some readers cannot take a string that spans several.
 void WriteScript(SceneWriter& scene, const char* name, const TextureMovement& movement) {
-  scene.Line("DEF ", name, " Script {");
-  scene.Line(" eventIn SFFloat set_fraction");
-  scene.Line(" eventOut SFVec2f translation_changed");
-  scene.Line(" field SFVec2f extent ", PairText(movement.Extent.U, movement.Extent.V));
+  SceneNode script = scene.Open("", "Script", name, {.Scope = SceneScope::Text});
+  script.TextField(" eventIn", "SFFloat set_fraction");
+  script.TextField(" eventOut", "SFVec2f translation_changed");
+  script.TextField(" field", "SFVec2f extent " + PairText(movement.Extent.U, movement.Extent.V));
   const char* u = movement.Circles ? "extent.x * Math.sin(value * 2 * Math.PI)" : "extent.x * value";
   const char* v = movement.Circles ? "extent.y * Math.cos(value * 2 * Math.PI)" : "extent.y * value";
-  scene.Line(" url \"javascript: function set_fraction(value, time) { translation_changed = new SFVec2f(", u, ", ", v,
-             "); }\"");
-  scene.Line("}");
-  scene.Define(name, RouteScope::Text);
+  script.Strings(" url", std::string("javascript: function set_fraction(value, time) { translation_changed = ") +
+                             "new SFVec2f(" + u + ", " + v + "); }");
 }
 
-void WriteInterpolatorText(SceneWriter& scene, const char* name, const KeyFrames& frames) {
-  scene.Line("DEF ", name, " PositionInterpolator2D {");
-  scene.Line(" key [", frames.Keys, "]");
-  scene.Line(" keyValue [", frames.Values, "]");
-  scene.Line("}");
-  scene.Define(name, RouteScope::Text);
-}
-
-void WriteInterpolatorElement(SceneWriter& scene, const char* name, const KeyFrames& frames) {
-  pugi::xml_node element = scene.Group.append_child("PositionInterpolator2D");
-  AddAttribute(element, "DEF", name);
-  AddAttribute(element, "key", frames.Keys);
-  AddAttribute(element, "keyValue", frames.Values);
-  scene.Define(name, RouteScope::Document);
+void WriteInterpolator(SceneWriter& scene, const char* name, const KeyFrames& frames, SceneScope scope) {
+  SceneNode node = scene.Open("", "PositionInterpolator2D", name, {.Scope = scope});
+  node.List(" key", frames.Keys, ListLayout::OneLine);
+  node.List(" keyValue", frames.Values, ListLayout::OneLine);
   if (!scene.Conforming())
     scene.NoteQuirk("the node \"PositionInterpolator2D\" in an X3D scene whose head names no component for it");
 }
@@ -123,16 +111,13 @@ void WriteInterpolatorElement(SceneWriter& scene, const char* name, const KeyFra
 void WriteAnimation(SceneWriter& scene, const AnimationNames& names, const TextureMovement& movement) {
   const char* transform = TextureTransformName(names.Motion);
   const KeyFrames frames = KeyFramesOf(movement);
-  WriteTimeSensor(scene, names.Timer, movement.Seconds, true, true, scene.Group);
-  WriteInterpolatorElement(scene, names.Interpolator, frames);
-  RouteScope interpolated = RouteScope::Document;
-  if (scene.IsX3DClassic()) {
-    WriteInterpolatorText(scene, names.Interpolator, frames);
-    interpolated = RouteScope::Both;
-  } else {
+  WriteTimeSensor(scene, names.Timer, movement.Seconds, true, true);
+  const SceneScope interpolated = scene.IsX3DClassic() ? SceneScope::Both : SceneScope::Document;
+  WriteInterpolator(scene, names.Interpolator, frames, interpolated);
+  if (!scene.IsX3DClassic()) {
     WriteScript(scene, names.Script, movement);
-    AddRoute(scene, names.Timer, "fraction_changed", names.Script, "set_fraction", RouteScope::Text);
-    AddRoute(scene, names.Script, "translation_changed", transform, "set_translation", RouteScope::Text);
+    AddRoute(scene, names.Timer, "fraction_changed", names.Script, "set_fraction", SceneScope::Text);
+    AddRoute(scene, names.Script, "translation_changed", transform, "set_translation", SceneScope::Text);
   }
   AddRoute(scene, names.Timer, "fraction_changed", names.Interpolator, "set_fraction", interpolated);
   AddRoute(scene, names.Interpolator, "value_changed", transform, "set_translation", interpolated);

@@ -43,30 +43,20 @@ void WriteSurfaceFields(SceneNode& geometry, const ConversionSettings& settings)
   geometry.Flag("        solid", false);
 }
 
-/// Point lists are long: the values follow on a line of their own.
-void WritePointNode(SceneNode& geometry, const char* lead, const char* type, const std::string& def,
-                    const std::string& points) {
-  SceneWriter& scene = geometry.Writer();
-  const SceneNode node = scene.Open(geometry.Element(), lead, type, def, " { point [");
-  AddAttribute(node.Element(), "point", points);
-  scene.Line(points, "]");
-  scene.Line("        }");
+void WriteTexturePoints(SceneWriter& scene, const std::vector<TexturePoint>& points) {
+  scene.OneListNode("        texCoord ", "TextureCoordinate", {}, "point", TexturePointList(points));
 }
 
-void WriteTexturePoints(SceneNode& geometry, const std::vector<TexturePoint>& points) {
-  WritePointNode(geometry, "        texCoord ", "TextureCoordinate", {}, TexturePointList(points));
-}
-
-SceneNode OpenGeometry(GeometryContext& context, pugi::xml_node transform, int texture, const char* type) {
-  const pugi::xml_node shape = context.Scene.Open(transform, "    ", "Shape").Element();
-  context.Materials.WriteAppearance(texture, shape, context.User);
-  return context.Scene.Open(shape, "      geometry ", type);
-}
-
-void CloseGeometry(GeometryContext& context) {
-  context.Scene.Line("      }");
-  context.Scene.Line("    }");
-  context.Scene.Flush(context.File);
+/// Writes a shape of this texture; `writeFields` is handed its geometry node.
+template <typename WriteFields>
+void WriteShape(GeometryContext& context, int texture, const char* type, WriteFields writeFields) {
+  SceneNode shape = context.Scene.Open("    ", "Shape");
+  context.Materials.WriteAppearance(texture, context.User);
+  SceneNode geometry = context.Scene.Open("      geometry ", type);
+  writeFields(geometry);
+  geometry.Close();
+  shape.Close();
+  context.Scene.Flush();
 }
 
 std::string HeightList(const Heightfield& field) {
@@ -95,39 +85,37 @@ bool HasHiddenSquare(const Heightfield& field, const TerrainRecord& terrain) {
   return false;
 }
 
-void WriteElevationGrid(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture,
-                        pugi::xml_node transform) {
-  SceneNode grid = OpenGeometry(context, transform, texture, "ElevationGrid");
-  grid.Field("        xDimension", std::to_string(field.Width));
-  grid.Field("        zDimension", std::to_string(field.Height));
-  grid.Field("        xSpacing", FormatFlt(field.SpacingX));
-  grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
-  WriteSurfaceFields(grid, context.Settings);
-  grid.List("        height", HeightList(field), "          ", "        ]");
-  if (BaseLayer(terrain)) WriteTexturePoints(grid, TexturePointsOf(field));
-  CloseGeometry(context);
+void WriteElevationGrid(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
+  WriteShape(context, texture, "ElevationGrid", [&](SceneNode& grid) {
+    grid.Field("        xDimension", std::to_string(field.Width));
+    grid.Field("        zDimension", std::to_string(field.Height));
+    grid.Field("        xSpacing", FormatFlt(field.SpacingX));
+    grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
+    WriteSurfaceFields(grid, context.Settings);
+    grid.List("        height", HeightList(field));
+    if (BaseLayer(terrain)) WriteTexturePoints(context.Scene, TexturePointsOf(field));
+  });
   if (HasHiddenSquare(field, terrain))
     context.Findings.Add(terrain.Header.Name, "has hidden squares, which an elevation grid shows all the same; the "
                                               "option OptionTerrainIFS leaves them out");
 }
 
-void WritePatch(GeometryContext& context, const TerrainPatch& patch, bool textured, int texture,
-                pugi::xml_node transform) {
-  SceneNode faces = OpenGeometry(context, transform, texture, "IndexedFaceSet");
-  WriteSurfaceFields(faces, context.Settings);
-  WritePointNode(faces, "        coord ", "Coordinate", context.Scene.Names.Take("C_TerrainCoords"),
-                 PointList(patch.Points));
-  if (textured) WriteTexturePoints(faces, patch.TexturePoints);
-  faces.List("        coordIndex", IndexList(patch.Faces), "          ", "        ]");
-  CloseGeometry(context);
+void WritePatch(GeometryContext& context, const TerrainPatch& patch, bool textured, int texture) {
+  SceneWriter& scene = context.Scene;
+  WriteShape(context, texture, "IndexedFaceSet", [&](SceneNode& faces) {
+    WriteSurfaceFields(faces, context.Settings);
+    scene.OneListNode("        coord ", "Coordinate", scene.TakeName("C_TerrainCoords"), "point",
+                      PointList(patch.Points));
+    if (textured) WriteTexturePoints(scene, patch.TexturePoints);
+    faces.List("        coordIndex", IndexList(patch.Faces));
+  });
 }
 
-void WriteFaceSets(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture,
-                   pugi::xml_node transform) {
+void WriteFaceSets(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
   for (int top = 0; top < field.Height - 1; top += PatchSquares)
     for (int left = 0; left < field.Width - 1; left += PatchSquares) {
       const TerrainPatch patch = MakePatch(field, terrain, left, top);
-      if (!patch.Faces.empty()) WritePatch(context, patch, BaseLayer(terrain) != nullptr, texture, transform);
+      if (!patch.Faces.empty()) WritePatch(context, patch, BaseLayer(terrain) != nullptr, texture);
     }
 }
 
@@ -143,16 +131,15 @@ bool WriteTerrain(GeometryContext& context, ResourceFiles& resources, const Terr
   const int texture = context.Materials.TextureNumber(layer ? layer->Texture : std::string(), 0, true);
 
   const std::string name = terrain.Header.Name.empty() ? terrain.Header.Class : terrain.Header.Name;
-  SceneNode transform = scene.Open(scene.Group, "", "Transform", scene.Names.Take(MakeDefName(name)));
+  SceneNode transform = scene.Open("", "Transform", scene.TakeName(MakeDefName(name)));
   transform.Field("  translation", FormatVec(field.Corner));
-  scene.Line("  children [");
+  transform.Children("  ");
   if (context.Settings.OptionTerrainIFS)
-    WriteFaceSets(context, field, terrain, texture, transform.Element());
+    WriteFaceSets(context, field, terrain, texture);
   else
-    WriteElevationGrid(context, field, terrain, texture, transform.Element());
-  scene.Line("  ]");
-  scene.Line("}");
-  scene.Flush(context.File);
+    WriteElevationGrid(context, field, terrain, texture);
+  transform.Close();
+  scene.Flush();
   return true;
 }
 

@@ -27,7 +27,7 @@ class ActorTest : public ::testing::Test {
 
   /// The text written so far, with plain line ends.
   std::string Text() {
-    std::string text = Scene().SceneText;
+    std::string text = Scene().SceneText();
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
     return text;
   }
@@ -35,7 +35,7 @@ class ActorTest : public ::testing::Test {
   /// The elements of the document's content, without indentation.
   std::string Document() {
     std::ostringstream out;
-    for (const pugi::xml_node node : Scene().Scene.children())
+    for (const pugi::xml_node node : Scene().SceneDocument().child("Scene").children())
       node.print(out, "", pugi::format_raw);
     return out.str();
   }
@@ -57,18 +57,20 @@ class ActorTest : public ::testing::Test {
  private:
   struct Made {
     Made(const ConversionSettings& settings, Report& findings, const std::filesystem::path& folder)
-        : Scene(settings.OptionFlux ? TextEncoding::X3DClassic : TextEncoding::Vrml97, settings.CheckConforming),
+        : File(folder / "level.wrl", TextCoding::AsIs),
+          Scene(File, settings.OptionFlux ? TextEncoding::X3DClassic : TextEncoding::Vrml97, settings.CheckConforming),
           Resources(settings, folder / "in" / "level.t3d", folder / "level.wrl", findings),
           Materials(Scene, Resources, settings, "0.8 0.8 0.8"), Context{Scene,     settings, Resources,
-                                                                        Materials, User,     findings} {
-      Scene.Scene = Scene.SceneDocument.append_child("X3D").append_child("Scene");
-      Scene.Group = Scene.Scene.append_child("Group");
-    }
+                                                                        Materials, User,     findings},
+          Root(Scene.Open("", "Scene", {}, {.Scope = SceneScope::Document})),
+          Group(Scene.Open("", "Group", {}, {.Scope = SceneScope::Document})) {}
+    TextFile File;
     SceneWriter Scene;
     ResourceFiles Resources;
     MaterialWriter Materials;
     RunInterface User;
     ActorContext Context;
+    SceneNode Root, Group;
   };
 
   std::unique_ptr<Made> made_;

@@ -30,8 +30,8 @@ class FlyThrough : public ActorTest {
     return FlightsOfPoints(points, Findings);
   }
   bool Wrote(const std::string& part) { return Text().find(part) != std::string::npos; }
-  bool Routed(const std::string& from, const std::string& to, RouteScope scope) {
-    const auto& routes = Scene().PendingRoutes;
+  bool Routed(const std::string& from, const std::string& to, SceneScope scope) {
+    const auto& routes = Scene().PendingRoutes();
     return std::any_of(routes.begin(), routes.end(), [&](const Route& route) {
       return route.FromNode + "." + route.FromField == from && route.ToNode + "." + route.ToField == to &&
              route.Scope == scope;
@@ -119,15 +119,15 @@ TEST_F(FlyThrough, CameraLooksAlongThePointsRotation) {
 }
 
 TEST_F(FlyThrough, TakesOffWhenItsCameraIsBound) {
-  WriteFlyThrough(Context(), Plan(triangle_), Scene().Group);
+  WriteFlyThrough(Context(), Plan(triangle_));
   EXPECT_TRUE(Wrote("DEF FlyThru Transform {\n  translation 0 0 0\n  rotation 0 0 -1 0\n  children [\n"
                     "    DEF V_FlyThru Viewpoint {\n      position 0 0 0\n      orientation 0 -1 0.0 1.570796\n"
                     "      description \"FlyThru\"\n"))
       << Text();
   EXPECT_TRUE(Wrote("DEF FlyThruTIMER TimeSensor {\n cycleInterval 2\n loop FALSE\n"));
   EXPECT_TRUE(Wrote("ROUTE V_FlyThru.bindTime TO FlyThruTIMER.startTime\n"));
-  EXPECT_TRUE(Routed("STARTFLYTHRU.isActive", "STARTFLYTHRUBF.set_boolean", RouteScope::Text));
-  EXPECT_TRUE(Routed("STARTFLYTHRUBF.inputTrue", "V_FlyThru.set_bind", RouteScope::Text));
+  EXPECT_TRUE(Routed("STARTFLYTHRU.isActive", "STARTFLYTHRUBF.set_boolean", SceneScope::Text));
+  EXPECT_TRUE(Routed("STARTFLYTHRUBF.inputTrue", "V_FlyThru.set_bind", SceneScope::Text));
   EXPECT_LT(Document().find("DEF=\"V_FlyThru\""), Document().find("DEF=\"STARTFLYTHRUBF\"")) << "viewers start there";
   EXPECT_FALSE(Wrote("IndexedLineSet"));
 }
@@ -136,17 +136,17 @@ TEST_F(FlyThrough, CanBeDelayedAndShown) {
   Settings.CheckConforming = Settings.CheckFlyThruDelay = Settings.CheckShowFlyThru = true;
   Settings.TextFlyThruDelay = {"2.5", 2.5};
   Settings.TextBezierSubD = {"0.7", 0.7};
-  WriteFlyThrough(Context(), Plan(triangle_), Scene().Group);
+  WriteFlyThrough(Context(), Plan(triangle_));
   EXPECT_TRUE(Wrote("    startTime_changed = value + 2.5;\n"));
   EXPECT_TRUE(Wrote("ROUTE SCRIPTFlyThru.startTime_changed TO FlyThruTIMER.startTime\n"));
   EXPECT_FALSE(Wrote("V_FlyThru.bindTime TO FlyThruTIMER"));
   EXPECT_TRUE(Wrote("      0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, -1\n")) << Text();
   EXPECT_TRUE(Reported("TextBezierSubD", "not between"));
-  EXPECT_TRUE(Routed("STARTFLYTHRUBF.inputTrue", "V_FlyThru.set_bind", RouteScope::Both));
+  EXPECT_TRUE(Routed("STARTFLYTHRUBF.inputTrue", "V_FlyThru.set_bind", SceneScope::Both));
 }
 
 TEST_F(FlyThrough, WithoutPointsWritesNothing) {
-  WriteFlyThrough(Context(), {}, Scene().Group);
+  WriteFlyThrough(Context(), {});
   EXPECT_EQ(Text(), "");
 }
 

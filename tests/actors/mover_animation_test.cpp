@@ -107,7 +107,7 @@ TEST_F(MoverAnimations, VisitTheKeysInACircleFromTheStartKey) {
 TEST_F(MoverAnimations, AreWrittenInBothScenes) {
   Scene().Define("Door");
   MoverAnimation track = TrackOf(2);
-  WriteInterpolators(Scene(), "Door", track, 1, Scene().Group);
+  WriteInterpolators(Scene(), "Door", track, 1);
   EXPECT_EQ(Text(), "DEF DoorPOSINT PositionInterpolator {\n key [0 1 ]\n keyValue [0 0 0,100 0 0 ]\n}\n"
                     "DEF DoorROTINT OrientationInterpolator {\n key [0 1 ]\n"
                     " keyValue [0 0 -1 0,0 -1 0.0 0.392699 ]\n}\n"
@@ -126,9 +126,9 @@ TEST_F(MoverAnimations, RouteOnlyWhatTheyMove) {
   Scene().Define("Door");
   MoverAnimation track = TrackOf(2);
   track.AnimatePosition = false;
-  WriteInterpolators(Scene(), "Door", track, 1, Scene().Group);
+  WriteInterpolators(Scene(), "Door", track, 1);
   EXPECT_EQ(Text().find("Position"), std::string::npos);
-  EXPECT_EQ(Scene().PendingRoutes.size(), 2u);
+  EXPECT_EQ(Scene().PendingRoutes().size(), 2u);
 }
 
 } // namespace

@@ -27,7 +27,7 @@ TEST_F(Sounds, AreWrittenWithTheirDistancesBehindBelowZero) {
   SoundSource source = Source("Sound'A.B.hum60'");
   source.Block.SoundRadius = 0;
   source.Block.SoundVolume = 255;
-  EXPECT_EQ(WriteSound(Context(), source, Scene().Group), "AC_hum60_wav");
+  EXPECT_EQ(WriteSound(Context(), source), "AC_hum60_wav");
   EXPECT_EQ(Text(), "DEF S_A0 Sound {\n  intensity 1\n  minBack -6.25\n  minFront 6.25\n  maxBack -25\n  maxFront 25\n"
                     "  source DEF AC_hum60_wav AudioClip  {\n   loop TRUE\n   pitch 1\n   startTime 1\n   url "
                     "[\"hum60.wav\"]\n  }\n }\n");
@@ -39,22 +39,22 @@ TEST_F(Sounds, AreWrittenWithTheirDistancesBehindBelowZero) {
 
 TEST_F(Sounds, OfOneFileShareOneClip) {
   SoundSource source = Source("Sound'A.hum'");
-  WriteSound(Context(), source, Scene().Group);
+  WriteSound(Context(), source);
   source.Block.AmbientSound = "Sound'Other.Hum'";
   source.Block.SoundPitch = 32;
   source.Name = "A1";
-  EXPECT_EQ(WriteSound(Context(), source, Scene().Group), "AC_hum_wav");
+  EXPECT_EQ(WriteSound(Context(), source), "AC_hum_wav");
   EXPECT_TRUE(TextHas("  source USE AC_hum_wav\n }\n"));
   EXPECT_TRUE(DocumentHas("<AudioClip USE=\"AC_hum_wav\"/>"));
   EXPECT_TRUE(Reported("A1", "pitch"));
   source.BaseName = "Own";
-  EXPECT_EQ(WriteSound(Context(), source, Scene().Group), "Own");
+  EXPECT_EQ(WriteSound(Context(), source), "Own");
   EXPECT_TRUE(TextHas("DEF S_Own Sound {"));
 }
 
 TEST_F(Sounds, WithoutAReferenceAreNotWritten) {
-  EXPECT_EQ(WriteSound(Context(), Source(""), Scene().Group), "");
-  EXPECT_EQ(WriteSound(Context(), Source("None"), Scene().Group), "");
+  EXPECT_EQ(WriteSound(Context(), Source("")), "");
+  EXPECT_EQ(WriteSound(Context(), Source("None")), "");
   WriteAmbientSound(Context(), {});
   WriteRandom({});
   WriteTriggeredSound(Context(), {});
@@ -68,7 +68,7 @@ TEST_F(Sounds, OutOfRangeAreClamped) {
   source.Block.SoundVolume = 300;
   source.Block.SoundPitch = 0;
   source.Block.SoundRadius = -9;
-  WriteSound(Context(), source, Scene().Group);
+  WriteSound(Context(), source);
   EXPECT_TRUE(TextHas("  intensity 1\n  minBack 0\n  minFront 0\n"));
   EXPECT_TRUE(TextHas("   pitch 0.015625\n"));
   EXPECT_TRUE(Reported("A0", "out of range"));
@@ -78,7 +78,7 @@ TEST_F(Sounds, StartAsTheirFlagsSay) {
   // The document starts a sound that nothing else starts; the text does not.
   SoundSource source = Source("Sound'A.one'");
   source.Loop = false;
-  WriteSound(Context(), source, Scene().Group);
+  WriteSound(Context(), source);
   EXPECT_FALSE(TextHas("startTime"));
   EXPECT_TRUE(DocumentHas("startTime=\"1\""));
 }
@@ -87,7 +87,7 @@ TEST_F(Sounds, StartedByAScriptStandStillUntilThen) {
   SoundSource source = Source("Sound'A.one'");
   source.Loop = false;
   source.StartedElsewhere = true;
-  WriteSound(Context(), source, Scene().Group);
+  WriteSound(Context(), source);
   EXPECT_FALSE(TextHas("startTime"));
   EXPECT_FALSE(DocumentHas("startTime"));
 }
@@ -159,7 +159,7 @@ TEST_F(Sounds, PlayAtRandomByATimerAndAScript) {
   EXPECT_TRUE(TextHas("ROUTE SCRIPTDYNAMBSOUND_D.sound2_changed TO DYNAMBSOUND_D_2.startTime\n"));
   EXPECT_TRUE(DocumentHas("<field name=\"minReCheckTime\" type=\"SFFloat\" accessType=\"inputOutput\" value=\".6\"/>"));
   EXPECT_TRUE(DocumentHas("<field name=\"bInitiallyOn\" type=\"SFBool\" accessType=\"inputOutput\" value=\"true\"/>"));
-  EXPECT_EQ(Scene().PendingRoutes.size(), 5u);
+  EXPECT_EQ(Scene().PendingRoutes().size(), 5u);
 }
 
 TEST_F(Sounds, PlayAtRandomWithTheirOwnValuesWhenConforming) {
@@ -179,8 +179,8 @@ TEST_F(Sounds, PlayAtRandomWithTheirOwnValuesWhenConforming) {
 
 TEST_F(Sounds, AreCopiedBesideTheSceneOrListedAsMissing) {
   Folder.Write("in/loops/Hum.wav", "RIFF");
-  WriteSound(Context(), Source("Sound'A.hum'"), Scene().Group);
-  WriteSound(Context(), Source("Sound'A.gone'"), Scene().Group);
+  WriteSound(Context(), Source("Sound'A.hum'"));
+  WriteSound(Context(), Source("Sound'A.gone'"));
   EXPECT_EQ(Folder.Read("hum.wav"), "RIFF");
   ASSERT_EQ(Context().Resources.MissingSounds().size(), 1u);
   EXPECT_TRUE(Context().Resources.MissingSounds()[0].ends_with("gone.wav"));

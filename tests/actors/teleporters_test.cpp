@@ -15,9 +15,7 @@ class Teleporters : public ActorTest {
     teleporter.URL = url;
     return teleporter;
   }
-  void Write(const std::vector<TeleporterRecord>& teleporters) {
-    WriteTeleporters(Context(), teleporters, "Marsh", Scene().Group);
-  }
+  void Write(const std::vector<TeleporterRecord>& teleporters) { WriteTeleporters(Context(), teleporters, "Marsh"); }
   bool Wrote(const std::string& part) { return Text().find(part) != std::string::npos; }
   bool Leads(const std::string& from, const std::string& to) {
     return Wrote("ROUTE SCRIPTTele" + from + ".go_inchanged TO V_" + to + ".set_bind\n");

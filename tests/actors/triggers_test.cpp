@@ -16,7 +16,7 @@ class Triggers : public ActorTest {
     NoteLink(Context(), tag, field, "Target", field == "isActive" ? "set_on" : "startTime");
     WriteTriggersAndLinks(Context());
     std::vector<std::string> routes;
-    for (const Route& route : Scene().PendingRoutes) {
+    for (const Route& route : Scene().PendingRoutes()) {
       EXPECT_TRUE(route.InText) << route.FromNode;
       routes.push_back(route.FromNode + "." + route.FromField + " TO " + route.ToNode + "." + route.ToField);
     }

@@ -83,7 +83,8 @@ TEST_F(MeshInlinesTest, ScalesAreInSceneAxesAndKeepTheirSigns) {
   BrushRecord mover;
   mover.StaticMesh = "StaticMesh'Pkg.Urn'";
   mover.DrawScale = 1.5;
-  inliner.WriteMoverMesh(mover, scene_->Group.append_child("Transform"));
+  const SceneNode moved = scene_->Open("", "Transform");
+  inliner.WriteMoverMesh(mover);
   EXPECT_TRUE(Element("//Group/Transform[2]/Transform[@scale='3 3 3']/Inline[@USE]"))
       << "the mover itself stays unscaled";
 }

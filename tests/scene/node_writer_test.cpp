@@ -3,87 +3,106 @@
 #include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 namespace quarvel {
 namespace {
 
-/// A writer with the part of a document that nodes and routes go to.
-struct Writer : SceneWriter {
-  explicit Writer(bool conforming = false) : SceneWriter(TextEncoding::Vrml97, conforming) {
-    Scene = SceneDocument.append_child("Scene");
-    Group = Scene.append_child("Group");
+class NodeWriter : public testing::Test {
+ protected:
+  std::string Document() const {
+    XMLFaults faults;
+    EXPECT_TRUE(SaveXML(writer_.SceneDocument(), folder_.Path() / "scene.x3d", writer_.Conforming(), faults));
+    return folder_.Read("scene.x3d");
   }
 
-  std::string Document() {
-    const TemporaryFolder folder;
-    XMLFaults faults;
-    EXPECT_TRUE(SaveXML(SceneDocument, folder.Path() / "scene.x3d", Conforming(), faults));
-    return folder.Read("scene.x3d");
-  }
+  TemporaryFolder folder_;
+  TextFile file_{folder_.Path() / "scene.wrl", TextCoding::AsIs};
+  SceneWriter writer_{file_, TextEncoding::Vrml97, false};
+  Report report_;
 };
 
-TEST(NodeWriter, WritesATimeSensorInBothEncodings) {
-  Writer writer;
-  WriteTimeSensor(writer, "T", 0.25, true, false, writer.Group);
-  WriteTimeSensor(writer, "U", 100000, false, true, writer.Group);
-  EXPECT_EQ(writer.SceneText, "DEF T TimeSensor {\r\n cycleInterval 0.25\r\n loop TRUE\r\n enabled FALSE\r\n}\r\n"
-                              "DEF U TimeSensor {\r\n cycleInterval 100000\r\n loop FALSE\r\n enabled TRUE\r\n}\r\n");
-  EXPECT_EQ(writer.Document(), "<Scene>\r\n <Group>\r\n"
-                               "  <TimeSensor DEF='T' cycleInterval='0.25' loop='true' enabled='false'/>\r\n"
-                               "  <TimeSensor DEF='U' cycleInterval='100000' loop='false' enabled='true'/>\r\n"
-                               " </Group>\r\n</Scene>\r\n");
+TEST_F(NodeWriter, ClosesWhatItOpensInBothEncodings) {
+  SceneNode outer = writer_.Open(" ", "Transform", "A", {.BeforeBrace = 2});
+  outer.Field("  translation", "1 2 3");
+  outer.Children("  ", 0);
+  {
+    SceneNode place = writer_.Open("   ", "Transform", {}, {.BraceBelow = true, .Closing = 2});
+    writer_.OpenOnlyChild("    ", "Group", "B").Close();
+  }
+  writer_.OneListNode("   coord ", "Coordinate", "C", "point", "0 0 0,1 1 1");
+  writer_.Open("", "Viewpoint", "V", {.Scope = SceneScope::Text}).Flag(" jump", true);
+  {
+    const SceneNode group = writer_.Open("", "Group", {}, {.Scope = SceneScope::Document});
+    writer_.Open("", "Sound", {}, {.Scope = SceneScope::Document}).Field(" intensity", "1");
+  }
+  outer.Close();
+  EXPECT_EQ(writer_.SceneText(), " DEF A Transform  {\r\n  translation 1 2 3\r\n  children [\r\n"
+                                 "   Transform\r\n   {\r\n    children [ DEF B Group {\r\n    } ]\r\n  }\r\n"
+                                 "   coord DEF C Coordinate { point [\r\n0 0 0,1 1 1]\r\n   }\r\n"
+                                 "DEF V Viewpoint {\r\n jump TRUE\r\n}\r\n]\r\n }\r\n");
+  EXPECT_EQ(Document(), "<Transform DEF='A' translation='1 2 3'>\r\n <Transform>\r\n  <Group DEF='B'/>\r\n"
+                        " </Transform>\r\n <Coordinate DEF='C' point='0 0 0,1 1 1'/>\r\n <Group>\r\n"
+                        "  <Sound intensity='1'/>\r\n </Group>\r\n</Transform>\r\n");
 }
 
-TEST(NodeWriter, DeclaresScriptFields) {
-  Writer writer;
-  pugi::xml_node script = writer.Group.append_child("Script");
-  AddScriptField(script, "set_time", "SFTime", "inputOnly", "GOBBLEDGOOK");
-  AddScriptField(script, "count", "SFInt32", "inputOutput", "");
-  AddAttribute(script, "DEF", "S");
-  AddAttribute(script, "DEF", "S2");
-  EXPECT_EQ(writer.Document(), "<Scene>\r\n <Group>\r\n  <Script DEF='S2'>\r\n"
-                               "   <field name='set_time' type='SFTime' accessType='inputOnly'/>\r\n"
-                               "   <field name='count' type='SFInt32' accessType='inputOutput' value=''/>\r\n"
-                               "  </Script>\r\n </Group>\r\n</Scene>\r\n");
+TEST_F(NodeWriter, NoticesNodesThatAreNotClosedInOrder) {
+  SceneNode outer = writer_.Open("", "Group");
+  SceneNode inner = writer_.Open("", "Group");
+  EXPECT_THROW(writer_.FinishRoutes(report_), std::logic_error);
+  EXPECT_THROW(outer.Close(), std::logic_error);
 }
 
-TEST(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
-  Writer writer;
-  writer.Open(writer.Group, "", "TimeSensor", "A");
-  writer.SceneText.clear();
-  AddRoute(writer, "A", "time", "B", "set_time");
-  AddRoute(writer, "A", "time", "Never", "set_time");
-  AddRoute(writer, "A", "time", "B", "later", RouteScope::Document);
-  EXPECT_EQ(writer.SceneText, "") << "B is not there yet";
-  writer.Define("B");
-  AddRoute(writer, "B", "x", "A", "y", RouteScope::Text);
-  EXPECT_EQ(writer.SceneText, "ROUTE B.x TO A.y\r\n");
-  writer.InsideChildren = true;
-  AddRoute(writer, "B", "inside", "A", "y");
-  writer.WriteReadyRoutes();
-  EXPECT_EQ(writer.SceneText, "ROUTE B.x TO A.y\r\n") << "none inside a children list";
-  writer.InsideChildren = false;
-  writer.WriteReadyRoutes();
-  writer.WriteReadyRoutes();
-  EXPECT_EQ(writer.SceneText, "ROUTE B.x TO A.y\r\nROUTE A.time TO B.set_time\r\nROUTE B.inside TO A.y\r\n");
-  Report report;
-  writer.FinishRoutes(report);
-  EXPECT_EQ(writer.Document(), "<Scene>\r\n <Group>\r\n  <TimeSensor DEF='A'/>\r\n </Group>\r\n"
-                               " <ROUTE fromNode='A' fromField='time' toNode='B' toField='set_time'/>\r\n"
-                               " <ROUTE fromNode='A' fromField='time' toNode='B' toField='later'/>\r\n"
-                               " <ROUTE fromNode='B' fromField='inside' toNode='A' toField='y'/>\r\n"
-                               "</Scene>\r\n");
-  ASSERT_EQ(report.Findings().size(), 1U);
-  EXPECT_NE(report.Findings()[0].Reason.find("Never"), std::string::npos);
+TEST_F(NodeWriter, WritesATimeSensorAndDeclaresScriptFields) {
+  WriteTimeSensor(writer_, "T", 0.25, true, false);
+  EXPECT_EQ(writer_.SceneText(), "DEF T TimeSensor {\r\n cycleInterval 0.25\r\n loop TRUE\r\n enabled FALSE\r\n}\r\n");
+  SceneNode script = writer_.Open("", "Script", "S");
+  AddScriptField(writer_, "set_time", "SFTime", "inputOnly", "GOBBLEDGOOK");
+  AddScriptField(writer_, "count", "SFInt32", "inputOutput", "");
+  script.Attribute("DEF", "S2");
+  EXPECT_EQ(Document(), "<TimeSensor DEF='T' cycleInterval='0.25' loop='true' enabled='false'/>\r\n"
+                        "<Script DEF='S2'>\r\n"
+                        " <field name='set_time' type='SFTime' accessType='inputOnly'/>\r\n"
+                        " <field name='count' type='SFInt32' accessType='inputOutput' value=''/>\r\n"
+                        "</Script>\r\n");
 }
 
-TEST(NodeWriter, QuotesStringListsInConformingDocuments) {
+TEST_F(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
+  writer_.Define("A");
+  AddRoute(writer_, "A", "time", "B", "set_time");
+  AddRoute(writer_, "A", "time", "Never", "set_time");
+  AddRoute(writer_, "A", "time", "B", "later", SceneScope::Document);
+  EXPECT_EQ(writer_.SceneText(), "") << "B is not there yet";
+  writer_.Define("B");
+  AddRoute(writer_, "B", "x", "A", "y", SceneScope::Text);
+  EXPECT_EQ(writer_.SceneText(), "ROUTE B.x TO A.y\r\n");
+  writer_.Flush();
+  SceneNode group = writer_.Open("", "Group");
+  AddRoute(writer_, "B", "inside", "A", "y");
+  writer_.WriteReadyRoutes();
+  group.Close();
+  EXPECT_EQ(writer_.SceneText(), "Group {\r\n}\r\n") << "none inside a node";
+  writer_.Flush();
+  writer_.WriteReadyRoutes();
+  writer_.WriteReadyRoutes();
+  EXPECT_EQ(writer_.SceneText(), "ROUTE A.time TO B.set_time\r\nROUTE B.inside TO A.y\r\n");
+  writer_.FinishRoutes(report_);
+  EXPECT_EQ(Document(), "<Group/>\r\n"
+                        "<ROUTE fromNode='A' fromField='time' toNode='B' toField='set_time'/>\r\n"
+                        "<ROUTE fromNode='A' fromField='time' toNode='B' toField='later'/>\r\n"
+                        "<ROUTE fromNode='B' fromField='inside' toNode='A' toField='y'/>\r\n");
+  ASSERT_EQ(report_.Findings().size(), 1U);
+  EXPECT_NE(report_.Findings()[0].Reason.find("Never"), std::string::npos);
+}
+
+TEST_F(NodeWriter, QuotesStringListsInConformingDocuments) {
   for (const bool conforming : {false, true}) {
-    Writer writer(conforming);
-    writer.Open(writer.Group, "", "ImageTexture").Strings(" url", "wall.png", " [", "]");
-    EXPECT_EQ(writer.SceneText, "ImageTexture {\r\n url [\"wall.png\"]\r\n");
-    const std::string value = writer.Group.child("ImageTexture").attribute("url").value();
-    EXPECT_EQ(value, conforming ? "\"wall.png\"" : "wall.png");
+    SceneWriter writer(file_, TextEncoding::Vrml97, conforming);
+    SceneNode image = writer.Open("", "ImageTexture");
+    image.Strings(" url", PerScene{"wall.wrl", "wall.x3d"}, Brackets::Tight);
+    EXPECT_EQ(writer.SceneText(), "ImageTexture {\r\n url [\"wall.wrl\"]\r\n");
+    const std::string value = writer.SceneDocument().first_child().attribute("url").value();
+    EXPECT_EQ(value, conforming ? "\"wall.x3d\"" : "wall.x3d");
   }
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace quarvel::test {
@@ -24,14 +25,13 @@ class SceneFixture : public testing::Test {
   /// Begins the scene, with the settings as they are by then.
   void Begin(TextEncoding encoding = TextEncoding::Vrml97, bool conforming = false) {
     const auto out = folder_.Path() / "out/level.wrl";
-    scene_ = std::make_unique<SceneWriter>(encoding, conforming);
-    scene_->Scene = scene_->SceneDocument.append_child("X3D").append_child("Scene");
-    scene_->Group = scene_->Scene.append_child("Group");
+    group_.reset();
     file_ = std::make_unique<TextFile>(out, TextCoding::AsIs);
+    scene_ = std::make_unique<SceneWriter>(*file_, encoding, conforming);
+    group_.emplace(scene_->Open("", "Group", {}, {.Scope = SceneScope::Document}));
     resources_ = std::make_unique<ResourceFiles>(settings_, folder_.Path() / "level.t3d", out, report_);
     materials_ = std::make_unique<MaterialWriter>(*scene_, *resources_, settings_, "1 1 1");
-    geometry_ =
-        std::make_unique<GeometryContext>(GeometryContext{*scene_, *file_, *materials_, settings_, user_, report_});
+    geometry_ = std::make_unique<GeometryContext>(GeometryContext{*scene_, *materials_, settings_, user_, report_});
   }
 
   void WriteImage(const std::string& name, const Blob& content) {
@@ -40,7 +40,7 @@ class SceneFixture : public testing::Test {
 
   /// All text written so far, without carriage returns.
   std::string Text() {
-    scene_->Flush(*file_);
+    scene_->Flush();
     file_->Flush();
     std::string text = folder_.Read("out/level.wrl");
     std::erase(text, '\r');
@@ -48,18 +48,19 @@ class SceneFixture : public testing::Test {
   }
 
   pugi::xml_node Element(const std::string& path) const {
-    return scene_->SceneDocument.select_node(path.c_str()).node();
+    return scene_->SceneDocument().select_node(path.c_str()).node();
   }
   std::size_t CountElements(const std::string& path) const {
-    return scene_->SceneDocument.select_nodes(path.c_str()).size();
+    return scene_->SceneDocument().select_nodes(path.c_str()).size();
   }
 
   TemporaryFolder folder_;
   ConversionSettings settings_;
   Report report_;
   RunInterface user_;
-  std::unique_ptr<SceneWriter> scene_;
   std::unique_ptr<TextFile> file_;
+  std::unique_ptr<SceneWriter> scene_;
+  std::optional<SceneNode> group_; ///< around all that is written
   std::unique_ptr<ResourceFiles> resources_;
   std::unique_ptr<MaterialWriter> materials_;
   std::unique_ptr<GeometryContext> geometry_;

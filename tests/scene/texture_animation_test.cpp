@@ -48,9 +48,8 @@ class TextureAnimationTest : public SceneFixture {
  protected:
   void WriteSurface(std::uint32_t flags) {
     WriteImage("Water.png", MadePngHead(64, 64));
-    const auto shape = scene_->Open(scene_->Group, "", "Shape").Element();
-    materials_->WriteAppearance(materials_->TextureNumber("Water", flags), shape, user_);
-    scene_->Line("}");
+    const SceneNode shape = scene_->Open("", "Shape");
+    materials_->WriteAppearance(materials_->TextureNumber("Water", flags), user_);
   }
   std::size_t RoutesOfDocument() {
     scene_->WriteReadyRoutes();
@@ -92,12 +91,12 @@ TEST_F(TextureAnimationTest, X3DInterpolatesInBothScenesAndWavesClose) {
 
 TEST_F(TextureAnimationTest, AnEnclosedSceneGetsItsRoutesBehindTheEnclosure) {
   Begin(TextEncoding::Contact);
-  scene_->InsideChildren = true;
+  SceneNode enclosing = scene_->Open("", "Transform");
   WriteSurface(SurfacePansU | SurfacePansV);
   WriteSurface(SurfacePansV);
   WriteTextureAnimations(*scene_, *materials_, {1, 1});
-  EXPECT_EQ(CountOf(scene_->SceneText, "ROUTE "), 0U);
-  scene_->InsideChildren = false;
+  EXPECT_EQ(CountOf(scene_->SceneText(), "ROUTE "), 0U);
+  enclosing.Close();
   EXPECT_EQ(RoutesOfDocument(), 4U);
   EXPECT_EQ(CountOf(Text(), "ROUTE "), 4U);
   EXPECT_TRUE(report_.Findings().empty());

@@ -67,7 +67,7 @@ class TerrainTest : public SceneFixture {
   }
   Surface FaceSetSurface() {
     Surface surface;
-    for (const pugi::xpath_node& at : scene_->SceneDocument.select_nodes("//IndexedFaceSet")) {
+    for (const pugi::xpath_node& at : scene_->SceneDocument().select_nodes("//IndexedFaceSet")) {
       const std::vector<double> points = Numbers(at.node().child("Coordinate").attribute("point").value());
       const std::vector<double> texture = Numbers(at.node().child("TextureCoordinate").attribute("point").value());
       EXPECT_EQ(points.size() / 3, texture.size() / 2);
@@ -130,7 +130,7 @@ TEST_F(TerrainTest, ATerrainWithoutAUsableHeightmapIsLeftOut) {
   terrain_.TerrainMap.clear();
   EXPECT_FALSE(Write());
   EXPECT_EQ(report_.Findings().size(), 3U);
-  EXPECT_EQ(scene_->SceneText, "");
+  EXPECT_EQ(scene_->SceneText(), "");
   EXPECT_EQ(CountElements("//Group/*"), 0U);
 }
 
