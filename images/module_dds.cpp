@@ -2,7 +2,6 @@
 
 #include "images/bytes.h"
 #include "images/color_masks.h"
-#include "images/image_headers.h"
 
 #include <algorithm>
 #include <array>
@@ -79,12 +78,13 @@ void PutBlock(const Block& block, int left, int top, Image& image) {
   }
 }
 
-void ReadBlocks(ByteView file, const DdsHeader& header, Image& image) {
-  std::size_t at = header.DataOffset;
+std::size_t BlockBytes(DdsFormat format) { return format == DdsFormat::Dxt1 ? 8 : 16; }
+
+void ReadBlocks(ByteView file, std::size_t at, DdsFormat format, Image& image) {
   for (int top = 0; top < image.Height; top += 4)
     for (int left = 0; left < image.Width; left += 4) {
-      PutBlock(ReadBlock(file, at, header.Format), left, top, image);
-      at += header.Format == DdsFormat::Dxt1 ? 8 : 16;
+      PutBlock(ReadBlock(file, at, format), left, top, image);
+      at += BlockBytes(format);
     }
 }
 
@@ -114,8 +114,18 @@ ImageResult ReadDds(Bytes bytes) {
   if (header->Format == DdsFormat::Uncompressed) {
     ReadPlain(file, *header, image);
   } else {
-    ReadBlocks(file, *header, image);
+    ReadBlocks(file, header->DataOffset, header->Format, image);
   }
+  MakeOpaqueIfAllTransparent(image);
+  return {std::move(image), {}};
+}
+
+ImageResult ReadDxt(Bytes blocks, int width, int height, DdsFormat format) {
+  if (!MayReadPixels(width, height)) return ImageError("the image is too large");
+  const std::size_t count = (static_cast<std::size_t>(width) + 3) / 4 * ((static_cast<std::size_t>(height) + 3) / 4);
+  if (blocks.size() < count * BlockBytes(format)) return ImageError("the compressed blocks end early");
+  Image image = MakeImage(width, height, PixelFormat::Rgba8);
+  ReadBlocks(ByteView(blocks), 0, format, image);
   MakeOpaqueIfAllTransparent(image);
   return {std::move(image), {}};
 }
