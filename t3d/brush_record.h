@@ -25,7 +25,10 @@ enum SurfaceFlag : std::uint32_t {
   SurfacePansU = 0x200,
   SurfacePansV = 0x400,
   SurfaceSmallWavy = 0x2000,
+  SurfaceLowShadowDetail = 0x8000,
+  SurfaceSpecialLit = 0x100000,
   SurfaceUnlit = 0x400000,
+  SurfaceHighShadowDetail = 0x800000,
   SurfaceShiny = 0x08000000,
 };
 

@@ -37,6 +37,7 @@ void ReadLightKeys(const TextBlock& block, LightRecord& light) {
   GetKeyValue(block, "VolumeBrightness=", light.VolumeBrightness);
   GetKeyValue(block, "VolumeRadius=", light.VolumeRadius);
   GetKeyValue(block, "VolumeFog=", light.VolumeFog);
+  GetKeyValue(block, "bSpecialLit=", light.bSpecialLit);
   GetKeyValue(block, "bActorShadows=", light.bActorShadows);
   GetKeyValue(block, "bCorona=", light.bCorona);
   GetKeyValue(block, "bLensFlare=", light.bLensFlare);

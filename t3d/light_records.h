@@ -36,6 +36,7 @@ struct LightRecord {
   double LightPeriod = 0, LightPhase = 0;
   double LightCone = ClassDefaults::LightCone;
   double VolumeBrightness = 0, VolumeRadius = 0, VolumeFog = 0;
+  bool bSpecialLit = false; ///< lights the surfaces with that flag, and no others
   bool bActorShadows = false, bCorona = false, bLensFlare = false;
   DisplayBlock Display;
   SoundBlock Sound;

@@ -35,6 +35,7 @@ void ReadSkyZoneKeys(const TextBlock& block, SkyZoneRecord& zone) {
 void ReadLevelKeys(const TextBlock& block, LevelRecord& info) {
   info.Title = GetQuotedValue(block, "Title=");
   info.Author = GetQuotedValue(block, "Author=");
+  GetKeyValue(block, " Brightness=", info.Brightness);
   GetKeyValue(block, "LightBrightness=", info.LightBrightness);
   GetKeyValue(block, "LightHue=", info.LightHue);
   GetKeyValue(block, "LightSaturation=", info.LightSaturation);

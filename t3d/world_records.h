@@ -40,6 +40,7 @@ struct SkyZoneRecord {
 struct LevelRecord {
   ActorHeader Header;
   std::string Title, Author;
+  double Brightness = 1; ///< factor of all static lights
   double LightBrightness = 0, LightHue = 0, LightSaturation = 0;
   ZoneBlock Zone;
 };
