@@ -35,7 +35,8 @@ PageSize Shrink(std::vector<stbrp_rect>& rects, int largest) {
   while (smallest % 2 == 0 && smallest / 2 >= smallestSide)
     smallest /= 2;
   std::vector<stbrp_rect> packed;
-  for (PageSize size{smallest, smallest}; size.Height < largest; (size.Width > size.Height ? size.Height : size.Width) *= 2) {
+  for (PageSize size{smallest, smallest}; size.Height < largest;
+       (size.Width > size.Height ? size.Height : size.Width) *= 2) {
     if (std::int64_t(size.Width) * size.Height < area || !PackPage(rects, size, packed).empty()) continue;
     rects = packed;
     return size;

@@ -9,7 +9,7 @@ namespace quarvel {
 namespace {
 
 constexpr double reachOfTexels = 3; // texels from a piece to the centre of one that filtering may read
-constexpr double inward = 0.5;      // Unreal units, by which points on an outline, where a wall may stand, are moved inside
+constexpr double inward = 0.5; // Unreal units, by which points on an outline, where a wall may stand, are moved inside
 
 enum class TexelState : std::uint8_t {
   Unused,
@@ -87,8 +87,7 @@ class ChartLighter {
           if (known.Distance == 0) continue;
           const PlanePoint center = CenterOfTexel(x, y), point = NearestPointOf(outline, center);
           const double distance = DistanceOf(center, point);
-          if (distance < known.Distance && distance <= reachOfTexels)
-            known = {distance, point, static_cast<int>(i)};
+          if (distance < known.Distance && distance <= reachOfTexels) known = {distance, point, static_cast<int>(i)};
         }
     }
     return nearest;

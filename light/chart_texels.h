@@ -1,7 +1,7 @@
 #pragma once
 
-#include "light/charts.h"
 #include "images/image.h"
+#include "light/charts.h"
 
 #include <cstdint>
 #include <span>

@@ -74,8 +74,8 @@ Lamp MakeLamp(const LightRecord& light, double levelBrightness) {
   lamp.Position = light.Location;
   lamp.Direction = ToRightHanded(TransformPoint(BrushRotationMatrix(light.Rotation), {1, 0, 0}));
   lamp.Reach = unitsOfRadius * (std::clamp(light.LightRadius, -1.0, 1e6) + 1);
-  lamp.Strength = strengthOfBrightness * std::clamp(light.LightBrightness, 0.0, 255.0) * std::max(levelBrightness, 0.0) *
-                  MeanOfType(light.LightType);
+  lamp.Strength = strengthOfBrightness * std::clamp(light.LightBrightness, 0.0, 255.0) *
+                  std::max(levelBrightness, 0.0) * MeanOfType(light.LightType);
   lamp.Cone = coneOfByte * std::clamp(light.LightCone, 0.0, 255.0);
   lamp.Color = LampColor(light.LightHue, light.LightSaturation);
   lamp.SpecialLit = light.bSpecialLit;

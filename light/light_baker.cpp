@@ -19,8 +19,8 @@ namespace quarvel {
 
 namespace {
 
-constexpr double farthest = 4e6;      // Unreal units from the origin
-constexpr double coarsest = 65536;    // Unreal units a texel; from here on there are as many pages as it takes
+constexpr double farthest = 4e6;   // Unreal units from the origin
+constexpr double coarsest = 65536; // Unreal units a texel; from here on there are as many pages as it takes
 constexpr auto betweenReports = std::chrono::milliseconds(100);
 
 struct Layout {

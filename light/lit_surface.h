@@ -9,10 +9,10 @@ namespace quarvel {
 /// A flat, convex surface of the level. Unreal units, the editor's axes.
 struct LitSurface {
   std::vector<Vector3> Points;
-  Vector3 Normal; ///< of length 1, towards the side that is seen
-  int Texture = 0; ///< neighbours in one plane share a rectangle of a light map when this is the same for both
-  double TexelScale = 1;   ///< how much larger than usual its texels are
-  bool TakesLight = true;  ///< false for a surface that only casts shadows
+  Vector3 Normal;         ///< of length 1, towards the side that is seen
+  int Texture = 0;        ///< neighbours in one plane share a rectangle of a light map when this is the same for both
+  double TexelScale = 1;  ///< how much larger than usual its texels are
+  bool TakesLight = true; ///< false for a surface that only casts shadows
   bool BlocksLamps = true;
   bool BlocksSun = true;   ///< directional lamps
   bool BoundsSolid = true; ///< behind it is solid matter, so that whoever sees its back is inside

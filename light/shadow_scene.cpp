@@ -10,8 +10,8 @@ namespace quarvel {
 
 namespace {
 
-// Unreal units. Rays begin above their surface, clear of the rounding of its plane, and end before their lamp, which may
-// touch the surface that it hangs on.
+// Unreal units. Rays begin above their surface, clear of the rounding of its plane, and end before their lamp, which
+// may touch the surface that it hangs on.
 constexpr double lift = 0.25;
 constexpr double gapAtLamp = 0.5;
 constexpr double farAway = 1e6;
@@ -207,8 +207,7 @@ bool ShadowScene::InSolid(const Vector3& point, const Vector3& normal) const {
   RTCIntersectContext context;
   rtcInitIntersectContext(&context);
   rtcIntersect1(rays_->OfSolids.Handle(), &context, &ray);
-  return ray.hit.geomID != RTC_INVALID_GEOMETRY_ID &&
-         DotProduct(rays_->OfSolids.NormalOf(ray.hit.primID), normal) > 0;
+  return ray.hit.geomID != RTC_INVALID_GEOMETRY_ID && DotProduct(rays_->OfSolids.NormalOf(ray.hit.primID), normal) > 0;
 }
 
 } // namespace quarvel

@@ -53,12 +53,9 @@ LitSurface Rectangle(const Vector3& corner, const Vector3& side, const Vector3& 
 
 std::vector<LitSurface> BoxSides(const Vector3& low, const Vector3& high, bool fromWithin) {
   const Vector3 x{high.X - low.X, 0, 0}, y{0, high.Y - low.Y, 0}, z{0, 0, high.Z - low.Z};
-  std::vector<LitSurface> sides{Rectangle(low, x, y),
-                                Rectangle(AddVector(low, z), y, x),
-                                Rectangle(low, y, z),
-                                Rectangle(AddVector(low, x), z, y),
-                                Rectangle(low, z, x),
-                                Rectangle(AddVector(low, y), x, z)};
+  std::vector<LitSurface> sides{Rectangle(low, x, y), Rectangle(AddVector(low, z), y, x),
+                                Rectangle(low, y, z), Rectangle(AddVector(low, x), z, y),
+                                Rectangle(low, z, x), Rectangle(AddVector(low, y), x, z)};
   for (LitSurface& side : sides) {
     if (fromWithin) continue;
     std::reverse(side.Points.begin(), side.Points.end());

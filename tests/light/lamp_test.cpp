@@ -1,5 +1,4 @@
 #include "light/lamp.h"
-
 #include "t3d/light_records.h"
 
 #include <cmath>
