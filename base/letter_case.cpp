@@ -16,9 +16,8 @@ utf8proc_int32_t SimpleFolding(utf8proc_int32_t code) {
   constexpr utf8proc_int32_t capitalIWithDot = 0x130;
   std::array<utf8proc_int32_t, 4> folded{};
   int boundary = 0;
-  const auto length =
-      utf8proc_decompose_char(code, folded.data(), static_cast<utf8proc_ssize_t>(folded.size()), UTF8PROC_CASEFOLD,
-                              &boundary);
+  const auto length = utf8proc_decompose_char(code, folded.data(), static_cast<utf8proc_ssize_t>(folded.size()),
+                                              UTF8PROC_CASEFOLD, &boundary);
   if (length == 1) return folded[0];
   return code == capitalIWithDot ? code : utf8proc_tolower(code);
 }

@@ -136,12 +136,8 @@ void WritePreloadScript(RunState& run, const fs::path& outFile) {
 
 void WriteReports(RunState& run, const fs::path& outFile) {
   RunResult& result = run.Result;
-  const MissingResources missing{run.Resources.MissingTextures(), run.Resources.MissingSounds(),
-                                 run.Resources.MissingMeshes()};
-  const MissingListsResult lists = WriteMissingLists(outFile, missing, run.Settings);
-  result.MissingTextures = missing.Textures;
-  result.MissingSounds = missing.Sounds;
-  result.MissingMeshes = missing.Meshes;
+  result.Missing = run.Resources.Missing();
+  const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, run.Settings);
   result.Messages.insert(result.Messages.end(), lists.Messages.begin(), lists.Messages.end());
   for (const std::string& message : lists.Messages)
     run.User.ShowMessage(message);

@@ -3,7 +3,7 @@
 #include "base/report.h"
 #include "base/run_interface.h"
 #include "math/vector.h"
-#include "settings/conversion_settings.h"
+#include "settings/resource_kind.h"
 
 #include <filesystem>
 #include <map>
@@ -28,10 +28,8 @@ struct RunResult {
   std::filesystem::path InputFile;
   std::vector<std::filesystem::path> FilesWritten; ///< scenes, lists of missing resources, scripts; in this order
   std::vector<std::string> Messages;               ///< the message texts that a window shows in boxes
-  std::vector<std::string> MissingTextures;        ///< sorted, each once; sounds and meshes likewise
-  std::vector<std::string> MissingSounds;
-  std::vector<std::string> MissingMeshes;
-  std::string PreloadScript; ///< empty unless asked for
+  PerKind<std::vector<std::string>> Missing;       ///< what was looked for and not found; sorted, each once
+  std::string PreloadScript;                       ///< empty unless asked for
 
   int Brushes = 0; ///< brushes and movers converted
   int Faces = 0;

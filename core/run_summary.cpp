@@ -29,9 +29,10 @@ std::string JoinNames(const std::vector<std::string>& names, bool inFull) {
   return joined;
 }
 
-void WriteMissing(std::ostream& out, std::string_view one, std::string_view many, const std::vector<std::string>& names,
-                  bool inFull) {
-  if (!names.empty()) WriteLine(out, CountText(names.size(), one, many) + " missing: " + JoinNames(names, inFull));
+void WriteMissing(std::ostream& out, ResourceKind kind, const std::vector<std::string>& names, bool inFull) {
+  const ResourceKindInfo& info = InfoOf(kind);
+  if (!names.empty())
+    WriteLine(out, CountText(names.size(), info.One, info.Many) + " missing: " + JoinNames(names, inFull));
 }
 
 void WriteFindings(std::ostream& out, const std::vector<Finding>& findings, bool inFull) {
@@ -90,9 +91,8 @@ void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
   if (!IsEmpty(result.Bounds)) WriteLine(out, "box: " + BoxText(result.Bounds));
   for (const auto& [what, count] : result.Findings.Counts())
     WriteLine(out, what + ": " + std::to_string(count));
-  WriteMissing(out, "texture", "textures", result.MissingTextures, inFull);
-  WriteMissing(out, "sound", "sounds", result.MissingSounds, inFull);
-  WriteMissing(out, "mesh", "meshes", result.MissingMeshes, inFull);
+  for (const ResourceKind kind : ResourceKinds)
+    WriteMissing(out, kind, result.Missing[kind], inFull);
   for (const std::string& message : result.Messages)
     WriteLine(out, message);
   WriteFindings(out, result.Findings.Findings(), inFull);

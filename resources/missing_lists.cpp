@@ -39,18 +39,14 @@ void WriteList(const fs::path& file, const std::vector<std::string>& entries, co
 
 MissingListsResult WriteMissingLists(const fs::path& outFile, const MissingResources& missing,
                                      const ConversionSettings& settings) {
-  const auto fileOf = [stem = fs::path(outFile).replace_extension()](const char* ending) {
-    fs::path file = stem;
-    return file += ending;
-  };
-  const std::vector<std::string> none;
-  const bool meshes = settings.CheckDoMeshes && settings.CheckReportMissingMeshes;
   MissingListsResult result;
-  WriteList(fileOf("MissingTextures.txt"), missing.Textures, "There were missing textures. Please see ", result);
-  WriteList(fileOf("MissingSounds.txt"), settings.CheckDoSounds ? missing.Sounds : none,
-            "There were missing sounds. Please see ", result);
-  WriteList(fileOf("MissingMeshes.txt"), meshes ? missing.Meshes : none, "There were missing meshes. Please see ",
-            result);
+  for (const ResourceKind kind : ResourceKinds) {
+    const ResourceKindInfo& info = InfoOf(kind);
+    fs::path file = fs::path(outFile).replace_extension();
+    file += info.ListEnding;
+    WriteList(file, info.IsReported(settings) ? missing[kind] : std::vector<std::string>(),
+              "There were missing " + std::string(info.Many) + ". Please see ", result);
+  }
   return result;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings/conversion_settings.h"
+#include "settings/resource_kind.h"
 
 #include <filesystem>
 #include <string>
@@ -9,11 +9,7 @@
 namespace quarvel {
 
 /// What a run looked for and did not find; each list sorted, each entry once.
-struct MissingResources {
-  std::vector<std::string> Textures;
-  std::vector<std::string> Sounds;
-  std::vector<std::string> Meshes;
-};
+using MissingResources = PerKind<std::vector<std::string>>;
 
 /// What became of the lists of missing resources.
 struct MissingListsResult {

@@ -29,9 +29,12 @@ constexpr const char* SceneOwner = "the scene";
 std::string VariantOf(TextureUse use) { return use == TextureUse::Masked ? "masked" : "opaque"; }
 
 /// The folders in which resources of a kind are searched, as typed.
-std::string SearchPath(const ConversionSettings& settings, ResourceKind kind) {
-  if (kind == ResourceKind::Texture) return settings.TextSearchPathTxt;
-  return kind == ResourceKind::Sound ? settings.TextSearchPathSnd : settings.TextSearchPathMesh;
+const std::string& SearchPath(const ConversionSettings& settings, ResourceKind kind) {
+  return settings.*InfoOf(kind).SearchPath;
+}
+
+Destination DestinationOf(const ConversionSettings& settings, ResourceKind kind, const fs::path& sceneFolder) {
+  return {settings.*InfoOf(kind).Destination, sceneFolder, InfoOf(kind).Many};
 }
 
 } // namespace
@@ -44,9 +47,10 @@ ResourceFiles::ResourceFiles(const ConversionSettings& settings, const fs::path&
                              Report& report, const fs::path& programData)
     : settings_(settings), inputFolder_(AbsolutePath(inputFile).parent_path()), programData_(programData),
       sceneFolder_(AbsolutePath(textScene).parent_path()), sceneFolderAsGiven_(textScene.parent_path()),
-      report_(report), textureDestination_(settings.TextureDest, sceneFolder_, "textures"),
-      soundDestination_(settings.SoundDest, sceneFolder_, "sounds"),
-      meshDestination_(settings.MeshDest, sceneFolder_, "meshes"), copier_(report) {
+      report_(report), destinations_(DestinationOf(settings, ResourceKind::Texture, sceneFolder_),
+                                     DestinationOf(settings, ResourceKind::Sound, sceneFolder_),
+                                     DestinationOf(settings, ResourceKind::Mesh, sceneFolder_)),
+      copier_(report) {
   ClaimSceneFiles(textScene);
 }
 
@@ -75,19 +79,17 @@ const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
 }
 
 const FileIndex& ResourceFiles::IndexOf(ResourceKind kind) {
-  const auto known = indexOfKind_.find(kind);
-  if (known != indexOfKind_.end()) return *known->second;
+  if (indexOfKind_[kind]) return *indexOfKind_[kind];
   SearchFolders folders = SplitSearchPath(SearchPath(settings_, kind));
   // A default folder that is not there was not asked for.
-  const bool byDefault = SearchPath(settings_, kind) == SearchPath(ConversionSettings(), kind);
+  const ConversionSettings defaults;
+  const bool byDefault = SearchPath(settings_, kind) == SearchPath(defaults, kind);
   for (const fs::path& missing : byDefault ? std::vector<fs::path>() : folders.Missing)
     report_.Add(Utf8Path(missing), folders.Existing.empty()
                                        ? "search folder does not exist, the input's folder was searched instead"
                                        : "search folder does not exist");
   if (folders.Existing.empty()) folders.Existing.push_back(inputFolder_);
-  const FileIndex& index = IndexOfFolders(std::move(folders.Existing));
-  indexOfKind_.emplace(kind, &index);
-  return index;
+  return *(indexOfKind_[kind] = &IndexOfFolders(std::move(folders.Existing)));
 }
 
 const FileIndex& ResourceFiles::SceneFolderIndex() {
@@ -95,16 +97,11 @@ const FileIndex& ResourceFiles::SceneFolderIndex() {
   return *sceneFolderIndex_;
 }
 
-Destination& ResourceFiles::DestinationOf(ResourceKind kind) {
-  return kind == ResourceKind::Texture ? textureDestination_
-         : kind == ResourceKind::Sound ? soundDestination_
-                                       : meshDestination_;
-}
-
-ResourceFiles::NameList& ResourceFiles::MissingOf(ResourceKind kind) {
-  return kind == ResourceKind::Texture ? missingTextures_
-         : kind == ResourceKind::Sound ? missingSounds_
-                                       : missingMeshes_;
+MissingResources ResourceFiles::Missing() const {
+  MissingResources lists;
+  for (const ResourceKind kind : ResourceKinds)
+    lists[kind].assign(missing_[kind].begin(), missing_[kind].end());
+  return lists;
 }
 
 ImageType ResourceFiles::WantedType(TextureUse use) const { return ImageTypeOfExtension(WantedExtension(use)); }
@@ -131,8 +128,9 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
   const IndexedFile* file =
       FindReferenced(index, reference, Qualified(ResourceKind::Texture), ImageExtensions(WantedType(use)));
   if (!file) {
-    missingTextures_.insert(reference.Text);
-    texture.Url = textureDestination_.PlaceByName(FileNameOf(reference.Name) + "." + WantedExtension(use)).Url;
+    missing_[ResourceKind::Texture].insert(reference.Text);
+    texture.Url =
+        destinations_[ResourceKind::Texture].PlaceByName(FileNameOf(reference.Name) + "." + WantedExtension(use)).Url;
     return texture;
   }
   const FoundFile found = EarlierVariant(Located(index, *file), use);
@@ -147,7 +145,7 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
 /// from another image of the same file ("grate.png", "grate_masked.png") is found again here.
 FoundFile ResourceFiles::EarlierVariant(const FoundFile& found, TextureUse use) {
   const fs::path folder = found.Path.parent_path();
-  if (textureDestination_.Place(found, found.Name).Folder != folder) return found;
+  if (destinations_[ResourceKind::Texture].Place(found, found.Name).Folder != folder) return found;
   const std::string name = StemOf(found.Name) + "_" + VariantOf(use) + "." + WantedExtension(use);
   const auto existing = copier_.Folders().Existing(folder, name);
   return existing ? FoundFile{folder / PathOfUtf8(*existing), found.Folder, *existing} : found;
@@ -173,7 +171,8 @@ std::optional<ImageConversion> ResourceFiles::ConversionOf(const FoundFile& foun
 }
 
 std::string ResourceFiles::CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use) {
-  if (!textureDestination_.Options().DestDoCopy) return textureDestination_.UrlInLibrary(found);
+  if (!destinations_[ResourceKind::Texture].Options().DestDoCopy)
+    return destinations_[ResourceKind::Texture].UrlInLibrary(found);
   CopyJob job{found, found.Name, reference.Package(), {}, ConversionOf(found, use)};
   if (job.Conversion) {
     job.Name = StemOf(found.Name) + "." + WantedExtension(use);
@@ -181,7 +180,7 @@ std::string ResourceFiles::CopyTexture(const FoundFile& found, const ResourceRef
     if (use == TextureUse::Masked && job.Conversion->Type == ImageType::Jpg && !job.Variant.empty())
       report_.Add(found.Name, "is masked, but jpg images hold no transparency");
   }
-  return copier_.Copy(textureDestination_, job);
+  return copier_.Copy(destinations_[ResourceKind::Texture], job);
 }
 
 std::optional<fs::path> ResourceFiles::FindTextureSource(std::string_view reference) {
@@ -191,7 +190,7 @@ std::optional<fs::path> ResourceFiles::FindTextureSource(std::string_view refere
   const IndexedFile* file =
       FindReferenced(index, parsed, Qualified(ResourceKind::Texture), ImageExtensions(ImageType::Bmp));
   if (file) return index.PathOf(*file);
-  missingTextures_.insert(parsed.Text);
+  missing_[ResourceKind::Texture].insert(parsed.Text);
   return std::nullopt;
 }
 
@@ -203,13 +202,14 @@ const ResourceFile& ResourceFiles::FindSound(std::string_view fileName, std::str
 }
 
 ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_view reference) {
-  const DestinationOptions& options = soundDestination_.Options();
+  const DestinationOptions& options = destinations_[ResourceKind::Sound].Options();
   const std::string copyName = FileNameOf(StemOf(name)) + "." + FileNameOf(ExtensionOf(name));
-  const Placement expected = soundDestination_.PlaceByName(copyName);
+  const Placement expected = destinations_[ResourceKind::Sound].PlaceByName(copyName);
   if (const auto existing = copier_.Folders().Existing(expected.Folder, copyName); existing && !options.DestOverwrite) {
     Placement kept = expected;
     kept.Name = copier_.Folders().AlignCase(expected.Folder, *existing, copyName);
-    return {true, kept.Name == copyName ? expected.Url : soundDestination_.PlaceByName(kept.Name).Url, kept.File()};
+    return {true, kept.Name == copyName ? expected.Url : destinations_[ResourceKind::Sound].PlaceByName(kept.Name).Url,
+            kept.File()};
   }
   ResourceReference parsed = ParseReference(reference);
   parsed.Name = StemOf(name);
@@ -219,14 +219,16 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
   const std::array<std::string_view, 1> extensions{extension};
   const IndexedFile* file = FindReferenced(index, parsed, false, extensions);
   if (!file) {
-    missingSounds_.insert(Utf8Path(sceneFolderAsGiven_ / expected.File().lexically_relative(sceneFolder_)));
+    missing_[ResourceKind::Sound].insert(
+        Utf8Path(sceneFolderAsGiven_ / expected.File().lexically_relative(sceneFolder_)));
     return {false, expected.Url, {}};
   }
   FoundFile found = Located(index, *file);
   const fs::path source = found.Path;
-  if (!options.DestDoCopy) return {true, soundDestination_.UrlInLibrary(found), source};
+  if (!options.DestDoCopy) return {true, destinations_[ResourceKind::Sound].UrlInLibrary(found), source};
   const CopyJob job{found, copyName, {}, {}, {}};
-  return {true, copier_.CopyTo(soundDestination_.Place(found, copyName), job, options.DestOverwrite), source};
+  return {true, copier_.CopyTo(destinations_[ResourceKind::Sound].Place(found, copyName), job, options.DestOverwrite),
+          source};
 }
 
 const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWhenMissing) {
@@ -237,7 +239,7 @@ const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWh
     if (settings_.CheckInlineWRL) at->second.Wrl = LookUpMesh(parsed, "wrl");
     if (settings_.CheckInlineX3D) at->second.X3d = LookUpMesh(parsed, "x3d");
   }
-  if (listWhenMissing && !at->second.Found()) missingMeshes_.insert(parsed.Text);
+  if (listWhenMissing && !at->second.Found()) missing_[ResourceKind::Mesh].insert(parsed.Text);
   return at->second;
 }
 
@@ -274,7 +276,7 @@ const std::vector<std::string>& ResourceFiles::MeshNames() {
 
 ResourceFile ResourceFiles::FindAndCopyFile(std::string_view fileName, ResourceKind kind) {
   const std::string name = ToUtf8(LastPart(fileName));
-  DestinationOptions options = DestinationOf(kind).Options();
+  DestinationOptions options = destinations_[kind].Options();
   options.DestPathBehavior = 0;
   const Destination beside(options, sceneFolder_, {});
   const Placement placement = beside.PlaceByName(name);
@@ -290,12 +292,12 @@ ResourceFile ResourceFiles::FindAndCopyFile(std::string_view fileName, ResourceK
   if (const fs::path own = programData_ / PathOfUtf8(name); !programData_.empty() && fs::is_regular_file(own, error))
     return {true, copier_.CopyTo(placement, {{own, {}, name}, name, {}, {}, {}}, options.DestOverwrite), own};
   if (copier_.Folders().Existing(placement.Folder, name)) return {true, placement.Url, placement.File()};
-  MissingOf(kind).insert(name);
+  missing_[kind].insert(name);
   return {false, placement.Url, {}};
 }
 
 std::string ResourceFiles::CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package) {
-  const Destination& destination = DestinationOf(kind);
+  const Destination& destination = destinations_[kind];
   if (!destination.Options().DestDoCopy) return destination.UrlInLibrary(found);
   return copier_.Copy(destination, {found, found.Name, package, {}, {}});
 }

@@ -6,7 +6,8 @@
 #include "resources/destination.h"
 #include "resources/file_copier.h"
 #include "resources/file_index.h"
-#include "settings/conversion_settings.h"
+#include "resources/missing_lists.h"
+#include "settings/resource_kind.h"
 
 #include <filesystem>
 #include <map>
@@ -20,8 +21,6 @@ namespace quarvel {
 
 /// What a texture is for; each use has its own wanted image type (`ListBMtypeOut`, ...).
 enum class TextureUse { Ordinary, Masked, Terrain };
-
-enum class ResourceKind { Texture, Sound, Mesh };
 
 /// The image of a texture as the scene refers to it.
 struct TextureFile {
@@ -87,9 +86,7 @@ class ResourceFiles {
   ResourceFile FindAndCopyFile(std::string_view fileName, ResourceKind kind);
 
   /// What was looked for and not found; sorted, each once.
-  std::vector<std::string> MissingTextures() const { return {missingTextures_.begin(), missingTextures_.end()}; }
-  std::vector<std::string> MissingSounds() const { return {missingSounds_.begin(), missingSounds_.end()}; }
-  std::vector<std::string> MissingMeshes() const { return {missingMeshes_.begin(), missingMeshes_.end()}; }
+  MissingResources Missing() const;
 
   /// The URLs of all textures that were asked for, in order of first use, each once.
   const std::vector<std::string>& UsedTextureUrls() const { return usedTextureUrls_; }
@@ -109,9 +106,7 @@ class ResourceFiles {
   const FileIndex& IndexOf(ResourceKind kind);
   const FileIndex& SceneFolderIndex();
   const FileIndex& IndexOfFolders(std::vector<std::filesystem::path> folders);
-  Destination& DestinationOf(ResourceKind kind);
-  NameList& MissingOf(ResourceKind kind);
-  bool Qualified(ResourceKind kind) { return DestinationOf(kind).Options().UEd3Behavior; }
+  bool Qualified(ResourceKind kind) const { return destinations_[kind].Options().UEd3Behavior; }
 
   ImageType WantedType(TextureUse use) const;
   std::string WantedExtension(TextureUse use) const;
@@ -135,21 +130,17 @@ class ResourceFiles {
   std::filesystem::path sceneFolderAsGiven_;
   Report& report_;
 
-  Destination textureDestination_;
-  Destination soundDestination_;
-  Destination meshDestination_;
+  PerKind<Destination> destinations_;
   FileCopier copier_;
   std::map<std::vector<std::filesystem::path>, FileIndex> indexes_;
-  std::map<ResourceKind, const FileIndex*> indexOfKind_;
+  PerKind<const FileIndex*> indexOfKind_; ///< null until it is needed
   std::optional<FileIndex> sceneFolderIndex_;
 
   std::map<std::pair<std::string, TextureUse>, TextureFile> textures_;
   std::map<std::string, ResourceFile> sounds_;
   std::map<std::string, MeshFiles> meshes_;
   std::optional<std::vector<std::string>> meshNames_;
-  NameList missingTextures_;
-  NameList missingSounds_;
-  NameList missingMeshes_;
+  PerKind<NameList> missing_;
   std::vector<std::string> usedTextureUrls_;
   std::set<std::string> usedTextureUrlSet_;
 };

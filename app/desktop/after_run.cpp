@@ -85,7 +85,7 @@ void AfterRun::ShowError(const QString& text) {
 AfterRun::MakeDialog AfterRun::MissingOf(const std::vector<RunResult>& results) {
   return [this, results] {
     auto* dialog = new MissingDialog(results, services_, window_);
-    connect(dialog, &MissingDialog::SearchWanted, this, [this, dialog](LibraryKind kind) {
+    connect(dialog, &MissingDialog::SearchWanted, this, [this, dialog](ResourceKind kind) {
       waiting_ = {}; // what they are about is to be made anew
       dialog->accept();
       emit SearchWanted(kind);

@@ -32,7 +32,7 @@ class AfterRun : public QObject {
   void OpenScene(const RunResult& result);
 
  signals:
-  void SearchWanted(LibraryKind kind);
+  void SearchWanted(ResourceKind kind);
 
  private:
   using MakeDialog = std::function<QDialog*()>;

@@ -11,18 +11,16 @@ namespace quarvel {
 
 namespace {
 
-const OptionInfo& OptionOf(LibraryKind kind, const char* name) { return *FindOption(ToText(KindWord(kind)) + name); }
-
-QString PluralOf(LibraryKind kind) {
-  return kind == LibraryKind::Mesh ? QStringLiteral("meshes") : KindWord(kind).toLower() + u's';
+const OptionInfo& OptionOf(ResourceKind kind, const char* name) {
+  return *FindOption(std::string(InfoOf(kind).Word) + name);
 }
 
 } // namespace
 
-DestinationDialog::DestinationDialog(LibraryKind kind, const ConversionSettings& settings, QWidget* parent)
+DestinationDialog::DestinationDialog(ResourceKind kind, const ConversionSettings& settings, QWidget* parent)
     : QDialog(parent), controls_(this) {
-  setObjectName(QStringLiteral("FormDestination") + KindWord(kind));
-  setWindowTitle(QStringLiteral("Copies of %1").arg(PluralOf(kind)));
+  setObjectName(QStringLiteral("FormDestination") + QLatin1String(InfoOf(kind).Word));
+  setWindowTitle(QStringLiteral("Copies of %1").arg(QLatin1String(InfoOf(kind).Many)));
   auto* grid = new QGridLayout;
   grid->setColumnStretch(1, 1);
   for (const char* name : {"DestDoCopy", "DestOverwrite", "UEd3Behavior"})
@@ -49,10 +47,10 @@ DestinationDialog::DestinationDialog(LibraryKind kind, const ConversionSettings&
   controls_.Show(settings);
 }
 
-QWidget* DestinationDialog::MakePlaceList(LibraryKind kind) {
+QWidget* DestinationDialog::MakePlaceList(ResourceKind kind) {
   auto* list = new QComboBox(this);
   list->addItem(QStringLiteral("Beside the scene"));
-  list->addItem(QStringLiteral("In a folder \"%1\" beside the scene").arg(PluralOf(kind)));
+  list->addItem(QStringLiteral("In a folder \"%1\" beside the scene").arg(QLatin1String(InfoOf(kind).Many)));
   list->addItem(QStringLiteral("In the folders that the library has"));
   controls_.Add(OptionOf(kind, "DestPathBehavior"), list);
   return list;

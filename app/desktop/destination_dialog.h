@@ -12,13 +12,13 @@ class DestinationDialog : public QDialog {
   Q_OBJECT
 
  public:
-  DestinationDialog(LibraryKind kind, const ConversionSettings& settings, QWidget* parent);
+  DestinationDialog(ResourceKind kind, const ConversionSettings& settings, QWidget* parent);
 
   /// Sets the five options of the kind.
   void Read(ConversionSettings& settings) const { controls_.Read(settings); }
 
  private:
-  QWidget* MakePlaceList(LibraryKind kind);
+  QWidget* MakePlaceList(ResourceKind kind);
 
   OptionControls controls_;
 };

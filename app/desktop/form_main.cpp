@@ -84,13 +84,13 @@ void FormMain::MakeWidgets() {
 void FormMain::Connect() {
   connect(files_, &FileFields::InputChanged, this, &FormMain::OnInputChanged);
   connect(files_, &FileFields::Refused, this, [this](const QString& why) { Tell(QStringLiteral("Left out"), why); });
-  connect(pages_, &OptionPages::FoldersWanted, this, [this](LibraryKind kind) { ChooseFolders(kind, false); });
+  connect(pages_, &OptionPages::FoldersWanted, this, [this](ResourceKind kind) { ChooseFolders(kind, false); });
   connect(pages_, &OptionPages::DestinationWanted, this, &FormMain::ChooseDestination);
   connect(batch_, &BatchTable::RowChosen, this, &FormMain::ShowResult);
   connect(panel_->CommandGo(), &QPushButton::clicked, this, &FormMain::Go);
   connect(panel_->CommandPause(), &QPushButton::toggled, this, &FormMain::SetPaused);
   connect(panel_->CommandStop(), &QPushButton::clicked, this, &FormMain::Stop);
-  connect(afterRun_.get(), &AfterRun::SearchWanted, this, [this](LibraryKind kind) { ChooseFolders(kind, true); });
+  connect(afterRun_.get(), &AfterRun::SearchWanted, this, [this](ResourceKind kind) { ChooseFolders(kind, true); });
   const auto onResult = [this](QPushButton* button, auto present) {
     connect(button, &QPushButton::clicked, this, [this, present] {
       if (const RunResult* result = CurrentResult()) (afterRun_.get()->*present)(*result);
@@ -161,9 +161,9 @@ void FormMain::KeepWindowState() {
   static_cast<void>(store_.Save());
 }
 
-void FormMain::ChooseFolders(LibraryKind kind, bool convertAgain) {
-  auto* edit = qobject_cast<PathEdit*>(controls_.Find(SearchPathControl(kind)));
-  auto* dialog = new FolderChooser(QStringLiteral("%1 folders").arg(KindWord(kind)), edit->Folders(),
+void FormMain::ChooseFolders(ResourceKind kind, bool convertAgain) {
+  auto* edit = qobject_cast<PathEdit*>(controls_.Find(InfoOf(kind).SearchPathControl));
+  auto* dialog = new FolderChooser(QStringLiteral("%1 folders").arg(QLatin1String(InfoOf(kind).Word)), edit->Folders(),
                                    FolderOf(files_->Input()), this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   connect(dialog, &QDialog::accepted, this, [this, dialog, edit, convertAgain] {
@@ -173,7 +173,7 @@ void FormMain::ChooseFolders(LibraryKind kind, bool convertAgain) {
   dialog->open();
 }
 
-void FormMain::ChooseDestination(LibraryKind kind) {
+void FormMain::ChooseDestination(ResourceKind kind) {
   auto* dialog = new DestinationDialog(kind, settings_, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   connect(dialog, &QDialog::accepted, this, [this, dialog] { dialog->Read(settings_); });

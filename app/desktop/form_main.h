@@ -53,8 +53,8 @@ class FormMain : public QMainWindow {
   void LoadSettings();
   void KeepWindowState();
   void OnInputChanged();
-  void ChooseFolders(LibraryKind kind, bool convertAgain);
-  void ChooseDestination(LibraryKind kind);
+  void ChooseFolders(ResourceKind kind, bool convertAgain);
+  void ChooseDestination(ResourceKind kind);
   void SetPaused(bool paused);
   void Stop();
 

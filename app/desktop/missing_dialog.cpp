@@ -19,32 +19,15 @@ namespace {
 
 constexpr int kindRole = Qt::UserRole;
 
-/// A kind of files as this dialog names it.
-struct KindNames {
-  LibraryKind Kind;
-  const char* One;
-  const char* Many;
-  const char* ListEnding; ///< of the file that lists them
-  const std::vector<std::string> RunResult::*Names;
-};
-
-const KindNames kinds[] = {
-    {LibraryKind::Texture, "texture", "textures", "MissingTextures.txt", &RunResult::MissingTextures},
-    {LibraryKind::Sound, "sound", "sounds", "MissingSounds.txt", &RunResult::MissingSounds},
-    {LibraryKind::Mesh, "mesh", "meshes", "MissingMeshes.txt", &RunResult::MissingMeshes},
-};
-
-const KindNames& NamesOf(LibraryKind kind) { return kinds[static_cast<int>(kind)]; }
-
 bool EndsWith(const std::string& text, std::string_view ending) {
   return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
 
 /// Each missing name with the levels that miss it.
-std::map<std::string, QStringList> LevelsByName(const KindNames& names, const std::vector<RunResult>& results) {
+std::map<std::string, QStringList> LevelsByName(ResourceKind kind, const std::vector<RunResult>& results) {
   std::map<std::string, QStringList> levels;
   for (const RunResult& result : results)
-    for (const std::string& name : result.*names.Names)
+    for (const std::string& name : result.Missing[kind])
       levels[name].append(ToQString(result.InputFile.filename()));
   return levels;
 }
@@ -61,8 +44,8 @@ MissingDialog::MissingDialog(const std::vector<RunResult>& results, DesktopServi
   list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   list_->setUniformRowHeights(true);
   list_->setHeaderHidden(results.size() < 2);
-  for (const KindNames& names : kinds)
-    if (QTreeWidgetItem* top = AddKind(names.Kind, results); top && !list_->currentItem()) list_->setCurrentItem(top);
+  for (const ResourceKind kind : ResourceKinds)
+    if (QTreeWidgetItem* top = AddKind(kind, results); top && !list_->currentItem()) list_->setCurrentItem(top);
   list_->header()->resizeSection(0, 320);
   auto* column = new QVBoxLayout(this);
   column->addWidget(MakeMessages(results));
@@ -71,20 +54,20 @@ MissingDialog::MissingDialog(const std::vector<RunResult>& results, DesktopServi
   resize(600, 440);
 }
 
-LibraryKind MissingDialog::CurrentKind() const {
+ResourceKind MissingDialog::CurrentKind() const {
   const QTreeWidgetItem* item = list_->currentItem();
-  if (!item) return LibraryKind::Texture;
-  return static_cast<LibraryKind>((item->parent() ? item->parent() : item)->data(0, kindRole).toInt());
+  if (!item) return ResourceKind::Texture;
+  return static_cast<ResourceKind>((item->parent() ? item->parent() : item)->data(0, kindRole).toInt());
 }
 
-QTreeWidgetItem* MissingDialog::AddKind(LibraryKind kind, const std::vector<RunResult>& results) {
-  const KindNames& names = NamesOf(kind);
+QTreeWidgetItem* MissingDialog::AddKind(ResourceKind kind, const std::vector<RunResult>& results) {
+  const ResourceKindInfo& info = InfoOf(kind);
   for (const RunResult& result : results)
     for (const std::filesystem::path& file : result.FilesWritten)
-      if (EndsWith(file.string(), names.ListEnding)) listFiles_[static_cast<int>(kind)].push_back(file);
-  const auto levels = LevelsByName(names, results);
+      if (EndsWith(file.string(), info.ListEnding)) listFiles_[kind].push_back(file);
+  const auto levels = LevelsByName(kind, results);
   if (levels.empty()) return nullptr;
-  auto* top = new QTreeWidgetItem(list_, {ToQString(CountText(levels.size(), names.One, names.Many))});
+  auto* top = new QTreeWidgetItem(list_, {ToQString(CountText(levels.size(), info.One, info.Many))});
   top->setData(0, kindRole, static_cast<int>(kind));
   QFont bold = list_->font();
   bold.setBold(true);
@@ -126,7 +109,7 @@ QWidget* MissingDialog::MakeButtons() {
   connect(open, &QPushButton::clicked, this, &MissingDialog::OpenList);
   connect(search, &QPushButton::clicked, this, [this] { emit SearchWanted(CurrentKind()); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-  const auto follow = [this, open] { open->setEnabled(!listFiles_[static_cast<int>(CurrentKind())].empty()); };
+  const auto follow = [this, open] { open->setEnabled(!listFiles_[CurrentKind()].empty()); };
   connect(list_, &QTreeWidget::currentItemChanged, this, follow);
   follow();
   return buttons;
@@ -143,7 +126,7 @@ void MissingDialog::Copy() {
 }
 
 void MissingDialog::OpenList() {
-  for (const std::filesystem::path& file : listFiles_[static_cast<int>(CurrentKind())])
+  for (const std::filesystem::path& file : listFiles_[CurrentKind()])
     services_.Open(ToQString(file));
 }
 

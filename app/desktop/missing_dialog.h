@@ -18,16 +18,16 @@ class MissingDialog : public QDialog {
   MissingDialog(const std::vector<RunResult>& results, DesktopServices& services, QWidget* parent);
 
   /// The kind that is looked at.
-  LibraryKind CurrentKind() const;
+  ResourceKind CurrentKind() const;
 
  signals:
   /// The user wants to say where files of this kind are, and then to convert again.
-  void SearchWanted(LibraryKind kind);
+  void SearchWanted(ResourceKind kind);
 
  private:
   struct Kind;
 
-  QTreeWidgetItem* AddKind(LibraryKind kind, const std::vector<RunResult>& results);
+  QTreeWidgetItem* AddKind(ResourceKind kind, const std::vector<RunResult>& results);
   QWidget* MakeMessages(const std::vector<RunResult>& results);
   QWidget* MakeButtons();
   void Copy();
@@ -35,7 +35,7 @@ class MissingDialog : public QDialog {
 
   DesktopServices& services_;
   QTreeWidget* list_;
-  std::vector<std::filesystem::path> listFiles_[3]; ///< by kind
+  PerKind<std::vector<std::filesystem::path>> listFiles_;
 };
 
 } // namespace quarvel

@@ -30,9 +30,9 @@ int DepthOf(const OptionInfo& option, const std::vector<std::string_view>& secti
   return depth;
 }
 
-std::optional<LibraryKind> PathKind(const OptionInfo& option) {
-  for (const LibraryKind kind : {LibraryKind::Texture, LibraryKind::Sound, LibraryKind::Mesh})
-    if (option.Control == SearchPathControl(kind)) return kind;
+std::optional<ResourceKind> PathKind(const OptionInfo& option) {
+  for (const ResourceKind kind : ResourceKinds)
+    if (option.Control == InfoOf(kind).SearchPathControl) return kind;
   return std::nullopt;
 }
 
@@ -41,30 +41,6 @@ bool IsButton(const OptionInfo& option) {
 }
 
 } // namespace
-
-QString KindWord(LibraryKind kind) {
-  switch (kind) {
-  case LibraryKind::Texture:
-    return QStringLiteral("Texture");
-  case LibraryKind::Sound:
-    return QStringLiteral("Sound");
-  case LibraryKind::Mesh:
-    break;
-  }
-  return QStringLiteral("Mesh");
-}
-
-const char* SearchPathControl(LibraryKind kind) {
-  switch (kind) {
-  case LibraryKind::Texture:
-    return "TextSearchPathTxt";
-  case LibraryKind::Sound:
-    return "TextSearchPathSnd";
-  case LibraryKind::Mesh:
-    break;
-  }
-  return "TextSearchPathMesh";
-}
 
 OptionPages::OptionPages(OptionControls& controls, QWidget* parent) : QTabWidget(parent), controls_(controls) {
   setObjectName(QStringLiteral("SSTabPrefs"));
@@ -114,7 +90,7 @@ QWidget* OptionPages::MakeSection(std::string_view title, const std::vector<std:
   QHBoxLayout* row = nullptr;
   for (const std::string_view name : names) {
     const OptionInfo& option = *FindOption(WithoutPlus(name));
-    if (const std::optional<LibraryKind> kind = PathKind(option))
+    if (const std::optional<ResourceKind> kind = PathKind(option))
       AddPathRow(grid, option, *kind);
     else if (name.starts_with('+'))
       AddToRow(row, option, box);
@@ -156,16 +132,16 @@ void OptionPages::AddToRow(QHBoxLayout* row, const OptionInfo& option, QWidget* 
   row->insertWidget(beforeStretch + 1, isUnit ? label : widget);
 }
 
-void OptionPages::AddPathRow(QGridLayout* grid, const OptionInfo& option, LibraryKind kind) {
+void OptionPages::AddPathRow(QGridLayout* grid, const OptionInfo& option, ResourceKind kind) {
   const int row = grid->rowCount();
   QWidget* box = grid->parentWidget();
   auto* edit = new PathEdit(box);
   edit->setPlaceholderText(QStringLiteral("the folder of the level"));
   controls_.Add(option, edit);
   auto* browse = new QPushButton(QStringLiteral("Folders..."), box);
-  browse->setObjectName(QStringLiteral("CommandFolders") + KindWord(kind));
+  browse->setObjectName(QStringLiteral("CommandFolders") + QLatin1String(InfoOf(kind).Word));
   auto* copies = new QPushButton(QStringLiteral("Copies..."), box);
-  copies->setObjectName(QStringLiteral("CommandDestination") + KindWord(kind));
+  copies->setObjectName(QStringLiteral("CommandDestination") + QLatin1String(InfoOf(kind).Word));
   browse->setStatusTip(QStringLiteral("Choose the folders"));
   copies->setStatusTip(QStringLiteral("Where the files found are copied to, and how the scene names them"));
   for (QPushButton* button : {browse, copies}) {

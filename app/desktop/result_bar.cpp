@@ -52,7 +52,10 @@ void ResultBar::Show(const RunResult* result) {
 }
 
 std::size_t MissingCount(const RunResult& result) {
-  return result.MissingTextures.size() + result.MissingSounds.size() + result.MissingMeshes.size();
+  std::size_t count = 0;
+  for (const std::vector<std::string>& names : result.Missing)
+    count += names.size();
+  return count;
 }
 
 } // namespace quarvel

@@ -182,8 +182,8 @@ TEST_F(Sounds, AreCopiedBesideTheSceneOrListedAsMissing) {
   WriteSound(Context(), Source("Sound'A.hum'"));
   WriteSound(Context(), Source("Sound'A.gone'"));
   EXPECT_EQ(Folder.Read("hum.wav"), "RIFF");
-  ASSERT_EQ(Context().Resources.MissingSounds().size(), 1u);
-  EXPECT_TRUE(Context().Resources.MissingSounds()[0].ends_with("gone.wav"));
+  ASSERT_EQ(Context().Resources.Missing()[ResourceKind::Sound].size(), 1u);
+  EXPECT_TRUE(Context().Resources.Missing()[ResourceKind::Sound][0].ends_with("gone.wav"));
   EXPECT_TRUE(TextHas("url [\"gone.wav\"]"));
 }
 

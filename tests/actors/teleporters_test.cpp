@@ -85,7 +85,7 @@ TEST_F(Teleporters, OnesThatCanBeSeenShareOneModelAndOneTurn) {
   EXPECT_EQ(Text().find("DEF VISTELEPORTTIMER"), Text().rfind("DEF VISTELEPORTTIMER"));
   EXPECT_TRUE(Wrote("ROUTE VISTELEPORTROTINT.value_changed TO VISTELEPORT1.set_rotation\n"));
   EXPECT_NE(Document().find("<Inline url=\"TheVisTeleporter.x3d\"/>"), std::string::npos);
-  EXPECT_EQ(Context().Resources.MissingMeshes().size(), 2u) << "there is no such file in this test";
+  EXPECT_EQ(Context().Resources.Missing()[ResourceKind::Mesh].size(), 2u) << "there is no such file in this test";
 }
 
 TEST_F(Teleporters, AreNotSeenWithoutMeshes) {
@@ -94,7 +94,7 @@ TEST_F(Teleporters, AreNotSeenWithoutMeshes) {
   teleporters[0].IsVisible = true;
   Write(teleporters);
   EXPECT_FALSE(Wrote("VISTELEPORT"));
-  EXPECT_TRUE(Context().Resources.MissingMeshes().empty());
+  EXPECT_TRUE(Context().Resources.Missing()[ResourceKind::Mesh].empty());
 }
 
 TEST_F(Teleporters, WorkAgainInAConformingScene) {

@@ -42,11 +42,11 @@ TEST(LevelText, ShowsNothingThatATerminalActsOn) {
 
 TEST(LevelText, FoldsLetterCaseInEveryScriptOneToOne) {
   const std::pair<const char*, const char*> same[] = {
-      {"\x8Cuvre", "\xC5\x93UVRE"},                 // Windows-1252 and UTF-8
-      {"\xD0\x96\xD0\xB8", "\xD0\xB6\xD0\x98"},     // Cyrillic
-      {"\xCE\xA3\xCF\x82", "\xCF\x83\xCF\x83"},     // Greek, with the final form
-      {"\xF0\x90\x90\x80", "\xF0\x90\x90\xA8"},     // Deseret, beyond 16 bits
-      {"\xE1\xBA\x9E", "\xC3\x9F"},                 // sharp s
+      {"\x8Cuvre", "\xC5\x93UVRE"},             // Windows-1252 and UTF-8
+      {"\xD0\x96\xD0\xB8", "\xD0\xB6\xD0\x98"}, // Cyrillic
+      {"\xCE\xA3\xCF\x82", "\xCF\x83\xCF\x83"}, // Greek, with the final form
+      {"\xF0\x90\x90\x80", "\xF0\x90\x90\xA8"}, // Deseret, beyond 16 bits
+      {"\xE1\xBA\x9E", "\xC3\x9F"},             // sharp s
   };
   for (const auto& [a, b] : same)
     EXPECT_EQ(FoldName(a), FoldName(b)) << a;

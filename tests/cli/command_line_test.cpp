@@ -164,8 +164,8 @@ TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
   result.Faces = 6;
   result.Seconds = 0.123;
   GrowBounds(result.Bounds, {1, 2, 3});
-  result.MissingTextures = {"T1"};
-  result.MissingSounds = {"S1", "S2"};
+  result.Missing[ResourceKind::Texture] = {"T1"};
+  result.Missing[ResourceKind::Sound] = {"S1", "S2"};
   result.Findings.Count("brushes left out as subtractive", 4);
   result.Findings.Add("", "ends in the middle of an actor");
   for (int i = 1; i <= 12; ++i)

@@ -51,7 +51,7 @@ TEST(ConversionRun, WritesTheGoldenScenes) {
   ExpectSameText(converted.Document, test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.x3d"), "golden.x3d");
   EXPECT_EQ(converted.Result.Brushes, 4);
   EXPECT_EQ(converted.Result.Faces, 9);
-  EXPECT_EQ(converted.Result.MissingTextures, Texts{"not_there"});
+  EXPECT_EQ(converted.Result.Missing[ResourceKind::Texture], Texts{"not_there"});
   EXPECT_EQ(converted.Result.Findings.Counts().at("brushes left out as subtractive"), 1);
 }
 

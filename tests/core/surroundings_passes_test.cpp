@@ -73,7 +73,7 @@ TEST_F(SurroundingsTest, OlderLevelsInlineClassesThatHaveAMeshFile) {
       << text_;
   EXPECT_EQ(Count("//Transform[@DEF='MSHT_Palm1']/Inline[@USE]"), 1U);
   EXPECT_EQ(Count("//Inline"), 2U);
-  EXPECT_TRUE(result_.MissingMeshes.empty());
+  EXPECT_TRUE(result_.Missing[ResourceKind::Mesh].empty());
 }
 
 TEST_F(SurroundingsTest, NewerLevelsInlineStaticMeshesAndThoseOfMovers) {

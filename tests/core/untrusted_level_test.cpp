@@ -12,7 +12,8 @@ using namespace std::string_literals;
 using Names = std::vector<std::string>;
 
 std::string Brush(const std::string& name, const std::string& texture) {
-  return "Begin Actor Class=Brush Name=" + name + "\n CsgOper=CSG_Add\n Begin Brush\n  Begin Polygon Texture=" + texture +
+  return "Begin Actor Class=Brush Name=" + name +
+         "\n CsgOper=CSG_Add\n Begin Brush\n  Begin Polygon Texture=" + texture +
          "\n   Vertex 0,0,0\n   Vertex 5,5,0\n   Vertex 0,9,9\n  End Polygon\n End Brush\nEnd Actor\n";
 }
 
@@ -39,8 +40,8 @@ TEST(UntrustedLevel, NamesNoFileOutsideItsFolderAndNoneOfTheUsers) {
   settings.CheckSkyZone = true;
   const std::string outside = (folder.Path() / "abs").string();
   for (const std::string& sky : {"../x"s, "../../x"s, outside, "C:\\x"s}) {
-    const std::string level = Brush("A", "A.wall") + Brush("B", "Makefile\0.B.wall"s) + Brush("C", "..\\Up.C.wall") +
-                              SkyZone(sky);
+    const std::string level =
+        Brush("A", "A.wall") + Brush("B", "Makefile\0.B.wall"s) + Brush("C", "..\\Up.C.wall") + SkyZone(sky);
     fs::create_directories(folder.Path() / "out/deep/down");
     folder.Write("out/deep/down/Makefile", "mine");
     folder.Write("out/deep/down/level.t3d", level);
@@ -63,8 +64,9 @@ TEST(UntrustedLevel, NamesNoFileOutsideItsFolderAndNoneOfTheUsers) {
 
 TEST(UntrustedLevel, ReachesNoTerminalOrListRaw) {
   const TemporaryFolder folder;
-  const std::string level = Brush("A\x1B[2J", "T\x1B]0;t\x07" "ex") + SkyZone("S") +
-                            "Begin Actor Class=Tree\x9B Name=B\nEnd Actor\n";
+  const std::string level = Brush("A\x1B[2J", "T\x1B]0;t\x07"
+                                              "ex") +
+                            SkyZone("S") + "Begin Actor Class=Tree\x9B Name=B\nEnd Actor\n";
   const test::Converted converted = test::ConvertIn(folder, level);
   std::ostringstream summary;
   WriteSummary(summary, converted.Result, true);

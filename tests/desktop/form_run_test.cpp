@@ -201,8 +201,9 @@ TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
   list->setCurrentItem(list->topLevelItem(1)->child(0));
   Click("CommandOpenList", dialog);
   EXPECT_EQ(desktop_.Opened, QStringList{Name("out/harbourMissingSounds.txt")});
-  const std::size_t missed = form_->Results().front().MissingSounds.size();
-  EXPECT_TRUE(QApplication::clipboard()->text().contains(ToQString(form_->Results().front().MissingSounds.back())));
+  const std::size_t missed = form_->Results().front().Missing[ResourceKind::Sound].size();
+  EXPECT_TRUE(QApplication::clipboard()->text().contains(
+      ToQString(form_->Results().front().Missing[ResourceKind::Sound].back())));
 
   Click("CommandSearch", dialog);
   auto* chooser = qobject_cast<FolderChooser*>(Dialog("FormFolders"));
@@ -212,7 +213,7 @@ TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
   chooser->accept();
   QApplication::processEvents();
   EXPECT_EQ(Find<QLineEdit>("TextSearchPathSnd")->text(), Name("textures") + u';' + Name("sounds"));
-  EXPECT_LT(form_->Results().front().MissingSounds.size(), missed) << "not converted again";
+  EXPECT_LT(form_->Results().front().Missing[ResourceKind::Sound].size(), missed) << "not converted again";
   CloseDialogs();
 }
 

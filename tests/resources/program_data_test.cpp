@@ -40,7 +40,7 @@ TEST(ProgramData, StandsBehindTheLibraries) {
   EXPECT_TRUE(files.FindAndCopyFile("TheVisTeleporter.wrl", ResourceKind::Mesh).Found);
   EXPECT_TRUE(fs::exists(folder.Path() / "out" / "TheVisTeleporter.wrl")) << "nobody else has it";
   EXPECT_FALSE(files.FindAndCopyFile("TheVisTeleporter.x3d", ResourceKind::Mesh).Found);
-  EXPECT_EQ(files.MissingMeshes(), std::vector<std::string>{"TheVisTeleporter.x3d"});
+  EXPECT_EQ(files.Missing()[ResourceKind::Mesh], std::vector<std::string>{"TheVisTeleporter.x3d"});
 }
 
 } // namespace

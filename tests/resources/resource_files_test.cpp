@@ -50,7 +50,7 @@ TEST_F(ResourceFilesTest, ATextureIsFoundWhateverItsCaseAndForm) {
   EXPECT_EQ(Output(), Names{"BRICK.PNG"});
   EXPECT_EQ(files.FilesCopied(), 1);
   EXPECT_EQ(files.UsedTextureUrls(), Names{"BRICK.PNG"});
-  EXPECT_TRUE(files.MissingTextures().empty());
+  EXPECT_TRUE(files.Missing()[ResourceKind::Texture].empty());
 }
 
 TEST_F(ResourceFilesTest, MissingTexturesAreListedOnceAndStillHaveANameToWaitFor) {
@@ -63,7 +63,7 @@ TEST_F(ResourceFilesTest, MissingTexturesAreListedOnceAndStillHaveANameToWaitFor
   files.FindTexture("Alpha", TextureUse::Ordinary);
   files.FindTexture("None", TextureUse::Ordinary);
   EXPECT_EQ(files.FindTexture("", TextureUse::Ordinary).Url, "");
-  EXPECT_EQ(files.MissingTextures(), (Names{"Alpha", "Pack.Some Wall"}));
+  EXPECT_EQ(files.Missing()[ResourceKind::Texture], (Names{"Alpha", "Pack.Some Wall"}));
 }
 
 TEST_F(ResourceFilesTest, NearestFolderThenWantedTypeThenPathDecide) {
@@ -253,7 +253,7 @@ TEST_F(ResourceFilesTest, SoundsAtTheDestinationAreKeptAndOthersFetched) {
   const ResourceFile& missing = files.FindSound("no such.wav");
   EXPECT_FALSE(missing.Found);
   EXPECT_EQ(missing.Url, "no%20such.wav");
-  EXPECT_EQ(files.MissingSounds(), Names{(folder_ / "out/no such.wav").string()});
+  EXPECT_EQ(files.Missing()[ResourceKind::Sound], Names{(folder_ / "out/no such.wav").string()});
   EXPECT_EQ(Output(), (Names{"Fire.wav", "hum60.wav"}));
 }
 
@@ -274,9 +274,9 @@ TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverThe
   EXPECT_TRUE(files.HasMesh("TORCH"));
   EXPECT_EQ(files.MeshNames(), (Names{"crate-", "level", "torch"}));
   EXPECT_FALSE(files.FindMesh("Base.None", false).Found());
-  EXPECT_TRUE(files.MissingMeshes().empty());
+  EXPECT_TRUE(files.Missing()[ResourceKind::Mesh].empty());
   files.FindMesh("Base.None", true);
-  EXPECT_EQ(files.MissingMeshes(), Names{"Base.None"});
+  EXPECT_EQ(files.Missing()[ResourceKind::Mesh], Names{"Base.None"});
 
   settings_.CheckInlineWRL = false;
   ResourceFiles onlyX3d = Run();
@@ -291,7 +291,7 @@ TEST_F(ResourceFilesTest, FilesThatNameEachOtherGoBesideTheScene) {
   EXPECT_TRUE(files.FindAndCopyFile("TheVisTeleporter.wrl", ResourceKind::Mesh).Found);
   EXPECT_FALSE(files.FindAndCopyFile("TheVisTeleporter.x3d", ResourceKind::Mesh).Found);
   EXPECT_EQ(Read("out/TheVisTeleporter.wrl"), "model");
-  EXPECT_EQ(files.MissingMeshes(), Names{"TheVisTeleporter.x3d"});
+  EXPECT_EQ(files.Missing()[ResourceKind::Mesh], Names{"TheVisTeleporter.x3d"});
 }
 
 TEST_F(ResourceFilesTest, HeightmapsAreReadWhereTheyLie) {
@@ -299,7 +299,7 @@ TEST_F(ResourceFilesTest, HeightmapsAreReadWhereTheyLie) {
   ResourceFiles files = Run();
   EXPECT_EQ(files.FindTextureSource("Texture'Pack.Terrain'"), map);
   EXPECT_EQ(files.FindTextureSource("Gone"), std::nullopt);
-  EXPECT_EQ(files.MissingTextures(), Names{"Gone"});
+  EXPECT_EQ(files.Missing()[ResourceKind::Texture], Names{"Gone"});
   EXPECT_TRUE(Output().empty());
 }
 

@@ -49,7 +49,7 @@ TEST_F(MeshInlinesTest, AMissingMeshLeavesTheTransformEmpty) {
   Place({"Props.Gone"});
   EXPECT_EQ(CountOf(Text(), "Inline"), 0U);
   EXPECT_TRUE(Element("//Transform[@DEF='MSHT_Actor0'][not(*)]"));
-  EXPECT_EQ(resources_->MissingMeshes(), std::vector<std::string>{"Props.Gone"});
+  EXPECT_EQ(resources_->Missing()[ResourceKind::Mesh], std::vector<std::string>{"Props.Gone"});
 }
 
 TEST_F(MeshInlinesTest, ReversedFilesAreTakenOnlyWhenFacesAreNotReversed) {

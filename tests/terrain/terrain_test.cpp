@@ -124,7 +124,7 @@ TEST_F(TerrainTest, WithoutATextureThereAreNoTextureCoordinates) {
 
 TEST_F(TerrainTest, ATerrainWithoutAUsableHeightmapIsLeftOut) {
   EXPECT_FALSE(Write());
-  EXPECT_EQ(resources_->MissingTextures(), std::vector<std::string>{"Pkg.Hills"});
+  EXPECT_EQ(resources_->Missing()[ResourceKind::Texture], std::vector<std::string>{"Pkg.Hills"});
   WriteImage("Hills.png", MadePngHead(5000, 16));
   EXPECT_FALSE(Write());
   terrain_.TerrainMap.clear();
