@@ -1,6 +1,7 @@
 #include "core/batch.h"
 
 #include "base/ascii_text.h"
+#include "base/file_name.h"
 
 #include <algorithm>
 #include <map>
@@ -79,6 +80,24 @@ std::vector<ConversionJob> JobsOfInput(const std::string& input) {
   if (jobs.empty())
     jobs.push_back({input, input, {}, (isPattern ? "no file matches " : "no file is named in ") + input});
   return jobs;
+}
+
+bool HasExtension(const fs::path& file, std::string_view extension) {
+  return SameText(file.extension().string(), extension);
+}
+
+/// A level that is there in both forms is converted once, from the text that its author chose to export.
+void PassOverPackages(std::vector<ConversionJob>& jobs) {
+  const auto level = [](const fs::path& file) { return file.parent_path() / FoldName(Utf8Path(file.stem())); };
+  std::map<fs::path, std::size_t> texts;
+  for (std::size_t i = 0; i < jobs.size(); ++i)
+    if (HasExtension(jobs[i].InFile, ".t3d")) texts.emplace(level(jobs[i].InFile), i);
+  for (const ConversionJob& job : jobs)
+    if (const auto text = texts.find(level(job.InFile)); HasExtension(job.InFile, ".unr") && text != texts.end())
+      jobs[text->second].PassedOver = job.InFile;
+  std::erase_if(jobs, [&](const ConversionJob& job) {
+    return HasExtension(job.InFile, ".unr") && texts.contains(level(job.InFile));
+  });
 }
 
 fs::path OutputOf(const fs::path& inFile, const std::string& output, bool isBatch) {
@@ -191,6 +210,7 @@ std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, cons
       if (job.Refusal.empty()) job.OutFile = OutputOf(job.InFile, output, isBatch);
       jobs.push_back(std::move(job));
     }
+  PassOverPackages(jobs);
   RefuseOverwriting(jobs, settings);
   return jobs;
 }
@@ -208,6 +228,8 @@ std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const Co
     results.push_back(user.StopRequested()  ? StoppedResult(job)
                       : job.Refusal.empty() ? convert(job.InFile, job.OutFile, runSettings, store, memory, user)
                                             : RefusedResult(job));
+    if (!job.PassedOver.empty())
+      results.back().Findings.Add(job.PassedOver.filename().string(), "was passed over, as its level is there as .t3d");
     if (events.Finished) events.Finished(job, results.back());
     if (results.back().Outcome == RunOutcome::Stopped) return results;
   }

@@ -16,6 +16,8 @@ struct ConversionJob {
   std::filesystem::path InFile;
   std::filesystem::path OutFile;
   std::string Refusal; ///< why it cannot be converted, one sentence without a full stop; empty when it can
+  /// The game's own file of the same level, which is not converted as there is a text of it; empty when there is none.
+  std::filesystem::path PassedOver = {};
 };
 
 /// Whether an input stands for several files, as `ListJobs` takes it: a pattern or a list.
@@ -30,7 +32,8 @@ bool NamesSeveralFiles(std::string_view input);
 /// file.)
 /// "/" and "\" both separate folders. An empty `output` means each input's name with ".wrl" beside it. One file name is
 /// converted to `output` as it stands; in all other cases only the folder of `output` counts. Jobs that would overwrite
-/// an input or the scenes of an earlier job are refused, and so is a pattern that matches nothing.
+/// an input or the scenes of an earlier job are refused, and so is a pattern that matches nothing. Of a level that is
+/// there as text (.t3d) and as the game's own file (.unr), in one folder, the text is converted.
 std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, const std::string& output,
                                     const ConversionSettings& settings);
 

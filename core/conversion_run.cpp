@@ -1,6 +1,7 @@
 #include "core/conversion_run.h"
 
 #include "core/level_check.h"
+#include "core/level_source.h"
 #include "core/motion_passes.h"
 #include "core/run_passes.h"
 #include "core/run_state.h"
@@ -30,6 +31,16 @@ struct RunFailed {
 
 std::string Display(const fs::path& path) { return path.string(); }
 
+/// Reads the level of a game's own file.
+std::string LoadPackage(const fs::path& inFile, RunMemory& memory) {
+  LevelSource source;
+  if (const std::string error = ReadLevelPackage(inFile, source); !error.empty())
+    throw RunFailed{Display(inFile) + " " + error};
+  memory.TextureNames = std::move(source.TextureNames);
+  memory.SourceFaults = std::move(source.Faults);
+  return std::move(source.Text);
+}
+
 /// Reads the level unless the text of the last run is to be used again.
 void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMemory& memory, RunInterface& user) {
   if (!settings.CheckRescanFile && !memory.T3DText.empty()) return;
@@ -37,7 +48,9 @@ void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMem
   std::error_code error;
   if (!fs::exists(inFile, error)) throw RunFailed{Display(inFile) + " does not exist"};
   if (fs::is_directory(inFile, error)) throw RunFailed{Display(inFile) + " is a folder"};
-  std::optional<std::string> text = ReadWholeFile(inFile, user);
+  memory.TextureNames.clear();
+  memory.SourceFaults.clear();
+  std::optional<std::string> text = IsLevelPackage(inFile) ? LoadPackage(inFile, memory) : ReadWholeFile(inFile, user);
   if (!text) throw RunFailed{Display(inFile) + " cannot be read"};
   if (user.StopRequested()) throw RunStopped(); // what was read may be a part only
   memory.T3DText = std::move(*text);
@@ -153,6 +166,8 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   if (const std::string error = SaveSettings(settings, store); !error.empty()) throw RunFailed{error};
   const SceneFileNames files = DeriveSceneFileNames(outFile, settings);
   LoadText(inFile, settings, memory, user);
+  for (const Finding& fault : memory.SourceFaults)
+    result.Findings.Add(fault.Actor, fault.Reason);
   const LevelText level(memory.T3DText);
   if (const std::string why = WhyUnsupported(memory.T3DText, level); !why.empty())
     throw RunFailed{Display(inFile) + " " + why};

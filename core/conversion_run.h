@@ -43,7 +43,9 @@ struct RunResult {
 struct RunMemory {
   std::string T3DText;
   std::string LoadedFileName;
-  std::map<std::string, std::string> SkyScenes; ///< every sky scene written, and the level that it belongs to
+  std::map<std::string, std::string> TextureNames; ///< what the level's package tells beyond the text
+  std::vector<Finding> SourceFaults;               ///< what of that package could not be read
+  std::map<std::string, std::string> SkyScenes;    ///< every sky scene written, and the level that it belongs to
 };
 
 /// The two names that a run gives its scenes (and the optional copy).

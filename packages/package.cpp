@@ -4,7 +4,6 @@
 #include "images/bytes.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace quarvel {
 namespace {
@@ -12,11 +11,10 @@ namespace {
 constexpr std::uint32_t packageTag = 0x9E2A83C1;
 constexpr std::size_t headerSize = 36;
 constexpr std::uint32_t hasStateFrame = 0x02000000;
-constexpr std::size_t deepestPath = 32; ///< groups within groups
+constexpr std::size_t deepestPath = 16; ///< groups within groups
+constexpr std::size_t longestName = 64; ///< of the engine's names; longer ones would let a small file cause long lists
 
-PackageResult Refused(const std::string& name, std::string_view reason, bool laterVersion = false) {
-  return {std::nullopt, name + " " + std::string(reason), laterVersion};
-}
+PackageResult Refused(std::string reason) { return {std::nullopt, std::move(reason)}; }
 
 /// Names have a length from version 64 on, and end at a zero before.
 std::string_view ReadName(ObjectReader& reader, Bytes file, int version) {
@@ -35,7 +33,8 @@ bool ReadNames(Package& package, std::uint32_t count, std::uint32_t offset) {
   if (!reader.Has(std::uint64_t{count} * 5)) return false;
   package.Names.reserve(count);
   for (std::uint32_t i = 0; i < count && !reader.Failed(); ++i) {
-    package.Names.push_back(ReadName(reader, package.File, package.Version));
+    const std::string_view name = ReadName(reader, package.File, package.Version);
+    package.Names.push_back(name.size() <= longestName ? name : std::string_view());
     reader.Skip(4); // flags
   }
   return !reader.Failed();
@@ -95,32 +94,27 @@ bool LooksLikePackage(Bytes head) { return ByteView(head).U32(0) == packageTag; 
 
 PackageResult ReadPackage(Bytes file, std::string name) {
   const ByteView header(file);
-  if (!LooksLikePackage(file)) return Refused(name, "is no package");
-  if (!header.Has(0, headerSize)) return Refused(name, "ends within its header");
+  if (!LooksLikePackage(file)) return Refused("is no package");
+  if (!header.Has(0, headerSize)) return Refused("ends within its header");
   Package package;
   package.Version = static_cast<int>(header.U16(4));
   if (package.Version < FirstPackageVersion || package.Version > LastPackageVersion)
-    return Refused(name,
-                   "is a package of version " + std::to_string(package.Version) + "; versions " +
-                       std::to_string(FirstPackageVersion) + " to " + std::to_string(LastPackageVersion) +
-                       " can be read",
-                   package.Version > LastPackageVersion);
+    return Refused("is a package of version " + std::to_string(package.Version) + "; versions " +
+                   std::to_string(FirstPackageVersion) + " to " + std::to_string(LastPackageVersion) + " can be read");
   package.File = file;
-  if (!ReadNames(package, header.U32(12), header.U32(16))) return Refused(name, "has a damaged table of names");
-  if (!ReadExports(package, header.U32(20), header.U32(24))) return Refused(name, "has a damaged table of objects");
-  if (!ReadImports(package, header.U32(28), header.U32(32))) return Refused(name, "has a damaged table of imports");
+  if (!ReadNames(package, header.U32(12), header.U32(16))) return Refused("has a damaged table of names");
+  if (!ReadExports(package, header.U32(20), header.U32(24))) return Refused("has a damaged table of objects");
+  if (!ReadImports(package, header.U32(28), header.U32(32))) return Refused("has a damaged table of imports");
   MarkOverlaps(package.Exports);
   package.Name = std::move(name);
   return {std::move(package), {}};
 }
 
 PackageResult OpenPackage(const std::filesystem::path& file) {
-  const std::string name = Utf8Path(file.filename());
   auto mapping = MappedFile::Open(file);
-  if (!mapping) return Refused(name, "could not be read");
-  PackageResult result = ReadPackage(mapping->Content(), name);
+  if (!mapping) return Refused("cannot be read");
+  PackageResult result = ReadPackage(mapping->Content(), Utf8Path(file.stem()));
   if (!result) return result;
-  result.Value->Name = StemOf(name);
   result.Value->Mapping = std::move(mapping);
   return result;
 }

@@ -49,11 +49,11 @@ struct Package {
   std::vector<PackageExport> Exports;
 };
 
-/// A package, or the reason why there is none: a clause without a full stop that names the file.
+/// A package, or the reason why there is none: the end of a sentence that begins with the file's name, without a full
+/// stop.
 struct PackageResult {
   std::optional<Package> Value;
   std::string Error;
-  bool LaterVersion = false; ///< a package, but of a version above `LastPackageVersion`
 
   explicit operator bool() const { return Value.has_value(); }
 };
@@ -66,7 +66,7 @@ PackageResult ReadPackage(Bytes file, std::string name);
 /// True when the file begins as a package does.
 bool LooksLikePackage(Bytes head);
 
-/// The name with this index; empty when there is none.
+/// The name with this index; empty when there is none, or it is longer than names can be.
 std::string_view NameAt(const Package& package, std::int32_t index);
 
 /// The export or import that a reference means; null when there is none.

@@ -2,6 +2,7 @@
 
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
+#include "app/cli/package_commands.h"
 #include "base/ascii_text.h"
 #include "base/level_text.h"
 #include "core/run_summary.h"
@@ -18,7 +19,8 @@ namespace quarvel {
 namespace {
 
 constexpr const char* description =
-    "Converts levels, exported from the Unreal editor as T3D text, to 3D scenes for the web.\n\n"
+    "Converts levels, exported from the Unreal editor as T3D text or as the game has them, to 3D scenes for the "
+    "web.\n\n"
     "Every run writes a VRML97 scene (.wrl) or an X3D scene in the classic encoding (.x3dv), and an X3D scene (.x3d).";
 
 constexpr const char* footer =
@@ -57,6 +59,13 @@ void DescribeArguments(CLI::App& app, CommandLine& line) {
   app.add_option("--meshes", line.Meshes, "Folders with meshes")->type_name("DIR");
   app.add_option("--settings", line.SettingsFile, "Start from the options of this file, and save the run's to it")
       ->type_name("FILE");
+  app.add_option("--write-t3d", line.WriteT3D, "Keep the level's text, for instance of a .unr level")
+      ->type_name("FILE");
+  app.add_option("--list-package", line.ListPackage, "List the objects of a game's package file")->type_name("FILE");
+  app.add_option("--extract", line.ExtractTo,
+                 "Write the textures and sounds of the package INPUT into a folder; further "
+                 "INPUTs name some of them")
+      ->type_name("DIR");
   app.add_flag("--list-options", line.ListOptions, "List all options of the conversion");
   app.add_flag("--markdown", line.Markdown)->group("");
   CLI::Option* quiet = app.add_flag("--quiet", line.Quiet, "Print errors only");
@@ -65,13 +74,13 @@ void DescribeArguments(CLI::App& app, CommandLine& line) {
 
 /// Moves the last argument to its place when it names a scene.
 void SeparateOutput(CommandLine& line) {
-  if (line.Inputs.empty() || !IsOutputName(line.Inputs.back())) return;
+  if (line.Inputs.empty() || !line.ExtractTo.empty() || !IsOutputName(line.Inputs.back())) return;
   line.Output = line.Inputs.back();
   line.Inputs.pop_back();
 }
 
 std::string MissingArgument(const CommandLine& line) {
-  if (line.ListOptions) return {};
+  if (line.ListOptions || !line.ListPackage.empty()) return {};
   if (line.Inputs.empty())
     return line.Output.empty() ? "no INPUT is given" : "no INPUT is given, only the OUTPUT " + line.Output;
   for (const std::string& input : line.Inputs)
@@ -144,9 +153,17 @@ ConsoleInterface::Detail DetailOf(const CommandLine& line, const Console& consol
   return {.ProgressLine = console.ErrIsTerminal && !line.Quiet, .Passes = line.Verbose};
 }
 
+ExitCode Complain(const Console& console, const std::string& error, ExitCode code) {
+  console.Err << "quarvel: " << PrintableText(error) << std::endl;
+  return code;
+}
+
 ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings, SettingsStore& store,
                     const Console& console, const Conversion& convert) {
   const std::vector<ConversionJob> jobs = ListJobs(line.Inputs, line.Output, settings);
+  if (!line.WriteT3D.empty() && jobs.size() != 1)
+    return Complain(console, "--write-t3d keeps the text of one level, here are " + std::to_string(jobs.size()),
+                    ExitCode::Usage);
   ConsoleInterface user(console.Err, DetailOf(line, console), console.StopRequested);
   Reporter reporter(line, console, user, jobs.size());
   const BatchEvents events{[&](const ConversionJob& job) { reporter.Started(job); },
@@ -154,12 +171,10 @@ ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings,
   RunMemory memory;
   const std::vector<RunResult> results = RunBatch(jobs, settings, store, memory, user, events, convert);
   if (jobs.size() > 1 && !line.Quiet) console.Out << BatchSummary(results, jobs.size()) << std::endl;
+  if (!line.WriteT3D.empty())
+    if (const std::string error = KeepText(line.WriteT3D, jobs.front(), memory); !error.empty())
+      return Complain(console, error, ExitCode::Failed);
   return ExitCodeOf(WorstOutcome(results));
-}
-
-ExitCode Complain(const Console& console, const std::string& error, ExitCode code) {
-  console.Err << "quarvel: " << error << std::endl;
-  return code;
 }
 
 ExitCode Run(const CommandLine& line, const Console& console, const Conversion& convert) {
@@ -167,6 +182,8 @@ ExitCode Run(const CommandLine& line, const Console& console, const Conversion& 
     console.Out << (line.Markdown ? OptionListAsMarkdown() : OptionList());
     return ExitCode::Done;
   }
+  if (!line.ListPackage.empty()) return RunListPackage(line.ListPackage, console);
+  if (!line.ExtractTo.empty()) return RunExtraction(line, console);
   MemoryStore memoryStore;
   IniStore fileStore(line.SettingsFile);
   const bool hasFile = !line.SettingsFile.empty();

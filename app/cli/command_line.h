@@ -17,6 +17,9 @@ struct CommandLine {
   std::vector<std::string> Sets;                       ///< "Control=Value"
   std::optional<std::string> Textures, Sounds, Meshes; ///< search paths
   std::string SettingsFile;                            ///< empty: none
+  std::string WriteT3D;                                ///< where the level's text is to be kept; empty: nowhere
+  std::string ListPackage;                             ///< a package to list; empty: none
+  std::string ExtractTo; ///< the folder for what the first input holds; empty: no such task
   bool ListOptions = false;
   bool Markdown = false; ///< the list of options as a page of the documentation
   bool Quiet = false;

@@ -72,6 +72,13 @@ TEST_F(Batch, AListNamesFilesOfOneFolder) {
   EXPECT_EQ(Jobs({"maps,,"}), Names{"refused: no file is named in maps,,"});
 }
 
+TEST_F(Batch, ATextWinsOverTheGamesOwnFile) {
+  WriteAll({"game/A.unr", "game/a.t3d", "game/b.unr", "game/sub/a.unr"});
+  EXPECT_EQ(Jobs({"game/*.*"}),
+            (Names{"game/a.t3d > game/a.wrl", "game/b.unr > game/b.wrl", "game/sub/a.unr > game/sub/a.wrl"}));
+  EXPECT_EQ(ListJobs({"game/A.unr", "game/a.t3d"}, "", {}).at(0).PassedOver, "game/A.unr");
+}
+
 TEST_F(Batch, NoSceneIsWrittenTwiceAndNoInputOverwritten) {
   EXPECT_EQ(Jobs({"a/x.t3d", "b/x.t3d", "b/y.t3d"}, "out/any.wrl"),
             (Names{"a/x.t3d > out/x.wrl",

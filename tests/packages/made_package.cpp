@@ -1,6 +1,6 @@
 #include "tests/packages/made_package.h"
 
-#include "packages/level_text.h"
+#include "packages/level_export.h"
 #include "packages/sound_object.h"
 #include "packages/texture_object.h"
 

@@ -1,4 +1,4 @@
-#include "packages/level_text.h"
+#include "packages/level_export.h"
 #include "packages/sound_object.h"
 #include "packages/texture_object.h"
 #include "tests/packages/made_package.h"

@@ -1,4 +1,4 @@
-#include "packages/level_text.h"
+#include "packages/level_export.h"
 #include "tests/packages/made_package.h"
 
 #include <gtest/gtest.h>
@@ -44,8 +44,8 @@ Begin Actor Class=Brush Name=Brush1
      Rotation=(Yaw=-16384)
     Begin Brush Name=Model2
        Begin PolyList
-          Begin Polygon Item=OUTSIDE Texture=Castle.Walls.Brick Flags=-2147483646 Link=3
-)" + polygon + R"(          Begin Polygon Item=OUTSIDE Texture=MyLevel.Moss Flags=-2147483646 Link=3
+          Begin Polygon Item=OUTSIDE Texture=Brick Flags=-2147483646 Link=3
+)" + polygon + R"(          Begin Polygon Item=OUTSIDE Texture=Moss Flags=-2147483646 Link=3
 )" + polygon + R"(       End PolyList
     End Brush
      Brush=Model'MyLevel.Model2'
@@ -63,6 +63,13 @@ Begin Actor Class=Dispatcher Name=Dispatcher0
 End Actor
 End Map
 )");
+}
+
+TEST(ExportedLevel, KnowsThePackagesOfItsTextures) {
+  const Blob file = test::MadeLevel();
+  const ExportedLevel level = ExportLevel(*ReadPackage(file, "Rooms").Value);
+  EXPECT_EQ(level.TextureNames,
+            (std::map<std::string, std::string>{{"brick", "Castle.Walls.Brick"}, {"moss", "MyLevel.Moss"}}));
 }
 
 TEST(ExportedLevel, TellsWhatIsDamaged) {

@@ -1,6 +1,7 @@
-#include "packages/level_text.h"
+#include "packages/level_export.h"
 
 #include "base/ascii_text.h"
+#include "base/file_name.h"
 #include "packages/level_objects.h"
 #include "packages/property_text.h"
 
@@ -39,15 +40,15 @@ class LevelWriter {
 
   ExportedLevel Write() {
     const PackageExport* level = FindLevel(package_);
-    if (!level) return {{}, {}, "holds no level"};
+    if (!level) return Failed("holds no level");
     const auto actors = ReadLevelActors(package_, *level);
-    if (!actors) return {{}, {}, "holds a damaged level"};
+    if (!actors) return Failed("holds a damaged level");
     out_.Text = "Begin Map\r\n";
     out_.Text.reserve(package_.File.size() * 2);
     ReadActors(*actors);
     for (const Actor& actor : actors_) {
       WriteActor(actor);
-      if (out_.Text.size() > limit_) return {{}, {}, "is damaged: its text would be out of proportion to it"};
+      if (out_.Text.size() > limit_) return Failed("is damaged: its text would be out of proportion to it");
     }
     out_.Text += "End Map\r\n";
     return std::move(out_);
@@ -58,6 +59,12 @@ class LevelWriter {
     std::string_view Class, Name;
     std::vector<Property> Properties;
   };
+
+  static ExportedLevel Failed(std::string reason) {
+    ExportedLevel level;
+    level.Error = std::move(reason);
+    return level;
+  }
 
   void Fault(std::string_view name, std::string reason) {
     out_.Faults.push_back({std::string(name), std::move(reason)});
@@ -140,9 +147,9 @@ class LevelWriter {
       text += " Item=";
       AppendWord(polygon.Item);
     }
-    if (const std::string texture = FullName(package_, polygon.Texture, OwnPackageName); polygon.Texture != 0) {
+    if (polygon.Texture != 0) {
       text += " Texture=";
-      AppendWord(texture);
+      AppendWord(TextureWord(polygon.Texture));
     }
     if (polygon.Flags != 0) text += " Flags=" + std::to_string(static_cast<std::int32_t>(polygon.Flags));
     if (polygon.Link != -1) text += " Link=" + std::to_string(polygon.Link);
@@ -156,6 +163,16 @@ class LevelWriter {
     for (const FileVector& vertex : polygon.Vertices)
       WriteTriple("Vertex   ", vertex);
     text += "          End Polygon\r\n";
+  }
+
+  /// The name that a face calls its texture by.
+  const std::string& TextureWord(ObjectRef texture) {
+    const auto [at, isNew] = textureWords_.try_emplace(texture);
+    if (!isNew) return at->second;
+    const std::string full = FullName(package_, texture, OwnPackageName);
+    const std::string_view name = ObjectName(package_, texture);
+    const auto known = out_.TextureNames.try_emplace(FoldName(name), full).first;
+    return at->second = SameText(known->second, full) ? std::string(name) : full;
   }
 
   void WriteTriple(std::string_view key, const FileVector& vector) {
@@ -189,6 +206,7 @@ class LevelWriter {
   std::size_t limit_;
   std::set<std::string_view, CaseBlind> arrays_;
   std::vector<Actor> actors_;
+  std::map<ObjectRef, std::string> textureWords_;
   ExportedLevel out_;
 };
 
