@@ -1,6 +1,7 @@
 #include "actors/flights.h"
 
 #include "base/ascii_text.h"
+#include "base/reference.h"
 #include "math/path_smoothing.h"
 
 #include <algorithm>
@@ -54,16 +55,10 @@ Flight FlightAlong(const std::vector<PathPoint>& path, Report& findings) {
   return flight;
 }
 
-/// The point's name in a reference such as InterpolationPoint'myLevel.InterpolationPoint3'.
-std::string_view PointName(std::string_view reference) {
-  while (reference.ends_with('\''))
-    reference.remove_suffix(1);
-  return reference.substr(reference.find_last_of(".'") + 1);
-}
-
 PathPoint FindPoint(const std::vector<InterpolationPointRecord>& points, const std::string& reference) {
+  const std::string_view name = ReferenceName(reference);
   const auto at = std::find_if(points.begin(), points.end(), [&](const InterpolationPointRecord& point) {
-    return SameText(point.Header.Name, PointName(reference));
+    return SameText(point.Header.Name, name);
   });
   return at == points.end() ? nullptr : &*at;
 }

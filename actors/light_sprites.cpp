@@ -1,7 +1,7 @@
 #include "actors/light_sprites.h"
 
 #include "base/ascii_text.h"
-#include "base/file_name.h"
+#include "base/reference.h"
 #include "math/number_text.h"
 #include "t3d/brush_record.h"
 

@@ -2,7 +2,7 @@
 
 #include "actors/triggers.h"
 #include "base/ascii_text.h"
-#include "base/file_name.h"
+#include "base/reference.h"
 #include "math/number_text.h"
 
 #include <algorithm>

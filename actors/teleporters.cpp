@@ -157,7 +157,7 @@ int FindDestination(ActorContext& context, const std::vector<TeleporterRecord>& 
 } // namespace
 
 TeleportTarget ParseTeleportURL(std::string_view url) {
-  url = TrimBlanks(url.substr(0, url.find('?')));
+  url = Trimmed(url.substr(0, url.find('?')));
   const std::size_t hash = url.find('#');
   if (hash == url.npos) return {{}, std::string(url)};
   const std::string_view map = url.substr(0, hash);

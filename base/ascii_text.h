@@ -25,10 +25,13 @@ inline bool StartsWithText(std::string_view text, std::string_view prefix) {
   return SameText(text.substr(0, prefix.size()), prefix);
 }
 
-/// Without the blanks and tabs at both ends.
-inline std::string_view TrimBlanks(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  return first == text.npos ? std::string_view{} : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+/// Without the characters of `what` at both ends; blanks and tabs unless told otherwise.
+inline std::string_view Trimmed(std::string_view text, std::string_view what = " \t") {
+  const std::size_t first = text.find_first_not_of(what);
+  return first == text.npos ? std::string_view{} : text.substr(first, text.find_last_not_of(what) - first + 1);
 }
+
+/// Ends every line that is written.
+inline constexpr std::string_view LineEnd = "\r\n";
 
 } // namespace quarvel

@@ -3,28 +3,8 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace quarvel {
-
-/// A name as it is compared: UTF-8 without regard to letter case. Bytes that are not UTF-8 are taken as Windows-1252,
-/// as levels hold them.
-std::string FoldName(std::string_view name);
-
-/// The same text as UTF-8 without a change of case.
-std::string ToUtf8(std::string_view text);
-
-/// What a level refers to: "Name", "Package.Name", "Package.Group.Name", with or without a class and apostrophes around
-/// it ("Texture'Package.Group.Name'").
-struct ResourceReference {
-  std::string Text;                 ///< the reference without class, apostrophes and double quotes
-  std::string Name;                 ///< its last part
-  std::vector<std::string> Folders; ///< the parts before it, the package first
-
-  std::string Package() const { return Folders.empty() ? std::string() : Folders.front(); }
-};
-
-ResourceReference ParseReference(std::string_view reference);
 
 /// Makes a path of what a user typed; on systems where "\" is no separator it is understood as one all the same.
 std::filesystem::path PathOfUserText(std::string_view text);

@@ -1,6 +1,6 @@
 #include "base/level_text.h"
 
-#include "base/file_name.h"
+#include "base/text_coding.h"
 
 #include <algorithm>
 #include <array>

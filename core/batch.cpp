@@ -60,7 +60,7 @@ std::vector<fs::path> FilesOfList(std::string_view typed) {
   std::vector<std::string_view> items;
   for (std::size_t from = 0, comma = 0; from <= typed.size(); from = comma + 1) {
     comma = std::min(typed.find(',', from), typed.size());
-    items.push_back(TrimBlanks(typed.substr(from, comma - from)));
+    items.push_back(Trimmed(typed.substr(from, comma - from)));
   }
   const fs::path folder = InputPath(items.front());
   std::vector<fs::path> files;

@@ -2,6 +2,7 @@
 
 #include "images/image_type.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -15,6 +16,10 @@ class ByteView {
 
   bool Has(std::size_t offset, std::size_t count) const {
     return offset <= bytes_.size() && count <= bytes_.size() - offset;
+  }
+  /// What is there of `count` bytes from a place on.
+  Bytes Part(std::size_t offset, std::size_t count) const {
+    return offset < bytes_.size() ? bytes_.subspan(offset, std::min(count, bytes_.size() - offset)) : Bytes();
   }
   std::size_t Size() const { return bytes_.size(); }
 

@@ -2,23 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <zlib.h>
 
 namespace quarvel {
 namespace {
 
 std::uint64_t PixelCount(ImageSize size) {
   return static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height);
-}
-
-/// CRC-32 of ISO 3309, which ends every png chunk.
-std::uint32_t Crc32(ByteView bytes, std::size_t offset, std::size_t count) {
-  std::uint32_t crc = 0xFFFFFFFFU;
-  for (std::size_t i = 0; i < count; ++i) {
-    crc ^= bytes.U8(offset + i);
-    for (int bit = 0; bit < 8; ++bit)
-      crc = (crc >> 1) ^ ((crc & 1U) ? 0xEDB88320U : 0U);
-  }
-  return ~crc;
 }
 
 /// The channels of a png colour type, 0 when the pair of colour type and bit depth does not exist.
@@ -94,7 +84,8 @@ std::optional<ImageSize> CheckedSize(std::uint64_t width, std::uint64_t height) 
 std::optional<PngHeader> ReadPngHeader(ByteView head, std::uint64_t fileSize) {
   constexpr std::uint32_t ihdr = 0x49484452;
   if (!head.Has(0, 33) || head.BigU32(8) != 13 || head.BigU32(12) != ihdr) return std::nullopt;
-  if (Crc32(head, 12, 17) != head.BigU32(29)) return std::nullopt;
+  const Bytes chunk = head.Part(12, 17); // what the checksum covers: type and data
+  if (crc32(0, chunk.data(), static_cast<uInt>(chunk.size())) != head.BigU32(29)) return std::nullopt;
   const auto size = CheckedSize(head.BigU32(16), head.BigU32(20));
   if (!size) return std::nullopt;
   PngHeader header{*size, static_cast<int>(head.U8(24)), static_cast<int>(head.U8(25))};

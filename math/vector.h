@@ -18,6 +18,12 @@ struct Rotator3 {
   bool operator==(const Rotator3&) const = default;
 };
 
+/// A texture coordinate pair, in widths and heights of the image.
+struct TexturePoint {
+  double U = 0, V = 0;
+  bool operator==(const TexturePoint&) const = default;
+};
+
 struct ColorRGB {
   unsigned char R = 0, G = 0, B = 0;
   bool operator==(const ColorRGB&) const = default;

@@ -1,6 +1,7 @@
 #include "resources/destination.h"
 
 #include "base/file_name.h"
+#include "base/text_coding.h"
 #include "resources/url.h"
 
 #include <algorithm>

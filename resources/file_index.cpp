@@ -1,6 +1,7 @@
 #include "resources/file_index.h"
 
 #include "base/file_name.h"
+#include "base/text_coding.h"
 
 #include <algorithm>
 #include <set>

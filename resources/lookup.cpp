@@ -1,5 +1,8 @@
 #include "resources/lookup.h"
 
+#include "base/file_name.h"
+#include "base/text_coding.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>

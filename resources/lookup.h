@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/file_name.h"
+#include "base/reference.h"
 #include "images/image_type.h"
 #include "resources/file_index.h"
 

@@ -1,5 +1,6 @@
 #include "resources/missing_lists.h"
 
+#include "base/ascii_text.h"
 #include "base/file_name.h"
 #include "base/level_text.h"
 
@@ -14,7 +15,7 @@ namespace {
 bool WriteLines(const fs::path& file, const std::vector<std::string>& lines) {
   std::ofstream stream(file, std::ios::binary | std::ios::trunc);
   for (const std::string& line : lines)
-    stream << PrintableText(line) << "\r\n";
+    stream << PrintableText(line) << LineEnd;
   stream.close();
   return !stream.fail();
 }

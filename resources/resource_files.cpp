@@ -1,6 +1,8 @@
 #include "resources/resource_files.h"
 
+#include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/text_coding.h"
 #include "images/image_file.h"
 #include "images/image_size.h"
 #include "resources/lookup.h"

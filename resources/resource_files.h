@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/file_name.h"
+#include "base/reference.h"
 #include "base/report.h"
 #include "images/image_type.h"
 #include "resources/destination.h"

@@ -1,6 +1,6 @@
 #include "resources/url.h"
 
-#include "base/file_name.h"
+#include "base/text_coding.h"
 
 namespace quarvel {
 namespace {

@@ -35,12 +35,6 @@ struct TexturePlane {
 /// coordinate 1 everywhere.
 TexturePlane MakeTexturePlane(const PolygonRecord& polygon, int width, int height);
 
-/// A texture coordinate pair.
-struct TexturePoint {
-  double U = 0, V = 0;
-  bool operator==(const TexturePoint&) const = default;
-};
-
 TexturePoint TextureCoordinateOf(const TexturePlane& plane, const Vector3& vertex);
 
 } // namespace quarvel

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "math/vector.h"
-#include "scene/brush_placement.h"
 
 #include <array>
 #include <string>

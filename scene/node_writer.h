@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ascii_text.h"
 #include "base/report.h"
 #include "math/matrix.h"
 #include "scene/scene_names.h"
@@ -16,9 +17,6 @@
 #include <vector>
 
 namespace quarvel {
-
-/// Ends every line of the scene text.
-inline constexpr std::string_view LineEnd = "\r\n";
 
 /// The encoding of the text scene.
 enum class TextEncoding {

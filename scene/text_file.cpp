@@ -1,8 +1,9 @@
 #include "scene/text_file.h"
 
+#include "base/ascii_text.h"
+#include "base/text_coding.h"
+
 #include <algorithm>
-#include <array>
-#include <cstdint>
 #include <fstream>
 
 namespace quarvel {
@@ -10,22 +11,6 @@ namespace quarvel {
 namespace {
 
 constexpr std::size_t batchSize = 1 << 20;
-
-/// Windows-1252, 0x80 to 0x9F; the five bytes it leaves open stand for the control characters of the same number.
-constexpr std::array<std::uint16_t, 32> windows1252{0x20ac, 0x0081, 0x201a, 0x0192, 0x201e, 0x2026, 0x2020, 0x2021,
-                                                    0x02c6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008d, 0x017d, 0x008f,
-                                                    0x0090, 0x2018, 0x2019, 0x201c, 0x201d, 0x2022, 0x2013, 0x2014,
-                                                    0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0x009d, 0x017e, 0x0178};
-
-void AppendUtf8(std::string& out, std::uint16_t code) {
-  if (code >= 0x800) {
-    out += static_cast<char>(0xe0 | (code >> 12));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3f));
-  } else {
-    out += static_cast<char>(0xc0 | (code >> 6));
-  }
-  out += static_cast<char>(0x80 | (code & 0x3f));
-}
 
 } // namespace
 
@@ -35,13 +20,7 @@ void AppendCoded(std::string& out, std::string_view text, TextCoding coding) {
     out += text;
     return;
   }
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80)
-      out += c;
-    else
-      AppendUtf8(out, byte < 0xa0 ? windows1252[byte - 0x80u] : byte);
-  }
+  AppendWindows1252(out, text);
 }
 
 TextFile::TextFile(std::filesystem::path path, TextCoding coding) : path_(std::move(path)), coding_(coding) {
@@ -56,7 +35,7 @@ void TextFile::Append(std::string_view text) {
 
 void TextFile::AppendLine(std::string_view text) {
   Append(text);
-  Append("\r\n");
+  Append(LineEnd);
 }
 
 bool TextFile::Flush() {

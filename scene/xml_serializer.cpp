@@ -1,13 +1,13 @@
 #include "scene/xml_serializer.h"
 
+#include "base/ascii_text.h"
+
 #include <algorithm>
 #include <string_view>
 
 namespace quarvel {
 
 namespace {
-
-constexpr std::string_view lineEnd = "\r\n";
 
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\r' && c != '\n'; }
 
@@ -84,14 +84,14 @@ void AppendAttributes(const pugi::xml_node& element, std::string& out, bool conf
 }
 
 void AppendComment(const pugi::xml_node& comment, std::string& out, bool conforming) {
-  out.append(conforming ? "<!-- " : "<!--#comment ").append(comment.value()).append(" -->").append(lineEnd);
+  out.append(conforming ? "<!-- " : "<!--#comment ").append(comment.value()).append(" -->").append(LineEnd);
 }
 
 void AppendDeclaration(const pugi::xml_node& declaration, std::string& out) {
   out.append("<?").append(declaration.name());
   for (const pugi::xml_attribute& attribute : declaration.attributes())
     out.append(" ").append(attribute.name()).append("=\"").append(attribute.value()).append("\"");
-  out.append(" ?>").append(lineEnd);
+  out.append(" ?>").append(LineEnd);
 }
 
 } // namespace
@@ -106,13 +106,13 @@ void WriteXMLNode(const pugi::xml_node& node, TextFile& file, int depth, bool co
   } else {
     out.append("<").append(node.name());
     AppendAttributes(node, out, conforming, faults);
-    out.append(node.first_child() ? ">" : "/>").append(lineEnd);
+    out.append(node.first_child() ? ">" : "/>").append(LineEnd);
   }
   file.Append(out);
   if (!node.first_child()) return;
   for (const pugi::xml_node& child : node.children())
     WriteXMLNode(child, file, depth + 1, conforming, faults);
-  file.Append(indent + "</" + node.name() + ">\r\n");
+  file.Append(indent + "</" + node.name() + ">" + std::string(LineEnd));
 }
 
 bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming,

@@ -161,7 +161,7 @@ std::string OptionText(const OptionInfo& option, const ConversionSettings& setti
 std::string DefaultText(const OptionInfo& option) { return OptionText(option, ConversionSettings{}); }
 
 std::string SetOption(const OptionInfo& option, std::string_view text, ConversionSettings& settings) {
-  const std::string_view trimmed = TrimBlanks(text);
+  const std::string_view trimmed = Trimmed(text);
   switch (option.Kind) {
   case OptionKind::CheckBox:
     return SetCheckBox(option, trimmed, settings);

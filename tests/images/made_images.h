@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 #include <vector>
+#include <zlib.h>
 
 namespace quarvel::test {
 
@@ -97,13 +98,8 @@ inline Blob MadeJpgHead(int width, int height, int segment) {
 inline Blob MadePngHead(unsigned width, unsigned height, unsigned depth = 8, unsigned colorType = 2) {
   FileBytes chunk;
   chunk.Text("IHDR").BigU32(width).BigU32(height).U8(depth).U8(colorType).Fill(3);
-  std::uint32_t crc = 0xFFFFFFFFU;
-  for (const std::uint8_t byte : chunk.Get()) {
-    crc ^= byte;
-    for (int bit = 0; bit < 8; ++bit)
-      crc = (crc >> 1U) ^ (0xEDB88320U & (0U - (crc & 1U)));
-  }
-  return FileBytes().Text("\x89PNG\r\n\x1a\n").BigU32(13).Add(chunk).BigU32(~crc);
+  const auto crc = static_cast<unsigned>(crc32(0, chunk.Get().data(), static_cast<uInt>(chunk.Get().size())));
+  return FileBytes().Text("\x89PNG\r\n\x1a\n").BigU32(13).Add(chunk).BigU32(crc);
 }
 
 } // namespace quarvel::test

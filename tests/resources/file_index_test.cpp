@@ -1,4 +1,5 @@
 #include "base/file_name.h"
+#include "base/reference.h"
 #include "resources/file_index.h"
 #include "resources/url.h"
 #include "tests/resources/temp_folder.h"
@@ -74,6 +75,8 @@ TEST(References, LoseClassAndQuotes) {
   EXPECT_EQ(ParseReference("Pack\\Crate").Folders, std::vector<std::string>{"Pack"});
   EXPECT_EQ(ParseReference("Pack.").Name, "");
   EXPECT_EQ(ParseReference("").Name, "");
+  EXPECT_EQ(ReferencePath("StaticMesh."), "StaticMesh.");
+  EXPECT_EQ(ReferenceName("ActionPause'myLevel.Manager0.ActionPause3'"), "ActionPause3");
 }
 
 TEST(Urls, HoldNothingThatEndsAnAttributeOrString) {
