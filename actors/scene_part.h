@@ -1,9 +1,12 @@
 #pragma once
 
 #include "math/vector.h"
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
+#include "t3d/text_reader.h"
 
-#include <string_view>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace quarvel {
 
@@ -23,18 +26,25 @@ struct ScenePart {
   }
 };
 
-/// Reads the next actor that the scene shows, with its location relative to the scene's origin. `read` is the reader of
-/// the record. False when there is none.
-template <typename Read, typename Record>
-bool ReadShown(const ScenePart& part, Read read, const LevelText& level, TextCursor& cursor,
-               std::string_view searchText, Record& record) {
-  while (read(level, cursor, searchText, record)) {
-    if (!part.Shows(record.Header)) continue;
-    if constexpr (requires { record.BasePos; }) record.BasePos = SubtractVector(record.BasePos, part.Origin);
-    if constexpr (requires { record.Location; }) record.Location = SubtractVector(record.Location, part.Origin);
-    return true;
-  }
-  return false;
+/// Reads an actor, with its location relative to the scene's origin. `read` is the reader of the record. nullopt when
+/// the scene does not show the actor.
+template <typename Read>
+auto ReadShown(const ScenePart& part, const T3DLevel& level, const ActorBlock& actor, Read read) {
+  auto record = read(level, actor);
+  using Shown = std::optional<decltype(record)>;
+  if (!part.Shows(record.Header)) return Shown();
+  if constexpr (requires { record.BasePos; }) record.BasePos = SubtractVector(record.BasePos, part.Origin);
+  if constexpr (requires { record.Location; }) record.Location = SubtractVector(record.Location, part.Origin);
+  return Shown(std::move(record));
+}
+
+/// Reads all actors of a family that the scene shows.
+template <typename Read>
+auto ReadAllShown(const ScenePart& part, const T3DLevel& level, ActorFamily family, Read read) {
+  std::vector<decltype(read(level, std::declval<const ActorBlock&>()))> records;
+  for (const ActorBlock* actor : level.ActorsOf(family))
+    if (auto record = ReadShown(part, level, *actor, read)) records.push_back(std::move(*record));
+  return records;
 }
 
 } // namespace quarvel

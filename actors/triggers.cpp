@@ -15,6 +15,7 @@ void AddEvent(TriggerEntry& entry, const std::string& event) {
   if (!event.empty()) entry.Events.push_back(event);
 }
 
+/// With its place in the file.
 using PlacedEntry = std::pair<TextCursor, TriggerEntry>;
 
 template <typename Record>
@@ -27,22 +28,20 @@ TriggerEntry MakeEntry(ActorContext& context, const Record& trigger) {
   return entry;
 }
 
-void ReadTriggersOfClass(ActorContext& context, const LevelText& level, const char* searchText,
-                         std::vector<PlacedEntry>& entries) {
-  TextCursor cursor = 1;
-  TriggerRecord trigger;
-  while (ReadShown(context.Part, ReadTrigger, level, cursor, searchText, trigger))
-    entries.emplace_back(cursor, MakeEntry(context, trigger));
+void ReadPlainTriggers(ActorContext& context, const T3DLevel& level, std::vector<PlacedEntry>& entries) {
+  for (const ActorBlock* actor : level.ActorsOf(ActorFamily::Trigger))
+    if (const auto trigger = ReadShown(context.Part, level, *actor, ReadTrigger))
+      entries.emplace_back(actor->From, MakeEntry(context, *trigger));
 }
 
-void ReadStochasticTriggers(ActorContext& context, const LevelText& level, std::vector<PlacedEntry>& entries) {
-  TextCursor cursor = 1;
-  StochasticTriggerRecord trigger;
-  while (ReadShown(context.Part, ReadStochasticTrigger, level, cursor, StochasticTriggerSearchText, trigger)) {
-    TriggerEntry entry = MakeEntry(context, trigger);
-    for (const std::string& event : trigger.Events)
+void ReadStochasticTriggers(ActorContext& context, const T3DLevel& level, std::vector<PlacedEntry>& entries) {
+  for (const ActorBlock* actor : level.ActorsOf(ActorFamily::StochasticTrigger)) {
+    const auto trigger = ReadShown(context.Part, level, *actor, ReadStochasticTrigger);
+    if (!trigger) continue;
+    TriggerEntry entry = MakeEntry(context, *trigger);
+    for (const std::string& event : trigger->Events)
       AddEvent(entry, event);
-    entries.emplace_back(cursor, std::move(entry));
+    entries.emplace_back(actor->From, std::move(entry));
   }
 }
 
@@ -185,19 +184,16 @@ void WriteSensorBox(SceneWriter& scene, const std::string& size) {
 
 } // namespace
 
-void ReadTriggers(ActorContext& context, const LevelText& level) {
+void ReadTriggers(ActorContext& context, const T3DLevel& level) {
   std::vector<PlacedEntry> entries;
-  ReadTriggersOfClass(context, level, TriggerSearchText, entries);
-  ReadTriggersOfClass(context, level, ElevatorTriggerSearchText, entries);
+  ReadPlainTriggers(context, level, entries);
   ReadStochasticTriggers(context, level, entries);
   std::sort(entries.begin(), entries.end(),
             [](const PlacedEntry& a, const PlacedEntry& b) { return a.first < b.first; });
   for (PlacedEntry& entry : entries)
     context.Triggers.Entries.push_back(std::move(entry.second));
-  TextCursor cursor = 1;
-  DispatcherRecord dispatcher;
-  while (ReadDispatcher(level, cursor, DispatcherSearchText, dispatcher))
-    context.Triggers.AddDispatcher(dispatcher, context.Findings);
+  for (const ActorBlock* dispatcher : level.ActorsOf(ActorFamily::Dispatcher))
+    context.Triggers.AddDispatcher(ReadDispatcher(level, *dispatcher), context.Findings);
   context.Triggers.Connect(context.Findings);
 }
 

@@ -8,7 +8,7 @@
 namespace quarvel {
 
 /// Collects the trigger actors that the scene shows, and all dispatchers, into `context.Triggers`.
-void ReadTriggers(ActorContext& context, const LevelText& level);
+void ReadTriggers(ActorContext& context, const T3DLevel& level);
 
 /// Notes that the field `fromField` of every trigger that reaches the Tag is to be routed to the node; the routes are
 /// made by WriteTriggersAndLinks. A dispatcher's delay is added to times ("enterTime", "exitTime"); "isActive" cannot

@@ -14,13 +14,9 @@ ZoneBlock BrightestAmbience(const RunState& run) {
   const auto keep = [&](const ZoneBlock& zone) {
     if (zone.AmbientBrightness > brightest.AmbientBrightness) brightest = zone;
   };
-  TextCursor cursor = 1;
-  LevelRecord info;
-  while (ReadShown(run.Actors.Part, ReadLevel, run.Level, cursor, LevelSearchText, info))
+  for (const LevelRecord& info : ReadAllShown(run.Actors.Part, run.Level, ActorFamily::Level, ReadLevel))
     keep(info.Zone);
-  cursor = 1;
-  ZoneRecord zone;
-  while (ReadShown(run.Actors.Part, ReadZone, run.Level, cursor, ZoneSearchText, zone))
+  for (const ZoneRecord& zone : ReadAllShown(run.Actors.Part, run.Level, ActorFamily::Zone, ReadZone))
     keep(zone.Zone);
   return brightest;
 }
@@ -29,17 +25,16 @@ ZoneBlock BrightestAmbience(const RunState& run) {
 
 void ScanAmbience(RunState& run) {
   run.User.ShowPass("Scanning ambience");
-  LevelRecord info;
-  TextCursor cursor = 1;
-  if (ReadShown(run.Actors.Part, ReadLevel, run.Level, cursor, LevelSearchText, info)) WriteWorldInfo(run.Scene, info);
+  const auto infos = ReadAllShown(run.Actors.Part, run.Level, ActorFamily::Level, ReadLevel);
+  if (!infos.empty()) WriteWorldInfo(run.Scene, infos.front());
   FlushBlock(run);
   if (!run.Settings.CheckFog) return;
   const auto writeFog = [&](const auto& record) {
     if (record.Zone.bDistanceFog)
       WriteFog(run.Scene, run.Settings, record.Zone, record.Header.Name, run.Result.Findings);
   };
-  ForEachActor<LevelRecord>(run, LevelSearchText, ReadLevel, writeFog);
-  ForEachActor<ZoneRecord>(run, ZoneSearchText, ReadZone, writeFog);
+  ForEachActor(run, ActorFamily::Level, ReadLevel, writeFog);
+  ForEachActor(run, ActorFamily::Zone, ReadZone, writeFog);
 }
 
 void WriteLights(RunState& run) {
@@ -48,21 +43,18 @@ void WriteLights(RunState& run) {
   const ZoneBlock ambience = BrightestAmbience(run);
   if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Actors, ambience, run.Geometry.Bounds);
   FlushBlock(run);
-  for (const char* searchText : LightSearchTexts)
-    ForEachActor<LightRecord>(run, searchText, ReadLight,
-                              [&](const LightRecord& light) { WriteLight(run.Actors, light); });
-  ForEachActor<DisplayRecord>(run, FlareSearchText, ReadDisplay,
-                              [&](const DisplayRecord& flare) { WriteFlare(run.Actors, flare); });
+  ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Actors, light); });
+  ForEachActor(run, ActorFamily::Flare, ReadDisplay,
+               [&](const DisplayRecord& flare) { WriteFlare(run.Actors, flare); });
 }
 
 void WriteAmbientSounds(RunState& run) {
   if (!run.Settings.CheckDoSounds) return;
   run.User.ShowPass("Writing Ambient Sounds");
-  ForEachActor<AmbientSoundRecord>(run, AmbientSoundSearchText, ReadAmbientSound,
-                                   [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Actors, sound); });
-  ForEachActor<DynamicAmbientSoundRecord>(
-      run, DynamicAmbientSoundSearchText, ReadDynamicAmbientSound,
-      [&](const DynamicAmbientSoundRecord& sound) { WriteRandomSounds(run.Actors, sound); });
+  ForEachActor(run, ActorFamily::AmbientSound, ReadAmbientSound,
+               [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Actors, sound); });
+  ForEachActor(run, ActorFamily::DynamicAmbientSound, ReadDynamicAmbientSound,
+               [&](const DynamicAmbientSoundRecord& sound) { WriteRandomSounds(run.Actors, sound); });
 }
 
 void WriteSkyZone(RunState& run) {
@@ -74,12 +66,11 @@ void WriteSkyZone(RunState& run) {
 
 void WriteTriggeredEvents(RunState& run) {
   if (run.Settings.CheckDoLights)
-    ForEachActor<TriggerLightRecord>(run, TriggerLightSearchText, ReadTriggerLight,
-                                     [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Actors, light); });
+    ForEachActor(run, ActorFamily::TriggerLight, ReadTriggerLight,
+                 [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Actors, light); });
   if (run.Settings.CheckDoSounds)
-    ForEachActor<TriggeredAmbientSoundRecord>(
-        run, TriggeredAmbientSoundSearchText, ReadTriggeredAmbientSound,
-        [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Actors, sound); });
+    ForEachActor(run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
+                 [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Actors, sound); });
 }
 
 } // namespace quarvel

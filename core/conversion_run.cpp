@@ -1,19 +1,18 @@
 #include "core/conversion_run.h"
 
-#include "core/level_check.h"
 #include "core/level_source.h"
 #include "core/motion_passes.h"
 #include "core/run_passes.h"
 #include "core/run_state.h"
 #include "core/scene_framing.h"
 #include "core/sky_scene.h"
-#include "math/color_math.h"
 #include "math/number_text.h"
 #include "resources/missing_lists.h"
 #include "resources/preload_script.h"
 #include "resources/program_data.h"
 #include "scene/xml_serializer.h"
 #include "settings/settings_file.h"
+#include "t3d/level_check.h"
 
 #include <chrono>
 #include <fstream>
@@ -72,18 +71,6 @@ void CheckOutputs(const SceneFileNames& files, const ConversionSettings& setting
   if (settings.CheckXMLtoo) CheckWritable(files.Copy);
 }
 
-/// The diffuse colour of surfaces that take light: the level's own light when it has one.
-std::string LitColor(const LevelText& level) {
-  TextCursor cursor = 1;
-  const ActorBlock* actor = FindActor(level, cursor, "Class=LevelInfo");
-  if (actor == nullptr) return "0.8 0.8 0.8";
-  const TextBlock block(level.Text, actor->From, actor->To);
-  if (!IsKeyAt(block, "LightBrightness=")) return "0.8 0.8 0.8";
-  double saturation = 255;
-  GetKeyValue(block, "LightSaturation=", saturation);
-  return LightColor(GetKeyOrZero(block, "LightBrightness="), GetKeyOrZero(block, "LightHue="), saturation);
-}
-
 void SaveDocument(RunState& run, const fs::path& path, XMLFaults& faults) {
   if (!SaveXML(run.Scene.SceneDocument(), path, run.Scene.Conforming(), faults))
     throw RunFailed{Display(path) + " cannot be written"};
@@ -130,9 +117,7 @@ void WriteScene(RunState& run, const SceneFileNames& files) {
 }
 
 void WriteSkyScene(const SkyScene& sky, RunState& world) {
-  RunState run(sky.Files, sky.Settings, world.Level, world.Resources, world.User, world.Result, LitColor(world.Level));
-  run.LegacyFormat = world.LegacyFormat;
-  run.LevelName = world.LevelName;
+  RunState run(sky.Files, sky.Settings, world.Level, world.Resources, world.User, world.Result);
   run.Actors.Part = {ScenePart::Kind::Sky, sky.Zone.Location};
   WriteScene(run, sky.Files);
 }
@@ -168,18 +153,15 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   LoadText(inFile, settings, memory, user);
   for (const Finding& fault : memory.SourceFaults)
     result.Findings.Add(fault.Actor, fault.Reason);
-  const LevelText level(memory.T3DText);
-  if (const std::string why = WhyUnsupported(memory.T3DText, level); !why.empty())
-    throw RunFailed{Display(inFile) + " " + why};
+  const T3DLevel level(memory.T3DText, fs::path(memory.LoadedFileName).stem().string());
+  if (const std::string why = WhyUnsupported(level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
   CheckOutputs(files, settings);
 
   const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);
   if (sky) CheckOutputs(sky->Files, sky->Settings);
 
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
-  RunState run(files, settings, level, resources, user, result, LitColor(level));
-  run.LegacyFormat = IsLegacyFormat(memory.T3DText);
-  run.LevelName = fs::path(memory.LoadedFileName).stem().string();
+  RunState run(files, settings, level, resources, user, result);
   if (sky) run.Sky = &sky->Zone;
   if (sky) run.Actors.Part.Kept = ScenePart::Kind::World;
   WriteScene(run, files);

@@ -11,35 +11,34 @@ namespace {
 
 bool IsSky(const RunState& run) { return run.Actors.Part.Kept == ScenePart::Kind::Sky; }
 
-template <typename Record, typename Read>
-std::vector<Record> ReadAll(const RunState& run, Read read, std::string_view searchText) {
-  std::vector<Record> records;
-  TextCursor cursor = 1;
-  Record record;
-  while (ReadShown(run.Actors.Part, read, run.Level, cursor, searchText, record))
-    records.push_back(record);
-  return records;
+template <typename Read>
+auto ReadAll(const RunState& run, ActorFamily family, Read read) {
+  return ReadAllShown(run.Actors.Part, run.Level, family, read);
 }
 
-/// The second generation's scene managers know their paths; without one the points themselves are the path. A special
-/// event of the first generation sends visitors along a path that is a flight anyway.
+/// The second generation's scene managers know their paths; without one the points themselves are the path.
 std::vector<Flight> PlanFlights(RunState& run, const std::vector<InterpolationPointRecord>& points) {
   Report& findings = run.Result.Findings;
   std::vector<Flight> flights;
-  if (!run.LegacyFormat)
-    for (const SceneManagerRecord& scene : ReadAll<SceneManagerRecord>(run, ReadSceneManager, SceneManagerSearchText)) {
+  if (!run.Level.LegacyFormat)
+    for (const SceneManagerRecord& scene : ReadAll(run, ActorFamily::SceneManager, ReadSceneManager)) {
       Flight flight = FlightOfScene(scene, points, findings);
       if (!flight.Segments.empty()) flights.push_back(std::move(flight));
     }
   return flights.empty() ? FlightsOfPoints(points, findings) : flights;
 }
 
+/// What else an event of the first generation does than to send visitors along a path, which is a flight anyway.
+void ReportSpecialEvents(RunState& run) {
+  if (!run.Level.LegacyFormat) return;
+  for (const SpecialEventRecord& event : ReadAll(run, ActorFamily::SpecialEvent, ReadSpecialEvent))
+    run.Result.Findings.Add(event.Header.Name, "what it does is not converted but for the flight along a path");
+}
+
 } // namespace
 
 void WritePrototypes(RunState& run) {
-  const auto anyPoint = [&] {
-    return !ReadAll<InterpolationPointRecord>(run, ReadInterpolationPoint, InterpolationPointSearchText).empty();
-  };
+  const auto anyPoint = [&] { return !ReadAll(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint).empty(); };
   if (!run.Settings.CheckEnclose || !run.Settings.CheckOutputFlyThru || IsSky(run) || !anyPoint()) return;
   DeclareBooleanFilter(run.Actors);
   FlushBlock(run);
@@ -48,8 +47,9 @@ void WritePrototypes(RunState& run) {
 void WriteFlights(RunState& run) {
   if (!run.Settings.CheckOutputFlyThru || IsSky(run)) return;
   run.User.ShowPass("Getting Interpolation Points");
-  const auto points = ReadAll<InterpolationPointRecord>(run, ReadInterpolationPoint, InterpolationPointSearchText);
+  const auto points = ReadAll(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint);
   const std::vector<Flight> flights = PlanFlights(run, points);
+  ReportSpecialEvents(run);
   run.User.ShowPass("Writing Interpolation Points");
   WriteFlyThrough(run.Actors, flights);
   FlushBlock(run);
@@ -61,7 +61,7 @@ void WriteFlights(RunState& run) {
 }
 
 void WriteStarts(RunState& run) {
-  const auto starts = ReadAll<PlacementRecord>(run, ReadPlacement, PlayerStartSearchText);
+  const auto starts = ReadAll(run, ActorFamily::PlayerStart, ReadPlacement);
   if (run.Settings.CheckOutputPlayerStarts) {
     run.User.ShowPass("Writing Starts");
     for (const PlacementRecord& start : starts) {
@@ -78,11 +78,8 @@ void WriteStarts(RunState& run) {
 }
 
 void WriteTeleports(RunState& run) {
-  std::vector<TeleporterRecord> teleporters;
-  for (const char* searchText : TeleporterSearchTexts)
-    for (TeleporterRecord& teleporter : ReadAll<TeleporterRecord>(run, ReadTeleporter, searchText))
-      teleporters.push_back(std::move(teleporter));
-  WriteTeleporters(run.Actors, teleporters, run.LevelName);
+  const auto teleporters = ReadAll(run, ActorFamily::Teleporter, ReadTeleporter);
+  WriteTeleporters(run.Actors, teleporters, run.Level.Name);
   FlushBlock(run);
 }
 

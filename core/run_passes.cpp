@@ -3,12 +3,14 @@
 #include "actors/movers.h"
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
-#include "core/level_check.h"
 #include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
 #include "t3d/brush_record.h"
+#include "t3d/level_check.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 
 namespace quarvel {
@@ -17,7 +19,7 @@ namespace {
 
 /// One class of movers, and the item texts that its sub-pass shows.
 struct MoverPass {
-  std::string SearchText;
+  std::string_view ClassName;
   const char* Getting;
   const char* On;
   const char* Then;
@@ -61,29 +63,29 @@ void ConvertPolyLists(RunState& run) {
   }
 }
 
-/// Reads the next brush that this scene shows.
-bool NextBrush(RunState& run, TextCursor& cursor, std::string_view searchText, BrushRecord& brush) {
-  const auto read = [&](const LevelText& level, TextCursor& at, std::string_view search, BrushRecord& record) {
-    return ReadBrush(level, at, search, record, run.Numbers);
+/// The brush of an actor, if this scene shows it.
+std::optional<BrushRecord> ShownBrush(RunState& run, const ActorBlock& actor) {
+  const auto read = [&](const T3DLevel& level, const ActorBlock& block) {
+    return ReadBrush(level, block, run.Numbers);
   };
-  return ReadShown(run.Actors.Part, read, run.Level, cursor, searchText, brush);
+  return ReadShown(run.Actors.Part, run.Level, actor, read);
 }
 
 void ProcessBrushes(RunState& run) {
   if (!run.Settings.CheckDoGeometry) return;
   run.User.ShowPass("Processing Brushes");
   if (run.Level.Actors.empty()) return ConvertPolyLists(run);
-  TextCursor cursor = 1;
-  BrushRecord brush;
   run.User.ShowItem("getting brush");
-  while (NextBrush(run, cursor, "Class=Brush ", brush)) {
+  for (const ActorBlock* actor : run.Level.ActorsOf(ActorFamily::Brush)) {
+    const auto brush = ShownBrush(run, *actor);
+    if (!brush) continue;
     WaitWhilePaused(run);
     run.User.ShowItem("on brush ", run.Geometry.GeometryCount);
-    const bool chosen = IsChosen(run, brush);
+    const bool chosen = IsChosen(run, *brush);
     if (chosen)
-      ConvertBrush(run, brush);
+      ConvertBrush(run, *brush);
     else
-      SkipBrush(run, brush);
+      SkipBrush(run, *brush);
     StepOn(run);
     if (chosen && run.Settings.CheckBuildBrush) return;
     run.User.ShowItem("getting brush");
@@ -91,10 +93,11 @@ void ProcessBrushes(RunState& run) {
 }
 
 void ProcessMoverClass(RunState& run, const MoverPass& pass) {
-  TextCursor cursor = 1;
-  BrushRecord mover;
   run.User.ShowItem(pass.Getting);
-  while (NextBrush(run, cursor, pass.SearchText, mover)) {
+  for (const ActorBlock* actor : run.Level.ActorsOf(pass.ClassName)) {
+    const auto shown = ShownBrush(run, *actor);
+    if (!shown) continue;
+    const BrushRecord& mover = *shown;
     WaitWhilePaused(run);
     run.User.ShowItem(pass.On, run.Geometry.GeometryCount);
     if (mover.TooManyKeys)
@@ -114,15 +117,18 @@ void ProcessMovers(RunState& run) {
   if (!run.Settings.CheckMovers) return;
   run.User.ShowPass("Processing Movers");
   const std::array<MoverPass, 4> passes{{
-      {"Class=Mover ", "getting mover", "on mover ", ""},
-      {"Class=LoopMover ", "getting mover", "on loopingmover ", "getting looper"},
-      {"Class=RotatingMover ", "getting looper", "on rotatingmover ", "getting rotator"},
-      {"Class=AttachMover ", "getting rotator", "on attachmover ", "getting attacher"},
+      {"Mover", "getting mover", "on mover ", ""},
+      {"LoopMover", "getting mover", "on loopingmover ", "getting looper"},
+      {"RotatingMover", "getting looper", "on rotatingmover ", "getting rotator"},
+      {"AttachMover", "getting rotator", "on attachmover ", "getting attacher"},
   }};
   for (const MoverPass& pass : passes)
     ProcessMoverClass(run, pass);
-  for (const std::string& className : OtherMoverClasses(run.Level))
-    ProcessMoverClass(run, {"Class=" + className + " ", "getting mover", "on mover ", "", true});
+  const auto isOwn = [&](std::string_view name) {
+    return std::none_of(passes.begin(), passes.end(), [&](const MoverPass& pass) { return pass.ClassName == name; });
+  };
+  for (const std::string_view className : run.Level.ClassesOf(ActorFamily::Mover))
+    if (isOwn(className)) ProcessMoverClass(run, {className, "getting mover", "on mover ", "", true});
 }
 
 } // namespace

@@ -15,12 +15,12 @@ TextEncoding EncodingOf(const ConversionSettings& settings) {
 
 } // namespace
 
-RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const LevelText& level,
-                   ResourceFiles& resources, RunInterface& user, RunResult& result, std::string litColor)
+RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
+                   ResourceFiles& resources, RunInterface& user, RunResult& result)
     : Settings(settings), Level(level), User(user), Result(result),
       File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
       Scene(File, EncodingOf(settings), settings.CheckConforming), Resources(resources),
-      Materials(Scene, Resources, settings, std::move(litColor)),
+      Materials(Scene, Resources, settings, level.LitColor),
       Meshes(Scene, Resources, settings), Geometry{Scene, Materials, settings, user, result.Findings},
       Actors{Scene, settings, resources, Materials, user, result.Findings}, Numbers{user} {}
 

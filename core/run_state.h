@@ -10,7 +10,7 @@
 #include "scene/node_writer.h"
 #include "scene/text_file.h"
 #include "settings/conversion_settings.h"
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 #include "t3d/world_records.h"
 
 #include <filesystem>
@@ -23,15 +23,13 @@ struct RunStopped {};
 
 /// Everything that a run works with while it writes one scene. A level whose sky is a scene of its own has two of them.
 struct RunState {
-  RunState(const SceneFileNames& files, const ConversionSettings& settings, const LevelText& level,
-           ResourceFiles& resources, RunInterface& user, RunResult& result, std::string litColor);
+  RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
+           ResourceFiles& resources, RunInterface& user, RunResult& result);
 
   const ConversionSettings& Settings;
-  const LevelText& Level;
+  const T3DLevel& Level;
   RunInterface& User;
   RunResult& Result;
-  std::string LevelName;              ///< the level's file name without its extension
-  bool LegacyFormat = true;           ///< an export of the older editor generation
   const SkyZoneRecord* Sky = nullptr; ///< the sky zone whose own scene this one is to inline
   bool FirstChild = true;             ///< no geometry node has been written yet
 
@@ -52,20 +50,20 @@ void StepOn(RunState& run);
 /// Waits while the run is paused. Throws RunStopped when it is to end.
 void WaitWhilePaused(RunState& run);
 
-/// Reads every actor that fits and that this scene shows, hands it to `convert` and flushes what that wrote as one
+/// Reads every actor of the family that this scene shows, hands it to `convert` and flushes what that wrote as one
 /// block. `read` is the record's reader.
-template <typename Record, typename Read, typename Convert>
-void ForEachActor(RunState& run, std::string_view searchText, Read read, Convert convert);
+template <typename Read, typename Convert>
+void ForEachActor(RunState& run, ActorFamily family, Read read, Convert convert);
 
 /// Flushes what the scene text holds, if anything, as one block.
 void FlushBlock(RunState& run);
 
-template <typename Record, typename Read, typename Convert>
-void ForEachActor(RunState& run, std::string_view searchText, Read read, Convert convert) {
-  TextCursor cursor = 1;
-  Record record;
-  while (ReadShown(run.Actors.Part, read, run.Level, cursor, searchText, record)) {
-    convert(record);
+template <typename Read, typename Convert>
+void ForEachActor(RunState& run, ActorFamily family, Read read, Convert convert) {
+  for (const ActorBlock* actor : run.Level.ActorsOf(family)) {
+    const auto record = ReadShown(run.Actors.Part, run.Level, *actor, read);
+    if (!record) continue;
+    convert(*record);
     FlushBlock(run);
     StepOn(run);
   }

@@ -23,11 +23,12 @@ ConversionSettings SkySettings(const ConversionSettings& settings) {
 
 } // namespace
 
-std::optional<SkyScene> PlanSkyScene(const LevelText& level, const fs::path& inFile, const SceneFileNames& files,
+std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const fs::path& inFile, const SceneFileNames& files,
                                      const ConversionSettings& settings, RunMemory& memory, Report& findings) {
+  const auto& zones = level.ActorsOf(ActorFamily::SkyZone);
+  if (!settings.CheckSkyZone || zones.empty()) return std::nullopt;
   SkyScene sky;
-  TextCursor cursor = 1;
-  if (!settings.CheckSkyZone || !ReadSkyZone(level, cursor, SkyZoneSearchText, sky.Zone)) return std::nullopt;
+  sky.Zone = ReadSkyZone(level, *zones.front());
   const fs::path folder = files.Text.parent_path();
   const std::string name = SkySceneName(sky.Zone);
   sky.Files = {folder / (name + ".wrl"), folder / (name + ".x3d"), {}};

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/conversion_run.h"
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 #include "t3d/world_records.h"
 
 #include <filesystem>
@@ -18,7 +18,7 @@ struct SkyScene {
 
 /// The sky scene that a run is to write: with `CheckSkyZone`, for the first sky zone. None when it would take the place
 /// of the level's own scene. That it takes the place of another level's sky is reported.
-std::optional<SkyScene> PlanSkyScene(const LevelText& level, const std::filesystem::path& inFile,
+std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const std::filesystem::path& inFile,
                                      const SceneFileNames& files, const ConversionSettings& settings, RunMemory& memory,
                                      Report& findings);
 

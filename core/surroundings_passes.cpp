@@ -1,10 +1,8 @@
 #include "core/surroundings_passes.h"
 
 #include "scene/texture_animation.h"
-#include "t3d/class_defaults.h"
 #include "t3d/placement_records.h"
 #include "t3d/terrain_record.h"
-#include "t3d/world_records.h"
 #include "terrain/terrain.h"
 
 #include <set>
@@ -30,13 +28,17 @@ std::vector<std::string> ClassesWithMesh(RunState& run) {
 
 void PlaceClassMeshes(RunState& run) {
   for (const std::string& className : ClassesWithMesh(run))
-    ForEachActor<StaticMeshRecord>(run, "Class=" + className + " ", ReadStaticMesh, [&](const StaticMeshRecord& actor) {
-      run.Meshes.WritePlacedMesh(actor, className);
-    });
+    for (const ActorBlock* block : run.Level.ActorsOf(className)) {
+      const auto actor = ReadShown(run.Actors.Part, run.Level, *block, ReadStaticMesh);
+      if (!actor) continue;
+      run.Meshes.WritePlacedMesh(*actor, className);
+      FlushBlock(run);
+      StepOn(run);
+    }
 }
 
 void PlaceStaticMeshes(RunState& run) {
-  ForEachActor<StaticMeshRecord>(run, StaticMeshSearchText, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
+  ForEachActor(run, ActorFamily::StaticMesh, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
     if (NamesMesh(actor.StaticMesh))
       run.Meshes.WritePlacedMesh(actor, actor.StaticMesh);
     else
@@ -44,28 +46,12 @@ void PlaceStaticMeshes(RunState& run) {
   });
 }
 
-bool ReadSpeed(const LevelText& level, const ActorBlock& actor, std::string_view key, double& speed) {
-  if (!actor.IsComplete() || FindText(level.Text, key, actor.From, actor.To) == 0) return false;
-  return GetKeyValue(TextBlock(level.Text, actor.From, actor.To), key, speed);
-}
-
-/// The level's own speed, else that of the first zone that gives one: surfaces of all zones share one animation.
-double PanSpeed(const LevelText& level, std::string_view key) {
-  double speed = ClassDefaults::TexturePanSpeed;
-  TextCursor cursor = 1;
-  const ActorBlock* info = FindActor(level, cursor, LevelSearchText);
-  if (info && ReadSpeed(level, *info, key, speed)) return speed;
-  for (const ActorBlock& actor : level.Actors) // zones have many classes, but no other actor has such a key
-    if (ReadSpeed(level, actor, key, speed)) break;
-  return speed;
-}
-
 } // namespace
 
 void ProcessMeshes(RunState& run) {
   if (!run.Settings.CheckDoMeshes) return;
   run.User.ShowPass("Processing meshes");
-  if (run.LegacyFormat)
+  if (run.Level.LegacyFormat)
     PlaceClassMeshes(run);
   else
     PlaceStaticMeshes(run);
@@ -79,15 +65,13 @@ std::function<void()> MoverChildren(RunState& run, const BrushRecord& mover) {
 void ProcessTerrain(RunState& run) {
   if (!run.Settings.CheckDoTerrain) return;
   run.User.ShowPass("Processing terrain");
-  ForEachActor<TerrainRecord>(run, TerrainSearchText, ReadTerrain, [&](const TerrainRecord& terrain) {
-    WriteTerrain(run.Geometry, run.Resources, terrain);
-  });
+  ForEachActor(run, ActorFamily::Terrain, ReadTerrain,
+               [&](const TerrainRecord& terrain) { WriteTerrain(run.Geometry, run.Resources, terrain); });
 }
 
 void AnimateTextures(RunState& run) {
   const double scale = run.Settings.TextTexPanScale;
-  const TexturePanSpeeds speeds{scale * PanSpeed(run.Level, "TexUPanSpeed="),
-                                scale * PanSpeed(run.Level, "TexVPanSpeed=")};
+  const TexturePanSpeeds speeds{scale * run.Level.TexUPanSpeed, scale * run.Level.TexVPanSpeed};
   WriteTextureAnimations(run.Scene, run.Materials, speeds);
   FlushBlock(run);
 }

@@ -29,34 +29,6 @@ std::string_view ClassAt(std::string_view text, std::size_t classKey) {
   return name.substr(name.rfind('.') + 1);
 }
 
-std::string_view EarlierSpelling(std::string_view className) {
-  return className == "SunLight" ? "Sunlight" : className;
-}
-
-/// The class that a search text names, or the beginning of several.
-std::string_view ClassOf(std::string_view searchText) {
-  searchText.remove_prefix(std::min(searchText.size(), std::string_view("Class=").size()));
-  if (searchText.ends_with(' ')) searchText.remove_suffix(1);
-  return searchText;
-}
-
-/// For a single class: however many classes there are, finding the actors of each does not look at all the others.
-const ActorBlock* NextOfClass(const LevelText& level, TextCursor cursor, std::string_view searchText) {
-  const auto ofClass = level.ActorsOfClass.find(EarlierSpelling(ClassOf(searchText)));
-  if (ofClass == level.ActorsOfClass.end()) return nullptr;
-  const auto before = [&](std::size_t actor, TextCursor position) { return level.Actors[actor].From < position; };
-  const auto at = std::lower_bound(ofClass->second.begin(), ofClass->second.end(), cursor, before);
-  return at == ofClass->second.end() ? nullptr : &level.Actors[*at];
-}
-
-const ActorBlock* NextThatFits(const LevelText& level, TextCursor cursor, std::string_view searchText) {
-  const auto before = [](const ActorBlock& actor, TextCursor position) { return actor.From < position; };
-  const auto at = std::find_if(
-      std::lower_bound(level.Actors.begin(), level.Actors.end(), cursor, before), level.Actors.end(),
-      [&](const ActorBlock& actor) { return actor.IsComplete() && FitsSearchText(actor.Class, searchText); });
-  return at == level.Actors.end() ? nullptr : &*at;
-}
-
 } // namespace
 
 std::vector<ActorBlock> IndexActors(std::string_view text) {
@@ -74,24 +46,6 @@ std::vector<ActorBlock> IndexActors(std::string_view text) {
     begin = next;
   }
   return actors;
-}
-
-bool FitsSearchText(std::string_view className, std::string_view searchText) {
-  const std::string_view wanted = EarlierSpelling(ClassOf(searchText));
-  className = EarlierSpelling(className);
-  return searchText.ends_with(' ') ? className == wanted : className.starts_with(wanted);
-}
-
-LevelText::LevelText(std::string_view text) : Text(text), Actors(IndexActors(text)) {
-  for (std::size_t i = 0; i < Actors.size(); ++i)
-    if (Actors[i].IsComplete()) ActorsOfClass[EarlierSpelling(Actors[i].Class)].push_back(i);
-}
-
-const ActorBlock* FindActor(const LevelText& level, TextCursor& cursor, std::string_view searchText) {
-  const ActorBlock* actor =
-      searchText.ends_with(' ') ? NextOfClass(level, cursor, searchText) : NextThatFits(level, cursor, searchText);
-  if (actor != nullptr) cursor = actor->To + static_cast<TextCursor>(endActor.size());
-  return actor;
 }
 
 } // namespace quarvel

@@ -180,24 +180,21 @@ void ReadPolygons(std::string_view text, TextCursor from, TextCursor to, BrushRe
 
 } // namespace
 
-bool ReadBrush(const LevelText& level, TextCursor& cursor, std::string_view searchText, BrushRecord& brush,
-               NumberCheck& check) {
-  const ActorBlock* actor = FindActor(level, cursor, searchText);
-  if (actor == nullptr) return false;
-  brush = BrushRecord();
-  const TextBlock block(level.Text, actor->From, actor->To);
+BrushRecord ReadBrush(const T3DLevel& level, const ActorBlock& actor, NumberCheck& check) {
+  BrushRecord brush;
+  const TextBlock block(level.Text, actor.From, actor.To);
   ReadPlacement(block, brush);
-  if (searchText.find("Mover") != searchText.npos) {
-    if (searchText == "Class=RotatingMover ") brush.Physics = "PHYS_Rotating";
+  if (IsOfFamily(actor.Class, ActorFamily::Mover)) {
+    if (actor.Class == "RotatingMover") brush.Physics = "PHYS_Rotating";
     brush.CsgOper = "CsgOper=CSG_Add";
     brush.IsMover = true;
-    brush.IsLoopMover = searchText == "Class=LoopMover ";
+    brush.IsLoopMover = actor.Class == "LoopMover";
     ReadMotion(block, brush);
     ReadKeys(block, brush);
   }
   ReadSoundBlock(block, brush.Sound);
-  ReadPolygons(level.Text, actor->From, actor->To, brush, check);
-  return true;
+  ReadPolygons(level.Text, actor.From, actor.To, brush, check);
+  return brush;
 }
 
 bool ReadPolyList(std::string_view text, TextCursor& cursor, BrushRecord& brush, NumberCheck& check) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 #include "t3d/sound_block.h"
 #include "t3d/text_reader.h"
 
@@ -91,9 +91,8 @@ struct BrushRecord {
   int DamagedPolygons = 0; ///< polygons left out because their end is missing
 };
 
-/// Reads the next actor that fits the search text. False when there is none.
-bool ReadBrush(const LevelText& level, TextCursor& cursor, std::string_view searchText, BrushRecord& brush,
-               NumberCheck& check);
+/// Reads a brush, or a mover with its motion.
+BrushRecord ReadBrush(const T3DLevel& level, const ActorBlock& actor, NumberCheck& check);
 
 /// Reads a bare "Begin PolyList" block (a file without actors) as one additive brush. False when there is none.
 bool ReadPolyList(std::string_view text, TextCursor& cursor, BrushRecord& brush, NumberCheck& check);

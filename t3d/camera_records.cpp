@@ -1,5 +1,6 @@
 #include "t3d/camera_records.h"
 
+#include "base/reference.h"
 #include "t3d/record_reading.h"
 
 namespace quarvel {
@@ -44,13 +45,6 @@ void ReadActionKeys(const TextBlock& block, SceneActionRecord& action) {
   GetKeyValue(block, "PathVelocity=", action.PathVelocity);
 }
 
-/// The name in a reference such as ActionMoveCamera'myLevel.SceneManager0.ActionMoveCamera3'.
-std::string_view NameInReference(std::string_view reference) {
-  const std::size_t quote = reference.find('\'');
-  if (quote != reference.npos) reference = reference.substr(quote + 1, reference.rfind('\'') - quote - 1);
-  return reference.substr(reference.rfind('.') + 1);
-}
-
 /// Reads the sub-object of that name, which may stand before or after the entry that refers to it. False when the actor
 /// holds none, or one that is neither of the two kinds.
 bool ReadAction(const TextBlock& actor, std::string_view name, SceneActionRecord& action) {
@@ -77,7 +71,7 @@ void ReadActions(const TextBlock& block, SceneManagerRecord& manager) {
   std::string reference;
   for (int index = 0; GetKeyValue(block, IndexedKey(" Actions", index), reference); ++index) {
     SceneActionRecord action;
-    if (ReadAction(block, NameInReference(reference), action))
+    if (ReadAction(block, ReferenceName(reference), action))
       manager.Actions.push_back(action);
     else
       ++manager.MissingActions;
@@ -108,19 +102,16 @@ void ReadManagerKeys(const TextBlock& block, SceneManagerRecord& manager) {
 
 } // namespace
 
-bool ReadInterpolationPoint(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                            InterpolationPointRecord& point) {
-  return ReadRecord(level, cursor, searchText, point, ReadPointKeys);
+InterpolationPointRecord ReadInterpolationPoint(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<InterpolationPointRecord>(level, actor, ReadPointKeys);
 }
 
-bool ReadSpecialEvent(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      SpecialEventRecord& event) {
-  return ReadRecord(level, cursor, searchText, event, ReadEventKeys);
+SpecialEventRecord ReadSpecialEvent(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<SpecialEventRecord>(level, actor, ReadEventKeys);
 }
 
-bool ReadSceneManager(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      SceneManagerRecord& manager) {
-  return ReadRecord(level, cursor, searchText, manager, ReadManagerKeys);
+SceneManagerRecord ReadSceneManager(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<SceneManagerRecord>(level, actor, ReadManagerKeys);
 }
 
 } // namespace quarvel

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "t3d/actor_index.h"
 #include "t3d/class_defaults.h"
+#include "t3d/level.h"
 
 #include <cstdint>
 #include <string>
@@ -66,16 +66,9 @@ struct SceneManagerRecord {
   int MissingActions = 0;                 ///< entries without such a sub-object
 };
 
-inline constexpr const char* InterpolationPointSearchText = "Class=InterpolationPoint ";
-inline constexpr const char* SpecialEventSearchText = "Class=SpecialEvent ";
-inline constexpr const char* SceneManagerSearchText = "Class=SceneManager";
-
-/// Each reads the next actor that fits the search text. False when there is none.
-bool ReadInterpolationPoint(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                            InterpolationPointRecord& point);
-bool ReadSpecialEvent(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      SpecialEventRecord& event);
-bool ReadSceneManager(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      SceneManagerRecord& manager);
+/// Each reads the record of one of the level's actors.
+InterpolationPointRecord ReadInterpolationPoint(const T3DLevel& level, const ActorBlock& actor);
+SpecialEventRecord ReadSpecialEvent(const T3DLevel& level, const ActorBlock& actor);
+SceneManagerRecord ReadSceneManager(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

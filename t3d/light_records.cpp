@@ -60,17 +60,16 @@ void ReadDisplayKeys(const TextBlock& block, DisplayRecord& display) {
 
 } // namespace
 
-bool ReadLight(const LevelText& level, TextCursor& cursor, std::string_view searchText, LightRecord& light) {
-  return ReadRecord(level, cursor, searchText, light, ReadLightKeys);
+LightRecord ReadLight(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<LightRecord>(level, actor, ReadLightKeys);
 }
 
-bool ReadTriggerLight(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      TriggerLightRecord& light) {
-  return ReadRecord(level, cursor, searchText, light, ReadTriggerLightKeys);
+TriggerLightRecord ReadTriggerLight(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<TriggerLightRecord>(level, actor, ReadTriggerLightKeys);
 }
 
-bool ReadDisplay(const LevelText& level, TextCursor& cursor, std::string_view searchText, DisplayRecord& display) {
-  return ReadRecord(level, cursor, searchText, display, ReadDisplayKeys);
+DisplayRecord ReadDisplay(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<DisplayRecord>(level, actor, ReadDisplayKeys);
 }
 
 } // namespace quarvel

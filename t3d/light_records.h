@@ -1,10 +1,9 @@
 #pragma once
 
-#include "t3d/actor_index.h"
 #include "t3d/class_defaults.h"
+#include "t3d/level.h"
 #include "t3d/sound_block.h"
 
-#include <array>
 #include <string>
 
 namespace quarvel {
@@ -62,16 +61,9 @@ struct DisplayRecord {
   DisplayBlock Display;
 };
 
-/// The search texts of the light actors, in the order in which they are converted.
-inline constexpr std::array LightSearchTexts = {"Class=Light", "Class=Spotlight", "Class=Sunlight",
-                                                "Class=ScaledSprite", "Class=TorchFlame"};
-inline constexpr const char* FlareSearchText = "Class=UTFlare";
-inline constexpr const char* TriggerLightSearchText = "Class=TriggerLight ";
-
-/// Each reads the next actor that fits the search text. False when there is none.
-bool ReadLight(const LevelText& level, TextCursor& cursor, std::string_view searchText, LightRecord& light);
-bool ReadTriggerLight(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      TriggerLightRecord& light);
-bool ReadDisplay(const LevelText& level, TextCursor& cursor, std::string_view searchText, DisplayRecord& display);
+/// Each reads the record of one of the level's actors.
+LightRecord ReadLight(const T3DLevel& level, const ActorBlock& actor);
+TriggerLightRecord ReadTriggerLight(const T3DLevel& level, const ActorBlock& actor);
+DisplayRecord ReadDisplay(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

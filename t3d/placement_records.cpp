@@ -1,5 +1,6 @@
 #include "t3d/placement_records.h"
 
+#include "base/reference.h"
 #include "math/number_text.h"
 #include "t3d/record_reading.h"
 
@@ -24,11 +25,12 @@ void ReadTeleporterKeys(const TextBlock& block, TeleporterRecord& teleporter) {
   GetKeyValue(block, "bChangesVelocity=", teleporter.bChangesVelocity);
   GetKeyValue(block, "CollisionRadius=", teleporter.CollisionRadius);
   GetKeyValue(block, "CollisionHeight=", teleporter.CollisionHeight);
+  teleporter.IsVisible = teleporter.Header.Class == "VisibleTeleporter";
 }
 
 void ReadStaticMeshKeys(const TextBlock& block, StaticMeshRecord& mesh) {
   GetKeyValue(block, "StaticMesh=", mesh.StaticMesh);
-  mesh.StaticMesh = StaticMeshName(mesh.StaticMesh);
+  mesh.StaticMesh = ReferencePath(mesh.StaticMesh);
   ReadPlace(block, mesh);
   mesh.DrawScale3D = GetVectorOr1(block, "DrawScale3D=");
   GetKeyValue(block, "DrawScale=", mesh.DrawScale);
@@ -36,28 +38,16 @@ void ReadStaticMeshKeys(const TextBlock& block, StaticMeshRecord& mesh) {
 
 } // namespace
 
-bool ReadPlacement(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                   PlacementRecord& placement) {
-  return ReadRecord(level, cursor, searchText, placement, ReadPlace<PlacementRecord>);
+PlacementRecord ReadPlacement(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<PlacementRecord>(level, actor, ReadPlace<PlacementRecord>);
 }
 
-bool ReadTeleporter(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                    TeleporterRecord& teleporter) {
-  if (!ReadRecord(level, cursor, searchText, teleporter, ReadTeleporterKeys)) return false;
-  teleporter.IsVisible = searchText.starts_with("Class=VisibleTeleporter");
-  return true;
+TeleporterRecord ReadTeleporter(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<TeleporterRecord>(level, actor, ReadTeleporterKeys);
 }
 
-bool ReadStaticMesh(const LevelText& level, TextCursor& cursor, std::string_view searchText, StaticMeshRecord& mesh) {
-  return ReadRecord(level, cursor, searchText, mesh, ReadStaticMeshKeys);
-}
-
-std::string StaticMeshName(const std::string& reference) {
-  constexpr std::size_t quotedPrefix = 11; // the word StaticMesh and a quote
-  const bool isReference = reference.find("StaticMesh") != reference.npos && reference.find('.') != reference.npos;
-  return isReference && reference.size() > quotedPrefix
-             ? reference.substr(quotedPrefix, reference.size() - quotedPrefix - 1)
-             : reference;
+StaticMeshRecord ReadStaticMesh(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<StaticMeshRecord>(level, actor, ReadStaticMeshKeys);
 }
 
 } // namespace quarvel

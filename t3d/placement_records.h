@@ -1,9 +1,8 @@
 #pragma once
 
-#include "t3d/actor_index.h"
 #include "t3d/class_defaults.h"
+#include "t3d/level.h"
 
-#include <array>
 #include <string>
 
 namespace quarvel {
@@ -25,7 +24,7 @@ struct TeleporterRecord {
   bool bReversesX = false, bReversesY = false, bReversesZ = false, bChangesVelocity = false;
   double CollisionRadius = ClassDefaults::TeleporterRadius;
   double CollisionHeight = ClassDefaults::TeleporterHeight;
-  bool IsVisible = false; ///< it was found as a VisibleTeleporter
+  bool IsVisible = false; ///< its class is VisibleTeleporter
 };
 
 struct StaticMeshRecord {
@@ -37,20 +36,10 @@ struct StaticMeshRecord {
   double DrawScale = ClassDefaults::DrawScale;
 };
 
-inline constexpr const char* PlayerStartSearchText = "Class=PlayerStart ";
-inline constexpr const char* StaticMeshSearchText = "Class=StaticMeshActor ";
-/// In the order in which they are converted.
-inline constexpr std::array TeleporterSearchTexts = {"Class=Teleporter ", "Class=FavoritesTeleporter ",
-                                                     "Class=VisibleTeleporter "};
-
-/// Each reads the next actor that fits the search text. False when there is none.
-bool ReadPlacement(const LevelText& level, TextCursor& cursor, std::string_view searchText, PlacementRecord& placement);
-bool ReadTeleporter(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                    TeleporterRecord& teleporter);
-/// With the search text "Class=" the actor may be of any class; it is one with a mesh when `StaticMesh` is not empty.
-bool ReadStaticMesh(const LevelText& level, TextCursor& cursor, std::string_view searchText, StaticMeshRecord& mesh);
-
-/// The name in a mesh reference: StaticMesh'Package.Group.Name' gives Package.Group.Name.
-std::string StaticMeshName(const std::string& reference);
+/// Each reads the record of one of the level's actors.
+PlacementRecord ReadPlacement(const T3DLevel& level, const ActorBlock& actor);
+TeleporterRecord ReadTeleporter(const T3DLevel& level, const ActorBlock& actor);
+/// Of an actor of any class; it is one with a mesh when `StaticMesh` is not empty.
+StaticMeshRecord ReadStaticMesh(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

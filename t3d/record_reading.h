@@ -1,6 +1,6 @@
 #pragma once
 
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 #include "t3d/text_reader.h"
 
 #include <string>
@@ -8,18 +8,15 @@
 
 namespace quarvel {
 
-/// What every record reader does: finds the next actor that fits, clears the record to its class's defaults and reads
-/// the header and then, with `readKeys(block, record)`, the keys. False when there is no such actor.
+/// What every record reader does: begins with the defaults of the record's class and reads the header and then, with
+/// `readKeys(block, record)`, the keys.
 template <typename Record, typename ReadKeys>
-bool ReadRecord(const LevelText& level, TextCursor& cursor, std::string_view searchText, Record& record,
-                ReadKeys readKeys) {
-  const ActorBlock* actor = FindActor(level, cursor, searchText);
-  if (actor == nullptr) return false;
-  record = Record();
-  const TextBlock block(level.Text, actor->From, actor->To);
+Record ReadRecord(const T3DLevel& level, const ActorBlock& actor, ReadKeys readKeys) {
+  Record record;
+  const TextBlock block(level.Text, actor.From, actor.To);
   record.Header = ReadActorHeader(block);
   readKeys(block, record);
-  return true;
+  return record;
 }
 
 /// The key of one entry of an array property: "OutEvents(3)=".

@@ -35,19 +35,16 @@ void ReadTriggeredKeys(const TextBlock& block, TriggeredAmbientSoundRecord& soun
 
 } // namespace
 
-bool ReadAmbientSound(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      AmbientSoundRecord& sound) {
-  return ReadRecord(level, cursor, searchText, sound, ReadAmbientKeys);
+AmbientSoundRecord ReadAmbientSound(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<AmbientSoundRecord>(level, actor, ReadAmbientKeys);
 }
 
-bool ReadDynamicAmbientSound(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                             DynamicAmbientSoundRecord& sound) {
-  return ReadRecord(level, cursor, searchText, sound, ReadDynamicKeys);
+DynamicAmbientSoundRecord ReadDynamicAmbientSound(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<DynamicAmbientSoundRecord>(level, actor, ReadDynamicKeys);
 }
 
-bool ReadTriggeredAmbientSound(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                               TriggeredAmbientSoundRecord& sound) {
-  return ReadRecord(level, cursor, searchText, sound, ReadTriggeredKeys);
+TriggeredAmbientSoundRecord ReadTriggeredAmbientSound(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<TriggeredAmbientSoundRecord>(level, actor, ReadTriggeredKeys);
 }
 
 } // namespace quarvel

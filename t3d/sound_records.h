@@ -1,7 +1,7 @@
 #pragma once
 
-#include "t3d/actor_index.h"
 #include "t3d/class_defaults.h"
+#include "t3d/level.h"
 #include "t3d/sound_block.h"
 
 #include <array>
@@ -45,16 +45,9 @@ struct TriggeredAmbientSoundRecord {
   double rePlayTime = 0, rePlayVariance = 0;
 };
 
-inline constexpr const char* AmbientSoundSearchText = "Class=AmbientSound ";
-inline constexpr const char* DynamicAmbientSoundSearchText = "Class=DynamicAmbientSound ";
-inline constexpr const char* TriggeredAmbientSoundSearchText = "Class=TriggeredAmbientSound ";
-
-/// Each reads the next actor that fits the search text. False when there is none.
-bool ReadAmbientSound(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                      AmbientSoundRecord& sound);
-bool ReadDynamicAmbientSound(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                             DynamicAmbientSoundRecord& sound);
-bool ReadTriggeredAmbientSound(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                               TriggeredAmbientSoundRecord& sound);
+/// Each reads the record of one of the level's actors.
+AmbientSoundRecord ReadAmbientSound(const T3DLevel& level, const ActorBlock& actor);
+DynamicAmbientSoundRecord ReadDynamicAmbientSound(const T3DLevel& level, const ActorBlock& actor);
+TriggeredAmbientSoundRecord ReadTriggeredAmbientSound(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

@@ -1,5 +1,6 @@
 #include "t3d/terrain_record.h"
 
+#include "base/reference.h"
 #include "math/number_text.h"
 #include "t3d/record_reading.h"
 
@@ -8,10 +9,6 @@
 namespace quarvel {
 
 namespace {
-
-std::string WithoutEnds(std::string_view text) {
-  return std::string(text.size() < 2 ? "" : text.substr(1, text.size() - 2));
-}
 
 /// What stands behind the key, which may be the layer's last.
 std::string ItemOf(std::string_view layer, std::string_view key) {
@@ -37,7 +34,7 @@ Plane4 ReadPlane(std::string_view layer, std::string_view key) {
 
 TerrainLayer ReadLayer(std::string_view text) {
   TerrainLayer layer;
-  layer.Texture = WithoutEnds(ItemOf(text, "Texture=Texture"));
+  layer.Texture = ReferencePath(ItemOf(text, "Texture=Texture"));
   layer.AlphaMap = ItemOf(text, "AlphaMap=");
   layer.UScale = ParseLeadingNumber(ItemOf(text, "UScale="));
   layer.VScale = ParseLeadingNumber(ItemOf(text, "VScale="));
@@ -84,8 +81,7 @@ void ReadTerrainKeys(const TextBlock& block, TerrainRecord& terrain) {
   GetKeyValue(block, "DecoLayerOffset=", terrain.DecoLayerOffset);
   terrain.TerrainScale = GetVectorOr1(block, "TerrainScale=");
   GetKeyValue(block, "TerrainMap=", terrain.TerrainMap);
-  if (terrain.TerrainMap.find("Texture'") != terrain.TerrainMap.npos && terrain.TerrainMap.size() > 8)
-    terrain.TerrainMap = terrain.TerrainMap.substr(8, terrain.TerrainMap.size() - 9);
+  terrain.TerrainMap = ReferencePath(terrain.TerrainMap);
   GetKeyValue(block, "SoundVolume=", terrain.SoundVolume);
   GetKeyValue(block, "DrawScale=", terrain.DrawScale);
   GetKeyValue(block, "CollisionRadius=", terrain.CollisionRadius);
@@ -96,8 +92,8 @@ void ReadTerrainKeys(const TextBlock& block, TerrainRecord& terrain) {
 
 } // namespace
 
-bool ReadTerrain(const LevelText& level, TextCursor& cursor, std::string_view searchText, TerrainRecord& terrain) {
-  return ReadRecord(level, cursor, searchText, terrain, ReadTerrainKeys);
+TerrainRecord ReadTerrain(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<TerrainRecord>(level, actor, ReadTerrainKeys);
 }
 
 } // namespace quarvel

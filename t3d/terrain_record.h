@@ -1,6 +1,6 @@
 #pragma once
 
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 
 #include <array>
 #include <cstdint>
@@ -37,12 +37,10 @@ struct TerrainRecord {
   std::vector<std::uint32_t> QuadVisibilityBitmap;
 };
 
-inline constexpr const char* TerrainSearchText = "Class=TerrainInfo";
-
 /// A heightmap of more samples on a side than this is not read.
 inline constexpr int MaxTerrainSide = 4096;
 
-/// Reads the next actor that fits the search text. False when there is none.
-bool ReadTerrain(const LevelText& level, TextCursor& cursor, std::string_view searchText, TerrainRecord& terrain);
+/// Reads the record of one of the level's actors.
+TerrainRecord ReadTerrain(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

@@ -44,18 +44,16 @@ void ReadDispatcherKeys(const TextBlock& block, DispatcherRecord& dispatcher) {
 
 } // namespace
 
-bool ReadTrigger(const LevelText& level, TextCursor& cursor, std::string_view searchText, TriggerRecord& trigger) {
-  return ReadRecord(level, cursor, searchText, trigger, ReadTriggerKeys);
+TriggerRecord ReadTrigger(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<TriggerRecord>(level, actor, ReadTriggerKeys);
 }
 
-bool ReadStochasticTrigger(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                           StochasticTriggerRecord& trigger) {
-  return ReadRecord(level, cursor, searchText, trigger, ReadStochasticKeys);
+StochasticTriggerRecord ReadStochasticTrigger(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<StochasticTriggerRecord>(level, actor, ReadStochasticKeys);
 }
 
-bool ReadDispatcher(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                    DispatcherRecord& dispatcher) {
-  return ReadRecord(level, cursor, searchText, dispatcher, ReadDispatcherKeys);
+DispatcherRecord ReadDispatcher(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<DispatcherRecord>(level, actor, ReadDispatcherKeys);
 }
 
 } // namespace quarvel

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "t3d/actor_index.h"
 #include "t3d/class_defaults.h"
+#include "t3d/level.h"
 #include "t3d/sound_block.h"
 
 #include <array>
@@ -45,16 +45,9 @@ struct DispatcherRecord {
   std::array<double, 8> OutDelays{};
 };
 
-inline constexpr const char* TriggerSearchText = "Class=Trigger ";
-inline constexpr const char* ElevatorTriggerSearchText = "Class=ElevatorTrigger ";
-inline constexpr const char* StochasticTriggerSearchText = "Class=StochasticTrigger ";
-inline constexpr const char* DispatcherSearchText = "Class=Dispatcher ";
-
-/// Each reads the next actor that fits the search text. False when there is none.
-bool ReadTrigger(const LevelText& level, TextCursor& cursor, std::string_view searchText, TriggerRecord& trigger);
-bool ReadStochasticTrigger(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                           StochasticTriggerRecord& trigger);
-bool ReadDispatcher(const LevelText& level, TextCursor& cursor, std::string_view searchText,
-                    DispatcherRecord& dispatcher);
+/// Each reads the record of one of the level's actors.
+TriggerRecord ReadTrigger(const T3DLevel& level, const ActorBlock& actor);
+StochasticTriggerRecord ReadStochasticTrigger(const T3DLevel& level, const ActorBlock& actor);
+DispatcherRecord ReadDispatcher(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

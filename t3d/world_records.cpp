@@ -44,16 +44,16 @@ void ReadLevelKeys(const TextBlock& block, LevelRecord& info) {
 
 } // namespace
 
-bool ReadZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, ZoneRecord& zone) {
-  return ReadRecord(level, cursor, searchText, zone, ReadZoneKeys);
+ZoneRecord ReadZone(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<ZoneRecord>(level, actor, ReadZoneKeys);
 }
 
-bool ReadSkyZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, SkyZoneRecord& zone) {
-  return ReadRecord(level, cursor, searchText, zone, ReadSkyZoneKeys);
+SkyZoneRecord ReadSkyZone(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<SkyZoneRecord>(level, actor, ReadSkyZoneKeys);
 }
 
-bool ReadLevel(const LevelText& level, TextCursor& cursor, std::string_view searchText, LevelRecord& info) {
-  return ReadRecord(level, cursor, searchText, info, ReadLevelKeys);
+LevelRecord ReadLevel(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<LevelRecord>(level, actor, ReadLevelKeys);
 }
 
 } // namespace quarvel

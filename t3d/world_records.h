@@ -1,7 +1,7 @@
 #pragma once
 
-#include "t3d/actor_index.h"
 #include "t3d/class_defaults.h"
+#include "t3d/level.h"
 
 #include <string>
 
@@ -45,13 +45,9 @@ struct LevelRecord {
   ZoneBlock Zone;
 };
 
-inline constexpr const char* LevelSearchText = "Class=LevelInfo";
-inline constexpr const char* ZoneSearchText = "Class=ZoneInfo ";
-inline constexpr const char* SkyZoneSearchText = "Class=SkyZoneInfo ";
-
-/// Each reads the next actor that fits the search text. False when there is none.
-bool ReadZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, ZoneRecord& zone);
-bool ReadSkyZone(const LevelText& level, TextCursor& cursor, std::string_view searchText, SkyZoneRecord& zone);
-bool ReadLevel(const LevelText& level, TextCursor& cursor, std::string_view searchText, LevelRecord& info);
+/// Each reads the record of one of the level's actors.
+ZoneRecord ReadZone(const T3DLevel& level, const ActorBlock& actor);
+SkyZoneRecord ReadSkyZone(const T3DLevel& level, const ActorBlock& actor);
+LevelRecord ReadLevel(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

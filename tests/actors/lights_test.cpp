@@ -190,7 +190,7 @@ TEST_F(Lights, WithASoundGiveItAPlaceOfItsOwn) {
 TEST_F(Lights, ThatAreTriggeredAreSwitched) {
   Settings.CheckOutputStaticLights = false;
   const std::string text = ActorText("Trigger Name=T", "    Event=lamp");
-  ReadTriggers(Context(), LevelText(text));
+  ReadTriggers(Context(), T3DLevel(text));
   TriggerLightRecord light;
   static_cast<LightRecord&>(light) = Light();
   light.Header.Tag = "Lamp";

@@ -16,13 +16,10 @@ class Movers : public ActorTest {
  protected:
   BrushRecord Read(const std::string& keys, const std::string& className = "Mover") {
     const std::string text = ActorText(className + " Name=M", keys);
-    const LevelText level(text);
-    TextCursor cursor = 1;
+    const T3DLevel level(text);
     RunInterface user;
     NumberCheck check{user};
-    BrushRecord mover;
-    EXPECT_TRUE(ReadBrush(level, cursor, "Class=" + className + " ", mover, check));
-    return mover;
+    return ReadBrush(level, level.Actors.at(0), check);
   }
 
   MoverAnimation Track(const std::string& keys, const std::string& className = "Mover") {
@@ -31,7 +28,7 @@ class Movers : public ActorTest {
 
   /// Writes the mover, whose Transform is "Mover_1", and the triggers of the level.
   void Write(const BrushRecord& mover, const std::string& level = {}) {
-    const LevelText text(level);
+    const T3DLevel text(level);
     ReadTriggers(Context(), text);
     Scene().Define("Mover_1");
     WrittenBrush written{"Mover_1"};

@@ -105,7 +105,7 @@ TEST_F(Sounds, OfAmbientActorsStandAtTheirPlace) {
 
 TEST_F(Sounds, ThatAreTriggeredWaitAndAreLinked) {
   const std::string text = ActorText("Trigger Name=T", "    Event=bell");
-  ReadTriggers(Context(), LevelText(text));
+  ReadTriggers(Context(), T3DLevel(text));
   TriggeredAmbientSoundRecord record;
   record.Header.Name = "Bell0";
   record.Header.Tag = "Bell";

@@ -10,7 +10,7 @@ class Triggers : public ActorTest {
   /// nodes.
   std::vector<std::string> RoutesTo(const std::string& level, const std::string& tag,
                                     const std::string& field = "enterTime") {
-    const LevelText text(level);
+    const T3DLevel text(level);
     ReadTriggers(Context(), text);
     Scene().Define("Target");
     NoteLink(Context(), tag, field, "Target", field == "isActive" ? "set_on" : "startTime");
@@ -51,7 +51,7 @@ TEST_F(Triggers, OfAllThreeClassesAreListedInFileOrder) {
   const std::string text = ActorText("StochasticTrigger Name=S", "    Events(3)=Far\r\n    Event=Near") +
                            ActorText("Trigger Name=T") + ActorText("TriggerSound Name=X") +
                            ActorText("ElevatorTrigger Name=E", "    bInitiallyActive=False");
-  ReadTriggers(Context(), LevelText(text));
+  ReadTriggers(Context(), T3DLevel(text));
   const auto& entries = Context().Triggers.Entries;
   ASSERT_EQ(entries.size(), 3u);
   EXPECT_EQ(entries[0].Name, "S");

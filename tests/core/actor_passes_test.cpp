@@ -164,21 +164,19 @@ std::map<std::string, int> CountNodes(const test::ReadScene& scene) {
 /// What the actors of a level should have become.
 std::map<std::string, int> CountActors(const std::string& text) {
   std::map<std::string, int> counts;
-  const LevelText level(text);
+  const T3DLevel level(text);
   for (const ActorBlock& actor : level.Actors) {
-    const auto fits = [&](std::string_view search) { return FitsSearchText(actor.Class, search); };
+    const auto is = [&](ActorFamily family) { return IsOfFamily(actor.Class, family); };
     const TextBlock block(level.Text, actor.From, actor.To);
-    const bool isLight =
-        std::any_of(LightSearchTexts.begin(), LightSearchTexts.end(), fits) || fits(TriggerLightSearchText);
+    const bool isLight = is(ActorFamily::Light) || is(ActorFamily::TriggerLight);
     const bool hasSound = !GetValueWord(block, "AmbientSound=").empty();
     if (isLight) ++counts["Light"];
-    if (hasSound && (isLight || fits(AmbientSoundSearchText))) ++counts["Sound"];
-    if (fits(TriggeredAmbientSoundSearchText)) ++counts["Sound"];
-    for (int i = 0; fits(DynamicAmbientSoundSearchText) && i < 17; ++i)
+    if (hasSound && (isLight || is(ActorFamily::AmbientSound))) ++counts["Sound"];
+    if (is(ActorFamily::TriggeredAmbientSound)) ++counts["Sound"];
+    for (int i = 0; is(ActorFamily::DynamicAmbientSound) && i < 17; ++i)
       counts["Sound"] += GetValueWord(block, "Sounds(" + std::to_string(i) + ")=").empty() ? 0 : 1;
-    if (fits(TriggerSearchText) || fits(ElevatorTriggerSearchText) || fits(StochasticTriggerSearchText))
-      ++counts["ProximitySensor"];
-    if (fits("Class=LevelInfo")) counts["WorldInfo"] = 1;
+    if (is(ActorFamily::Trigger) || is(ActorFamily::StochasticTrigger)) ++counts["ProximitySensor"];
+    if (is(ActorFamily::Level)) counts["WorldInfo"] = 1;
   }
   std::erase_if(counts, [](const auto& count) { return count.second == 0; });
   return counts;

@@ -1,5 +1,5 @@
 #include "core/conversion_run.h"
-#include "core/level_check.h"
+#include "t3d/level.h"
 #include "tests/core/converted.h"
 #include "tests/scene/scene_readers.h"
 
@@ -307,10 +307,10 @@ TEST(ConversionRun, ReportsFilesThatCannotBeReadOrWritten) {
 }
 
 TEST(LevelCheck, TellsTheGenerationsApart) {
-  EXPECT_TRUE(IsLegacyFormat("Begin Actor"));
-  EXPECT_TRUE(IsLegacyFormat(" Texture=Wall Link=0.5\n Texture=A.B"));
-  EXPECT_FALSE(IsLegacyFormat(" Texture=Pack.Wall\n"));
-  EXPECT_FALSE(IsLegacyFormat(" Texture=Wall\n PhysicsVolume=X"));
+  EXPECT_TRUE(T3DLevel("Begin Actor").LegacyFormat);
+  EXPECT_TRUE(T3DLevel(" Texture=Wall Link=0.5\n Texture=A.B").LegacyFormat);
+  EXPECT_FALSE(T3DLevel(" Texture=Pack.Wall\n").LegacyFormat);
+  EXPECT_FALSE(T3DLevel(" Texture=Wall\n PhysicsVolume=X").LegacyFormat);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 #include "tests/core/converted.h"
 #include "tests/scene/scene_readers.h"
 
@@ -13,7 +13,7 @@ namespace {
 /// times.
 std::string OneOfEverything() {
   const std::string sample = test::ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d");
-  const LevelText level(sample);
+  const T3DLevel level(sample);
   std::map<std::string_view, int> seen;
   std::string text = "Begin Map\r\n";
   for (const ActorBlock& actor : level.Actors)

@@ -91,7 +91,7 @@ int CoincidingCorners(const std::string& text, const TurnChange& change) {
     int Brush;
     bool Tilted;
   };
-  const LevelText level(text);
+  const T3DLevel level(text);
   RunInterface user;
   NumberCheck check{user};
   const Matrix4 conversion = MakeConversionMatrix();
@@ -99,9 +99,10 @@ int CoincidingCorners(const std::string& text, const TurnChange& change) {
   const auto cellOf = [](const Vector3& p) {
     return std::array<long, 3>{std::lround(p.X), std::lround(p.Y), std::lround(p.Z)};
   };
-  TextCursor cursor = 1;
-  BrushRecord brush;
-  for (int number = 0; ReadBrush(level, cursor, "Class=Brush ", brush, check); ++number) {
+  int number = 0;
+  for (const ActorBlock* actor : level.ActorsOf(ActorFamily::Brush)) {
+    BrushRecord brush = ReadBrush(level, *actor, check);
+    ++number;
     if (brush.CsgOper.empty()) continue; // the builder brush stands on what it made last
     const bool tilted = IsTilted(brush.Rotation);
     change(brush.Rotation);

@@ -20,74 +20,61 @@ TEST(ActorRecords, StartFromTheClassDefaultsAndAnyWrittenValueWins) {
       Actor("AmbientSound Name=A0", "") + Actor("DynamicAmbientSound Name=D0", "    SoundVolume=7") +
       Actor("Trigger Name=T0", "") + Actor("Trigger Name=T1", "    CollisionRadius=0\r\n    bInitiallyActive=False") +
       Actor("Teleporter Name=P0", "") + Actor("ZoneInfo Name=Z0", "") + Actor("InterpolationPoint Name=I0", "");
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  LightRecord light;
-  ASSERT_TRUE(ReadLight(level, cursor, "Class=Light", light));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  LightRecord light = ReadLight(level, actors[0]);
   EXPECT_EQ(light.LightBrightness, 64);
   EXPECT_EQ(light.LightSaturation, 255);
   EXPECT_EQ(light.Display.DrawScale, 1);
   EXPECT_EQ(light.Sound.SoundVolume, 128);
-  ASSERT_TRUE(ReadLight(level, cursor, "Class=Light", light));
+  light = ReadLight(level, actors[1]);
   EXPECT_EQ(light.LightBrightness, 0);
   EXPECT_EQ(light.LightSaturation, 0);
-  EXPECT_FALSE(ReadLight(level, cursor, "Class=Light", light));
 
-  AmbientSoundRecord ambient;
-  ASSERT_TRUE(ReadAmbientSound(level, cursor = 1, AmbientSoundSearchText, ambient));
+  const AmbientSoundRecord ambient = ReadAmbientSound(level, actors[2]);
   EXPECT_EQ(ambient.Sound.SoundRadius, 64);
   EXPECT_EQ(ambient.Sound.SoundVolume, 190);
-  DynamicAmbientSoundRecord dynamic;
-  ASSERT_TRUE(ReadDynamicAmbientSound(level, cursor = 1, DynamicAmbientSoundSearchText, dynamic));
+  const DynamicAmbientSoundRecord dynamic = ReadDynamicAmbientSound(level, actors[3]);
   EXPECT_EQ(dynamic.Sound.SoundRadius, 32);
   EXPECT_EQ(dynamic.Sound.SoundVolume, 7);
   EXPECT_TRUE(dynamic.bInitiallyOn);
   EXPECT_EQ(dynamic.playProbability, 0.6);
 
-  TriggerRecord trigger;
-  ASSERT_TRUE(ReadTrigger(level, cursor = 1, TriggerSearchText, trigger));
+  TriggerRecord trigger = ReadTrigger(level, actors[4]);
   EXPECT_EQ(trigger.CollisionRadius, 40);
   EXPECT_TRUE(trigger.bInitiallyActive);
-  ASSERT_TRUE(ReadTrigger(level, cursor, TriggerSearchText, trigger));
+  trigger = ReadTrigger(level, actors[5]);
   EXPECT_EQ(trigger.CollisionRadius, 0);
   EXPECT_EQ(trigger.CollisionHeight, 40);
   EXPECT_FALSE(trigger.bInitiallyActive);
 
-  TeleporterRecord teleporter;
-  ASSERT_TRUE(ReadTeleporter(level, cursor = 1, TeleporterSearchTexts[0], teleporter));
-  EXPECT_EQ(teleporter.CollisionRadius, 18);
-  ZoneRecord zone;
-  ASSERT_TRUE(ReadZone(level, cursor = 1, ZoneSearchText, zone));
+  EXPECT_EQ(ReadTeleporter(level, actors[6]).CollisionRadius, 18);
+  const ZoneRecord zone = ReadZone(level, actors[7]);
   EXPECT_EQ(zone.Zone.DistanceFogEnd, 8000);
   EXPECT_EQ(zone.Zone.DistanceFogColor, (ColorRGB{128, 128, 128}));
-  InterpolationPointRecord point;
-  ASSERT_TRUE(ReadInterpolationPoint(level, cursor = 1, InterpolationPointSearchText, point));
-  EXPECT_EQ(point.RateModifier, 1);
+  EXPECT_EQ(ReadInterpolationPoint(level, actors[8]).RateModifier, 1);
 }
 
-TEST(ActorRecords, ReadLightsOfEveryClassThatBeginsSo) {
+TEST(ActorRecords, ReadLightsByTheirClass) {
   const std::string text =
       Actor("Lightning Name=Lightning0", "    LightEffect=LE_Sunlight") +
       Actor("Engine.SunLight Name=Sun", "\tRotation=(Pitch=-16384)\r\n\tAmbientSound=Sound'A.B.hum'") +
       Actor("Spotlight Name=Spot", "    Texture=Texture'A.Flare'\r\n    Style=STY_Translucent\r\n    LightCone=86") +
       Actor("TriggerLight Name=TL", "    LightHue=180\r\n    bInitiallyOn=True\r\n    ChangeTime=0.5");
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  LightRecord light;
-  ASSERT_TRUE(ReadLight(level, cursor, "Class=Light", light));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  LightRecord light = ReadLight(level, actors[0]);
   EXPECT_EQ(light.Header.Name, "Lightning0");
   EXPECT_EQ(light.Kind, LightKind::Point);
-  EXPECT_FALSE(ReadLight(level, cursor, "Class=Light", light));
-  ASSERT_TRUE(ReadLight(level, cursor = 1, "Class=Sunlight", light));
+  light = ReadLight(level, actors[1]);
   EXPECT_EQ(light.Kind, LightKind::Directional);
   EXPECT_EQ(light.Rotation.Pitch, -16384);
   EXPECT_EQ(light.Sound.AmbientSound, "Sound'A.B.hum'");
-  ASSERT_TRUE(ReadLight(level, cursor = 1, "Class=Spotlight", light));
+  light = ReadLight(level, actors[2]);
   EXPECT_EQ(light.Kind, LightKind::Spot);
   EXPECT_EQ(light.Display.Texture, "Texture'A.Flare'");
   EXPECT_EQ(light.LightCone, 86);
-  TriggerLightRecord switched;
-  ASSERT_TRUE(ReadTriggerLight(level, cursor = 1, TriggerLightSearchText, switched));
+  const TriggerLightRecord switched = ReadTriggerLight(level, actors[3]);
   EXPECT_EQ(switched.LightHue, 180);
   EXPECT_TRUE(switched.bInitiallyOn);
   EXPECT_EQ(switched.ChangeTime, 0.5);
@@ -98,18 +85,15 @@ TEST(ActorRecords, ReadIndexedKeysEachByItself) {
       Actor("Dispatcher Name=D", "    OutEvents(5)=\"Door\"\r\n    OutEvents(0)=Lamp\r\n    OutDelays(5)=1.5") +
       Actor("StochasticTrigger Name=S", "    Events(6)=Last\r\n    Location=(Z=9.0)") +
       Actor("DynamicAmbientSound Name=A", "    Sounds(16)=Sound'P.Far'\r\n    Sounds(1)=Sound'P.Near'");
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  DispatcherRecord dispatcher;
-  ASSERT_TRUE(ReadDispatcher(level, cursor, DispatcherSearchText, dispatcher));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  const DispatcherRecord dispatcher = ReadDispatcher(level, actors[0]);
   EXPECT_EQ(dispatcher.OutEvents, (std::array<std::string, 8>{"Lamp", "", "", "", "", "Door", "", ""}));
   EXPECT_EQ(dispatcher.OutDelays[5], 1.5);
-  StochasticTriggerRecord stochastic;
-  ASSERT_TRUE(ReadStochasticTrigger(level, cursor, StochasticTriggerSearchText, stochastic));
+  const StochasticTriggerRecord stochastic = ReadStochasticTrigger(level, actors[1]);
   EXPECT_EQ(stochastic.Events[6], "Last");
   EXPECT_EQ(stochastic.Location.Z, 9);
-  DynamicAmbientSoundRecord sound;
-  ASSERT_TRUE(ReadDynamicAmbientSound(level, cursor, DynamicAmbientSoundSearchText, sound));
+  const DynamicAmbientSoundRecord sound = ReadDynamicAmbientSound(level, actors[2]);
   EXPECT_EQ(sound.Sounds[16], "Sound'P.Far'");
   EXPECT_EQ(sound.Sounds[1], "Sound'P.Near'");
   EXPECT_EQ(sound.Sounds[0], "");
@@ -118,15 +102,13 @@ TEST(ActorRecords, ReadIndexedKeysEachByItself) {
 TEST(ActorRecords, ReadTheGotoKeyframeOfElevatorTriggersOnly) {
   const std::string keys = "    GotoKeyframe= 2\r\n    bTriggerOnceOnly=True\r\n    ReTriggerDelay=1.5";
   const std::string text = Actor("Trigger Name=T", keys) + Actor("ElevatorTrigger Name=E", keys);
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  TriggerRecord trigger;
-  ASSERT_TRUE(ReadTrigger(level, cursor, TriggerSearchText, trigger));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  TriggerRecord trigger = ReadTrigger(level, actors[0]);
   EXPECT_EQ(trigger.GotoKeyframe, 0);
   EXPECT_TRUE(trigger.bTriggerOnceOnly);
   EXPECT_EQ(trigger.ReTriggerDelay, 1.5);
-  ASSERT_TRUE(ReadTrigger(level, cursor, ElevatorTriggerSearchText, trigger));
-  EXPECT_EQ(trigger.GotoKeyframe, 2);
+  EXPECT_EQ(ReadTrigger(level, actors[1]).GotoKeyframe, 2);
 }
 
 TEST(ActorRecords, ReadTheWorld) {
@@ -135,35 +117,24 @@ TEST(ActorRecords, ReadTheWorld) {
           "LevelInfo Name=LevelInfo0",
           "    Title=\"Say 'hi'\"\r\n    Author=Nobody\r\n    DistanceFogColor=(R=300,B=7)\r\n    bDistanceFog=True") +
       Actor("SkyZoneInfo Name=Sky", "    RotationRate=(Yaw=1)\r\n    RotateRate=(Yaw=2)\r\n    Location=(X=-8.0)");
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  LevelRecord info;
-  ASSERT_TRUE(ReadLevel(level, cursor, LevelSearchText, info));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  const LevelRecord info = ReadLevel(level, actors[0]);
   EXPECT_EQ(info.Title, "Say 'hi'");
   EXPECT_EQ(info.Author, "") << "only quoted texts are read";
   EXPECT_EQ(info.Zone.DistanceFogColor, (ColorRGB{255, 128, 7}));
   EXPECT_FALSE(info.Zone.ColorInRange);
-  SkyZoneRecord sky;
-  ASSERT_TRUE(ReadSkyZone(level, cursor, SkyZoneSearchText, sky));
+  const SkyZoneRecord sky = ReadSkyZone(level, actors[1]);
   EXPECT_EQ(sky.RotationRate.Yaw, 2) << "the later key wins";
   EXPECT_EQ(sky.Location.X, -8);
-}
-
-TEST(ActorRecords, CutTheNameOutOfAMeshReference) {
-  EXPECT_EQ(StaticMeshName("StaticMesh'Pkg.Group.Rock'"), "Pkg.Group.Rock");
-  EXPECT_EQ(StaticMeshName("Pkg.Rock"), "Pkg.Rock");
-  EXPECT_EQ(StaticMeshName("StaticMesh."), "StaticMesh.");
-  EXPECT_EQ(StaticMeshName(""), "");
 }
 
 TEST(ActorRecords, ReadTeleporters) {
   const std::string text =
       Actor("VisibleTeleporter Name=V", "    URL=\"Map#Exit\"\r\n    bReversesX=True\r\n    FavoriteNumber=3");
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  TeleporterRecord teleporter;
-  EXPECT_FALSE(ReadTeleporter(level, cursor, TeleporterSearchTexts[0], teleporter));
-  ASSERT_TRUE(ReadTeleporter(level, cursor, TeleporterSearchTexts[2], teleporter));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  const TeleporterRecord teleporter = ReadTeleporter(level, actors[0]);
   EXPECT_TRUE(teleporter.IsVisible);
   EXPECT_EQ(teleporter.URL, "Map#Exit");
   EXPECT_TRUE(teleporter.bReversesX);
@@ -186,10 +157,9 @@ TEST(ActorRecords, ReadASceneManagersActionsFromItsSubObjects) {
                                                "        Duration=4\r\n"
                                                "    End Object") +
       Actor("Light Name=Gone", "");
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  SceneManagerRecord manager;
-  ASSERT_TRUE(ReadSceneManager(level, cursor, SceneManagerSearchText, manager));
+  const T3DLevel level(text);
+  const auto& actors = level.Actors;
+  const SceneManagerRecord manager = ReadSceneManager(level, actors[0]);
   EXPECT_EQ(manager.Header.Name, "SceneManager0");
   EXPECT_TRUE(manager.bLooping);
   EXPECT_EQ(manager.Affect, "AFFECT_ViewportActor");

@@ -11,12 +11,10 @@ std::string Actor(const std::string& classAndName, const std::string& body) {
   return "Begin Actor " + classAndName + "\r\n" + body + "End Actor\r\n";
 }
 
-BrushRecord ReadOne(const std::string& text, std::string_view search = "Class=Brush ") {
-  const LevelText level(text);
+BrushRecord ReadOne(const std::string& text) {
+  const T3DLevel level(text);
   NumberCheck check{silent};
-  TextCursor cursor = 1;
-  BrushRecord brush;
-  EXPECT_TRUE(ReadBrush(level, cursor, search, brush, check));
+  BrushRecord brush = ReadBrush(level, level.Actors.at(0), check);
   // What the record holds of the text ends with it.
   for (PolygonRecord& polygon : brush.Polygons)
     polygon.Texture = {};
@@ -39,11 +37,9 @@ TEST(BrushRecord, ReadsPolygonsWithinTheirBounds) {
                                   "  Begin Polygon\r\n   Vertex 1,1,1\r\n"
                                   "  Begin Polygon\r\n   Vertex 9,9,9\r\n  End Polygon\r\n"
                                   " End PolyList\r\n End Brush\r\n PrePivot=(Y=4)\r\n");
-  const LevelText level(text);
+  const T3DLevel level(text);
   NumberCheck check{silent};
-  TextCursor cursor = 1;
-  BrushRecord brush;
-  ASSERT_TRUE(ReadBrush(level, cursor, "Class=Brush ", brush, check));
+  const BrushRecord brush = ReadBrush(level, level.Actors.at(0), check);
   ASSERT_EQ(brush.Polygons.size(), 3U);
   const PolygonRecord& first = brush.Polygons[0];
   EXPECT_EQ(first.Texture, "Pack.Panel22");
@@ -61,7 +57,6 @@ TEST(BrushRecord, ReadsPolygonsWithinTheirBounds) {
   EXPECT_EQ(brush.DamagedPolygons, 1);
   EXPECT_EQ(brush.PrePivot, (Vector3{0, 4, 0})) << "behind the polygons";
   EXPECT_TRUE(IsAdditive(brush));
-  EXPECT_FALSE(ReadBrush(level, cursor, "Class=Brush ", brush, check));
 }
 
 TEST(BrushRecord, ReadsScalesWithTheirDefaults) {
@@ -82,7 +77,7 @@ TEST(BrushRecord, ReadsMoversOfEachClass) {
   const std::string body = " RotationRate=(Yaw=1)\r\n RotateRate=(Yaw=2)\r\n Location=(X=5)\r\n BasePos=(X=3)\r\n"
                            " NumKeys=3\r\n KeyPos(1)=(Z=10)\r\n KeyPos(2)=(Z=20)\r\n KeyPos(3)=(Z=30)\r\n"
                            " KeyRot(2)=(Yaw=7)\r\n InitialState=\"TriggerToggle\"\r\n";
-  const BrushRecord mover = ReadOne(Actor("Class=Mover Name=M", body), "Class=Mover ");
+  const BrushRecord mover = ReadOne(Actor("Class=Mover Name=M", body));
   EXPECT_EQ(mover.CsgOper, "CsgOper=CSG_Add");
   EXPECT_EQ(mover.InitialState, "TriggerToggle");
   EXPECT_EQ(mover.Physics, "PHYS_MovingBrush");
@@ -93,18 +88,17 @@ TEST(BrushRecord, ReadsMoversOfEachClass) {
   EXPECT_EQ(mover.KeyRot[2].Yaw, 7);
   EXPECT_TRUE(mover.IsMover && !mover.IsLoopMover);
 
-  const BrushRecord rotating = ReadOne(Actor("Class=Game.RotatingMover Name=M", body), "Class=RotatingMover ");
+  const BrushRecord rotating = ReadOne(Actor("Class=Game.RotatingMover Name=M", body));
   EXPECT_EQ(rotating.RotationRate.Yaw, 2);
   EXPECT_EQ(rotating.Physics, "PHYS_Rotating");
-  EXPECT_TRUE(ReadOne(Actor("Class=LoopMover Name=M", ""), "Class=LoopMover ").IsLoopMover);
+  EXPECT_TRUE(ReadOne(Actor("Class=LoopMover Name=M", "")).IsLoopMover);
 
-  const BrushRecord one = ReadOne(Actor("Class=Mover Name=M", " NumKeys=1\r\n KeyPos(1)=(Z=1)\r\n"), "Class=Mover ");
+  const BrushRecord one = ReadOne(Actor("Class=Mover Name=M", " NumKeys=1\r\n KeyPos(1)=(Z=1)\r\n"));
   EXPECT_EQ(one.KeyPos[1], Vector3());
-  const BrushRecord most =
-      ReadOne(Actor("Class=Mover Name=M", " NumKeys=150\r\n KeyPos(149)=(Z=1)\r\n"), "Class=Mover ");
+  const BrushRecord most = ReadOne(Actor("Class=Mover Name=M", " NumKeys=150\r\n KeyPos(149)=(Z=1)\r\n"));
   EXPECT_FALSE(most.TooManyKeys);
   EXPECT_EQ(most.KeyPos[149].Z, 1);
-  EXPECT_TRUE(ReadOne(Actor("Class=Mover Name=M", " NumKeys=151\r\n KeyPos(1)=(Z=1)\r\n"), "Class=Mover ").TooManyKeys);
+  EXPECT_TRUE(ReadOne(Actor("Class=Mover Name=M", " NumKeys=151\r\n KeyPos(1)=(Z=1)\r\n")).TooManyKeys);
 }
 
 TEST(BrushRecord, ReadsABarePolygonList) {

@@ -9,11 +9,8 @@ namespace {
 
 TerrainRecord Read(const std::string& keys) {
   const std::string text = "Begin Actor Class=TerrainInfo Name=TerrainInfo0\n" + keys + "\nEnd Actor\n";
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  TerrainRecord terrain;
-  EXPECT_TRUE(ReadTerrain(level, cursor, TerrainSearchText, terrain));
-  return terrain;
+  const T3DLevel level(text);
+  return ReadTerrain(level, level.Actors.at(0));
 }
 
 TEST(TerrainRecord, CleansTheMapAndFillsScales) {
@@ -56,17 +53,15 @@ TEST(TerrainRecord, ReadsARealTerrain) {
   std::stringstream content;
   content << file.rdbuf();
   const std::string text = content.str();
-  const LevelText level(text);
-  TextCursor cursor = 1;
-  TerrainRecord terrain;
-  ASSERT_TRUE(ReadTerrain(level, cursor, TerrainSearchText, terrain));
+  const T3DLevel level(text);
+  ASSERT_EQ(level.ActorsOf(ActorFamily::Terrain).size(), 1U);
+  const TerrainRecord terrain = ReadTerrain(level, *level.ActorsOf(ActorFamily::Terrain)[0]);
   EXPECT_EQ(terrain.TerrainMap, "08i__canyoncrusadedeluxe256");
   EXPECT_EQ(terrain.TerrainScale, (Vector3{250, 250, 70}));
   EXPECT_EQ(terrain.Layers[0].Texture, "WasteLand.TerrainRedDirt");
   EXPECT_EQ(terrain.Layers[0].VScale, 8);
   EXPECT_DOUBLE_EQ(terrain.Layers[0].WPlane.Z, 438248.593750);
   EXPECT_EQ(terrain.QuadVisibilityBitmap.size(), 256U * 256 / 32);
-  EXPECT_FALSE(ReadTerrain(level, cursor, TerrainSearchText, terrain));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "t3d/actor_index.h"
+#include "t3d/level.h"
 #include "t3d/text_reader.h"
 #include "tests/temporary_folder.h"
 
@@ -160,23 +160,26 @@ TEST(TextReader, ReadsFilesAsTheyStand) {
   EXPECT_FALSE(ReadWholeFile(folder.Path(), user));
 }
 
-TEST(ActorIndex, FindsWholeActorsOfAClass) {
-  const LevelText level("Begin Map\nBegin ActorList\nBegin Actor Class=LightHouse Name=A\nEnd Actor\n"
-                        "Begin Actor Class=Engine.Light Name=B\n Title=\"Begin\"\nEnd Actor\n"
-                        "Begin Actor\nEnd Actor\n"
-                        "Begin Actor Class=Light Name=Cut\n"
-                        "Begin Actor Class=SunLight Name=C\n End ActorX\nEnd Actor\nBegin Actor Class=Li");
-  const auto names = [&](std::string_view search) {
+TEST(T3DLevel, FindsTheWholeActorsOfAClassOrFamily) {
+  const T3DLevel level("Begin Map\nBegin ActorList\nBegin Actor Class=LightHouse Name=A\nEnd Actor\n"
+                       "Begin Actor Class=SunLight Name=C\n End ActorX\nEnd Actor\n"
+                       "Begin Actor Class=Engine.Light Name=B\n Title=\"Begin\"\nEnd Actor\n"
+                       "Begin Actor\nEnd Actor\nBegin Actor Class=LiftMover Name=D\nEnd Actor\n"
+                       "Begin Actor Class=Light Name=Cut\n"
+                       "Begin Actor Class=Mover Name=E\nEnd Actor\nBegin Actor Class=Li");
+  const auto names = [&](const std::vector<const ActorBlock*>& actors) {
     std::string found;
-    TextCursor cursor = -5;
-    while (const ActorBlock* actor = FindActor(level, cursor, search))
+    for (const ActorBlock* actor : actors)
       found += ReadActorHeader(TextBlock(level.Text, actor->From, actor->To)).Name + " ";
     return found;
   };
-  EXPECT_EQ(names("Class=Light"), "A B ") << "every class that begins so; an actor without end is passed over";
-  EXPECT_EQ(names("Class=Light "), "B ");
-  EXPECT_EQ(names("Class=Sunlight"), "C ");
-  EXPECT_EQ(names("Class=light"), "");
+  EXPECT_EQ(names(level.ActorsOf(ActorFamily::Light)), "A B C ") << "in the order of the classes, then of the file";
+  EXPECT_EQ(names(level.ActorsOf(ActorFamily::Mover)), "E D ");
+  EXPECT_EQ(names(level.ActorsOf(ActorFamily::Brush)), "");
+  EXPECT_EQ(names(level.ActorsOf("Light")), "B ") << "an actor without end is passed over";
+  EXPECT_EQ(names(level.ActorsOf("Sunlight")), "C ");
+  EXPECT_EQ(names(level.ActorsOf("light")), "");
+  EXPECT_EQ(level.ClassesOf(ActorFamily::Mover), (std::vector<std::string_view>{"Mover", "LiftMover"}));
 }
 
 } // namespace
