@@ -1,5 +1,5 @@
-#include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/text_coding.h"
 
 #include <gtest/gtest.h>
 
