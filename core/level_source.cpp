@@ -1,6 +1,7 @@
 #include "core/level_source.h"
 
 #include "base/file_name.h"
+#include "base/text_coding.h"
 #include "packages/level_export.h"
 
 #include <array>

@@ -2,6 +2,7 @@
 
 #include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/text_coding.h"
 #include "images/image_file.h"
 #include "packages/sound_object.h"
 #include "packages/texture_object.h"

@@ -2,6 +2,7 @@
 
 #include "base/ascii_text.h"
 #include "base/file_name.h"
+#include "base/text_coding.h"
 #include "packages/level_objects.h"
 #include "packages/property_text.h"
 
