@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/file_name.h"
+#include "base/reference.h"
 #include "base/report.h"
 #include "packages/package.h"
 #include "packages/texture_object.h"
