@@ -1,6 +1,7 @@
 #include "resources/package_library.h"
 
 #include "base/ascii_text.h"
+#include "base/file_name.h"
 #include "base/text_coding.h"
 #include "packages/property_text.h"
 #include "packages/sound_object.h"
