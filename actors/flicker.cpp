@@ -7,7 +7,7 @@ namespace quarvel {
 
 bool Flickers(const LightRecord& light) { return SameText(light.LightEffect, "LT_FLICKER"); }
 
-std::string WriteFlicker(ActorContext& context, const std::string& base) {
+std::string WriteFlicker(SceneContext& context, const std::string& base) {
   SceneWriter& scene = context.Scene;
   SceneNode script = scene.Open("", "Script", base + "SCRIPT");
   // By default the document declares another type than the text, and all timers have one name.
@@ -24,7 +24,7 @@ std::string WriteFlicker(ActorContext& context, const std::string& base) {
   return timer;
 }
 
-void RouteFlicker(ActorContext& context, const std::string& base, const std::string& timer, const std::string& light) {
+void RouteFlicker(SceneContext& context, const std::string& base, const std::string& timer, const std::string& light) {
   AddRoute(context.Scene, base + "SCRIPT", "bool_changed", light, "set_on");
   AddRoute(context.Scene, timer, "fraction_changed", base + "SCRIPT", "set_time");
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "scene/scene_context.h"
 #include "t3d/light_records.h"
 
 #include <string>
@@ -11,9 +11,9 @@ namespace quarvel {
 bool Flickers(const LightRecord& light);
 
 /// Writes the script that switches a light on and off at random, and its timer. Returns the timer's name.
-std::string WriteFlicker(ActorContext& context, const std::string& base);
+std::string WriteFlicker(SceneContext& context, const std::string& base);
 
 /// Connects the timer, the script and the light; where a ROUTE may stand.
-void RouteFlicker(ActorContext& context, const std::string& base, const std::string& timer, const std::string& light);
+void RouteFlicker(SceneContext& context, const std::string& base, const std::string& timer, const std::string& light);
 
 } // namespace quarvel

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double reach = 1e6; ///< scene units; beyond any level
 
-double UsableStep(ActorContext& context) {
+double UsableStep(SceneContext& context) {
   const double step = context.Settings.TextBezierSubD;
   if (step > 0 && step <= 0.5) return std::max(step, 0.01);
   context.Findings.Add("TextBezierSubD", "the step " + FormatFlt(step) + " is not between 0 and 0.5; 0.1 was taken");
@@ -22,21 +22,20 @@ double UsableStep(ActorContext& context) {
 
 /// The camera in its Transform, which the flight moves. The Transform turns as a brush does; the camera in it is turned
 /// once so that it looks along the brush's forward axis.
-std::string WriteCamera(ActorContext& context, const std::string& name, const MoverAnimation& track) {
+std::string WriteCamera(SceneContext& context, const std::string& name, const MoverAnimation& track) {
   SceneWriter& scene = context.Scene;
   SceneNode transform = scene.Open("", "Transform", name);
-  transform.Field("  translation", PositionText(context, track.PositionKeys.front()));
-  transform.Field("  rotation",
-                  RotatorToAxisAngleText(BrushRotator(track.RotationKeys.front()), scene.ConversionMatrix));
+  transform.Field("  translation", context.Space.PositionText(track.PositionKeys.front()));
+  transform.Field("  rotation", context.Space.RotationText(BrushRotator(track.RotationKeys.front())));
   transform.Children("  ");
   const std::string viewpoint = scene.TakeName("V_" + name);
   SceneNode camera = scene.Open("    ", "Viewpoint", viewpoint);
-  WriteCameraFields(camera, "      ", "0 0 0", RotatorToAxisAngleText({}, scene.ConversionMatrix), name);
+  WriteCameraFields(camera, "      ", "0 0 0", context.Space.RotationText({}), name);
   return viewpoint;
 }
 
 /// A walking visitor would sink to the ground below the path; while the camera is bound they fly.
-void WriteFlyingMode(ActorContext& context, const std::string& name, const std::string& viewpoint) {
+void WriteFlyingMode(SceneContext& context, const std::string& name, const std::string& viewpoint) {
   SceneWriter& scene = context.Scene;
   const std::string def = scene.TakeName(name + "NAVINFO");
   SceneNode mode = scene.Open("", "NavigationInfo", def);
@@ -48,7 +47,7 @@ void WriteFlyingMode(ActorContext& context, const std::string& name, const std::
 
 /// Lets the flight begin when its camera is bound, or `TextFlyThruDelay` seconds later, and end when it is unbound: a
 /// timer that still runs would not begin anew.
-void WriteTakeOff(ActorContext& context, const std::string& name, const std::string& viewpoint) {
+void WriteTakeOff(SceneContext& context, const std::string& name, const std::string& viewpoint) {
   SceneWriter& scene = context.Scene;
   const std::string timer = name + "TIMER";
   AddRoute(scene, viewpoint, "isBound", timer, "enabled");
@@ -72,12 +71,12 @@ std::string LineIndices(int count) {
   return indices + "-1";
 }
 
-void WritePathLine(ActorContext& context, const MoverAnimation& track) {
+void WritePathLine(SceneContext& context, const MoverAnimation& track) {
   SceneWriter& scene = context.Scene;
   if (track.PositionKeys.size() < 2) return;
   std::string points;
   for (const Vector3& key : track.PositionKeys)
-    points += (points.empty() ? "" : ",") + PositionText(context, key);
+    points += (points.empty() ? "" : ",") + context.Space.PositionText(key);
   const SceneNode shape = scene.Open("", "Shape");
   SceneNode appearance = scene.Open("  appearance ", "Appearance");
   SceneNode material = scene.Open("    material ", "Material");
@@ -91,10 +90,10 @@ void WritePathLine(ActorContext& context, const MoverAnimation& track) {
   line.List("    coordIndex", LineIndices(track.PositionKeyCount));
 }
 
-std::string WriteFlight(ActorContext& context, const Flight& flight, const std::string& name, double step) {
+std::string WriteFlight(SceneContext& context, const Flight& flight, const std::string& name, double step) {
   const MoverAnimation track = TrackOfFlight(flight, step);
   const std::string viewpoint = WriteCamera(context, name, track);
-  WriteInterpolators(context.Scene, name, track, context.Settings.TextScale);
+  WriteInterpolators(context, name, track);
   WriteFlyingMode(context, name, viewpoint);
   WriteTakeOff(context, name, viewpoint);
   if (context.Settings.CheckShowFlyThru) WritePathLine(context, track);
@@ -104,7 +103,7 @@ std::string WriteFlight(ActorContext& context, const Flight& flight, const std::
 /// Binds the camera as soon as there is a viewer. The sensor is so large that nobody leaves it: who came back, after a
 /// fall from the level's edge, would be sent on the flight again. What stands for the filter in the document by default
 /// cannot pass anything on.
-void BindWhenLoaded(ActorContext& context, const std::string& viewpoint) {
+void BindWhenLoaded(SceneContext& context, const std::string& viewpoint) {
   SceneWriter& scene = context.Scene;
   const std::string sensor = "STARTFLYTHRU", filter = "STARTFLYTHRUBF";
   WriteSensorAround(scene, sensor, {{-reach, -reach, -reach}, {reach, reach, reach}});
@@ -116,7 +115,7 @@ void BindWhenLoaded(ActorContext& context, const std::string& viewpoint) {
 
 } // namespace
 
-void WriteFlyThrough(ActorContext& context, const std::vector<Flight>& flights) {
+void WriteFlyThrough(SceneContext& context, const std::vector<Flight>& flights) {
   if (flights.empty()) return;
   const double step = UsableStep(context);
   std::string first;

@@ -19,8 +19,8 @@ std::uint32_t SurfaceFlagsOf(const DisplayBlock& display) {
   return flags;
 }
 
-std::string BoxSize(const ActorContext& context, const DisplayBlock& display, const TextureFile& image) {
-  const double scale = display.DrawScale * context.Settings.TextSpriteScale * context.Settings.TextScale;
+std::string BoxSize(const SceneContext& context, const DisplayBlock& display, const TextureFile& image) {
+  const double scale = display.DrawScale * context.Settings.TextSpriteScale * context.Space.Scale();
   const double width = image.Width > 0 ? image.Width : unknownSize,
                height = image.Height > 0 ? image.Height : unknownSize;
   return FormatFlt(width * scale) + " " + FormatFlt(height * scale) + " 0.0001";
@@ -30,14 +30,14 @@ std::string BoxSize(const ActorContext& context, const DisplayBlock& display, co
 
 bool HasSpriteTexture(std::string_view texture) { return !texture.empty() && !SameText(texture, "None"); }
 
-bool HasSprite(ActorContext& context, const DisplayBlock& display, const std::string& actor) {
+bool HasSprite(SceneContext& context, const DisplayBlock& display, const std::string& actor) {
   if (!HasSpriteTexture(display.Texture)) return false;
   if (display.DrawScale > 0) return true;
   context.Findings.Add(actor, "its sprite has no size and was left out");
   return false;
 }
 
-void WriteLightSprite(ActorContext& context, const DisplayBlock& display) {
+void WriteLightSprite(SceneContext& context, const DisplayBlock& display) {
   SceneWriter& scene = context.Scene;
   const int texture = context.Materials.TextureNumber(ParseReference(display.Texture).Text, SurfaceFlagsOf(display));
   SceneNode billboard = scene.Open("", "Billboard");
@@ -51,10 +51,10 @@ void WriteLightSprite(ActorContext& context, const DisplayBlock& display) {
   scene.OneFieldNode("     geometry ", "Box", "size", BoxSize(context, display, context.Materials.Entry(texture).File));
 }
 
-void WritePlacedSprite(ActorContext& context, const DisplayBlock& display, const Vector3& location,
+void WritePlacedSprite(SceneContext& context, const DisplayBlock& display, const Vector3& location,
                        const std::string& name) {
   SceneNode transform = context.Scene.Open("", "Transform", name);
-  transform.Field(" translation", PositionText(context, location));
+  transform.Field(" translation", context.Space.PositionText(location));
   transform.Children(" ", 2);
   WriteLightSprite(context, display);
 }

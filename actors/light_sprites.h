@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "scene/scene_context.h"
 #include "t3d/light_records.h"
 
 #include <string>
@@ -12,13 +12,13 @@ namespace quarvel {
 bool HasSpriteTexture(std::string_view texture);
 
 /// Whether a sprite is to be drawn: a texture is named, and the sprite has a size. One without a size is reported.
-bool HasSprite(ActorContext& context, const DisplayBlock& display, const std::string& actor);
+bool HasSprite(SceneContext& context, const DisplayBlock& display, const std::string& actor);
 
 /// Writes the sprite: a flat box that always faces the viewer and can be walked through.
-void WriteLightSprite(ActorContext& context, const DisplayBlock& display);
+void WriteLightSprite(SceneContext& context, const DisplayBlock& display);
 
 /// Writes the sprite in a Transform of this name that gives it its place.
-void WritePlacedSprite(ActorContext& context, const DisplayBlock& display, const Vector3& location,
+void WritePlacedSprite(SceneContext& context, const DisplayBlock& display, const Vector3& location,
                        const std::string& name);
 
 } // namespace quarvel

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "actors/trigger_list.h"
+#include "scene/scene_context.h"
 #include "t3d/light_records.h"
 #include "t3d/world_records.h"
 
@@ -13,15 +14,15 @@ std::string LightDefName(const ActorHeader& header);
 
 /// Writes a light with its sound, its flicker and its sprite, as far as the options want them. Returns the light's DEF
 /// name; empty when no light was written.
-std::string WriteLight(ActorContext& context, LightRecord light);
+std::string WriteLight(SceneContext& context, const LightRecord& light);
 
 /// Writes a light that is on while a trigger of its Tag is entered.
-void WriteTriggerLight(ActorContext& context, TriggerLightRecord light);
+void WriteTriggerLight(SceneContext& context, TriggerList& triggers, const TriggerLightRecord& light);
 
 /// Writes the light that lights every surface within `bounds` (scene units) a little, with the zone's ambient colour.
-void WriteGlobalAmbientLight(ActorContext& context, const ZoneBlock& zone, const Bounds3& bounds);
+void WriteGlobalAmbientLight(SceneContext& context, const ZoneBlock& zone, const Bounds3& bounds);
 
 /// Writes the sprite of an actor that is nothing else.
-void WriteFlare(ActorContext& context, const DisplayRecord& flare);
+void WriteFlare(SceneContext& context, const DisplayRecord& flare);
 
 } // namespace quarvel

@@ -109,32 +109,31 @@ std::string KeyList(const MoverAnimation& track, int count, KeyMode mode) {
   return list;
 }
 
-std::string PositionValues(const MoverAnimation& track, double worldScale, const Matrix4& conversionMatrix) {
-  return JoinValues(KeysInOrder(track, track.PositionKeys, track.PositionKeyCount),
-                    [&](std::string& list, const Vector3& key) {
-                      const Vector3 position = ToSceneAxes(conversionMatrix, AddVector(key, track.BasePos));
-                      AppendVec(list, ScaleVector(position, worldScale));
-                    });
+std::string PositionValues(const MoverAnimation& track, const SceneSpace& space) {
+  return JoinValues(
+      KeysInOrder(track, track.PositionKeys, track.PositionKeyCount),
+      [&](std::string& list, const Vector3& key) { AppendVec(list, space.Position(AddVector(key, track.BasePos))); });
 }
 
-std::string RotationValues(const MoverAnimation& track, const Matrix4& conversionMatrix) {
+std::string RotationValues(const MoverAnimation& track, const SceneSpace& space) {
   const Rotator3& base = track.BaseRot;
   return JoinValues(KeysInOrder(track, track.RotationKeys, track.RotationKeyCount),
                     [&](std::string& list, const Rotator3& key) {
                       const Rotator3 sum{key.Pitch + base.Pitch, key.Yaw + base.Yaw, key.Roll + base.Roll};
-                      list += RotatorToAxisAngleText(BrushRotator(sum), conversionMatrix);
+                      list += space.RotationText(BrushRotator(sum));
                     });
 }
 
-void WriteInterpolators(SceneWriter& scene, const std::string& name, const MoverAnimation& track, double worldScale) {
+void WriteInterpolators(SceneContext& context, const std::string& name, const MoverAnimation& track) {
+  SceneWriter& scene = context.Scene;
   const int positions = KeyCount(track, KeyMode::Position), rotations = KeyCount(track, KeyMode::Rotation);
   const std::string timer = name + "TIMER", position = name + "POSINT", rotation = name + "ROTINT";
   if (track.AnimatePosition)
     WriteInterpolator(scene, "PositionInterpolator", position, KeyList(track, positions, KeyMode::Position),
-                      PositionValues(track, worldScale, scene.ConversionMatrix));
+                      PositionValues(track, context.Space));
   if (track.AnimateRotation)
     WriteInterpolator(scene, "OrientationInterpolator", rotation, KeyList(track, rotations, KeyMode::Rotation),
-                      RotationValues(track, scene.ConversionMatrix));
+                      RotationValues(track, context.Space));
 
   const KeyMode clock = track.ThirdKeyCount > 0 ? KeyMode::Third
                         : track.AnimatePosition ? KeyMode::Position

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "math/vector.h"
-#include "scene/node_writer.h"
+#include "scene/scene_context.h"
 
 #include <string>
 #include <vector>
@@ -45,13 +45,12 @@ double TotalKeyTime(const MoverAnimation& track, int count, KeyMode mode);
 /// When each of the `count` values is reached, as fractions from 0 to 1, each followed by a blank.
 std::string KeyList(const MoverAnimation& track, int count, KeyMode mode);
 
-/// The values themselves, separated by commas: positions in scene units (`worldScale` is scene units per Unreal unit),
-/// rotations as axis and angle.
-std::string PositionValues(const MoverAnimation& track, double worldScale, const Matrix4& conversionMatrix);
-std::string RotationValues(const MoverAnimation& track, const Matrix4& conversionMatrix);
+/// The values themselves, separated by commas: positions in scene units, rotations as axis and angle.
+std::string PositionValues(const MoverAnimation& track, const SceneSpace& space);
+std::string RotationValues(const MoverAnimation& track, const SceneSpace& space);
 
 /// Writes the track's interpolators and the timer that drives them, named after the Transform `name`, and the routes
 /// between them. The timer is `name` + "TIMER".
-void WriteInterpolators(SceneWriter& scene, const std::string& name, const MoverAnimation& track, double worldScale);
+void WriteInterpolators(SceneContext& context, const std::string& name, const MoverAnimation& track);
 
 } // namespace quarvel

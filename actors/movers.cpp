@@ -131,18 +131,20 @@ void ReportKeys(const BrushRecord& mover, const MoverAnimation& track, Report& f
     findings.Add(name, "it turns further than half a turn from key to key, where viewers take the shorter way");
 }
 
-void WriteTouchSensor(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written,
+void WriteTouchSensor(SceneContext& context, const BrushRecord& mover, const WrittenBrush& written,
                       const std::string& timer) {
   const std::string& name = mover.Header.Name.empty() ? written.Name : mover.Header.Name;
   const std::string sensor = context.Scene.TakeName(MakeDefName("Trigger" + name));
-  WriteTrigger(context, TouchBox(mover, written.Bounds, context.Settings), sensor);
+  WriteTrigger(context, TouchBox(mover, written.Bounds, context.Settings.TextMoverTriggerMargin, context.Space),
+               sensor);
   AddRoute(context.Scene, sensor, "enterTime", timer, "startTime");
 }
 
-void WriteStart(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written, bool loops) {
+void WriteStart(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written,
+                bool loops) {
   const std::string timer = written.Name + "TIMER";
   if (IsState(mover, "BumpOpenTimed")) return WriteTouchSensor(context, mover, written, timer);
-  if (NoteLink(context, mover.Header.Tag, "enterTime", timer, "startTime")) return;
+  if (NoteLink(triggers, mover.Header.Tag, "enterTime", timer, "startTime")) return;
   if (IsState(mover, "StandOpenTimed") || IsState(mover, "BumpButton"))
     return WriteTouchSensor(context, mover, written, timer);
   if (!loops) context.Findings.Add(NameOf(mover), "no trigger starts it, so it never moves");
@@ -157,27 +159,26 @@ MoverAnimation AnimationOf(const BrushRecord& mover, Report& findings) {
   return track;
 }
 
-TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, const ConversionSettings& settings) {
-  const double margin = 2 * settings.TextMoverTriggerMargin;
-  TriggerBox box{mover.Location, margin, margin};
+TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, double margin, const SceneSpace& space) {
+  const double added = 2 * margin;
+  TriggerBox box{mover.Location, added, added};
   if (IsEmpty(bounds)) return box;
-  const double unit = 1 / settings.TextScale;
-  box.Location = ScaleVector(FromSceneAxes(BoundsCenter(bounds)), unit);
-  const Vector3 extent = ScaleVector(FromSceneAxes(SubtractVector(bounds.Max, bounds.Min)), unit);
-  box.CollisionRadius = std::max(extent.X + margin, (extent.Y + margin) / 2);
-  box.CollisionHeight = extent.Z + margin;
+  box.Location = space.Location(BoundsCenter(bounds));
+  const Vector3 extent = space.Location(SubtractVector(bounds.Max, bounds.Min));
+  box.CollisionRadius = std::max(extent.X + added, (extent.Y + added) / 2);
+  box.CollisionHeight = extent.Z + added;
   return box;
 }
 
-void WriteMover(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written) {
+void WriteMover(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written) {
   const MoverAnimation track = AnimationOf(mover, context.Findings);
   if (!mover.AttachTag.empty())
     context.Findings.Add(NameOf(mover),
                          "the actors that it carries along, tagged " + mover.AttachTag + ", stay where they are");
   if (!track.AnimatePosition && !track.AnimateRotation)
     return context.Findings.Add(NameOf(mover), "it has no keys, so it never moves");
-  WriteInterpolators(context.Scene, written.Name, track, context.Settings.TextScale);
-  WriteStart(context, mover, written, track.Loop);
+  WriteInterpolators(context, written.Name, track);
+  WriteStart(context, triggers, mover, written, track.Loop);
 }
 
 } // namespace quarvel

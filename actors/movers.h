@@ -1,8 +1,9 @@
 #pragma once
 
-#include "actors/actor_context.h"
 #include "actors/mover_animation.h"
+#include "actors/trigger_list.h"
 #include "scene/brush_geometry.h"
+#include "scene/scene_context.h"
 #include "t3d/brush_record.h"
 
 namespace quarvel {
@@ -12,11 +13,11 @@ namespace quarvel {
 MoverAnimation AnimationOf(const BrushRecord& mover, Report& findings);
 
 /// The room in which a visitor starts a mover by touching it: its bounds at rest (`bounds`, in scene units) with twice
-/// the margin added to each extent.
-TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, const ConversionSettings& settings);
+/// the margin (Unreal units) added to each extent.
+TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, double margin, const SceneSpace& space);
 
 /// Animates the mover whose Transform was just written: interpolators, timer, and what starts it. That is a sensor of
 /// its own, written here, or the triggers that name its Tag, whose routes are noted.
-void WriteMover(ActorContext& context, const BrushRecord& mover, const WrittenBrush& written);
+void WriteMover(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written);
 
 } // namespace quarvel

@@ -15,9 +15,22 @@ std::vector<std::string> SoundsOf(const DynamicAmbientSoundRecord& record) {
   return sounds;
 }
 
+/// When sounds are picked, as far as the actor says something usable. Seconds.
+struct PickTimes {
+  double Probability, Shortest, Longest;
+};
+
+PickTimes TimesOf(SceneContext& context, const DynamicAmbientSoundRecord& record) {
+  if (record.minReCheckTime < 0 || record.maxReCheckTime < 0 || record.playProbability < 0)
+    context.Findings.Add(record.Header.Name, "a time or probability below zero was taken as zero");
+  return {std::max(record.playProbability, 0.0), std::max(record.minReCheckTime, 0.0),
+          std::max(record.maxReCheckTime, 0.0)};
+}
+
 std::string OutputName(std::size_t number) { return "sound" + std::to_string(number) + "_changed"; }
 
-void WriteFields(const SceneNode& script, const DynamicAmbientSoundRecord& record, std::size_t numSounds) {
+void WriteFields(const SceneNode& script, const DynamicAmbientSoundRecord& record, const PickTimes& times,
+                 std::size_t numSounds) {
   const bool conforming = script.Writer().Conforming();
   // By default the document has a probability's usual value where the times belong.
   const DocumentField usual{{}, conforming ? "" : ".6"};
@@ -26,10 +39,10 @@ void WriteFields(const SceneNode& script, const DynamicAmbientSoundRecord& recor
     WriteScriptField(script, "eventOut SFTime  " + OutputName(k));
   WriteScriptField(script, "eventOut SFTime  interval_changed");
   WriteScriptField(script, "eventOut SFBool  enable_changed");
-  WriteScriptField(script, "field SFFloat playProbability " + (conforming ? FormatFlt(record.playProbability) : ".6"));
+  WriteScriptField(script, "field SFFloat playProbability " + (conforming ? FormatFlt(times.Probability) : ".6"));
   WriteScriptField(script, "field SFInt32 numSounds " + std::to_string(numSounds));
-  WriteScriptField(script, "field SFFloat minReCheckTime " + FormatFlt(record.minReCheckTime), usual);
-  WriteScriptField(script, "field SFFloat maxReCheckTime " + FormatFlt(record.maxReCheckTime), usual);
+  WriteScriptField(script, "field SFFloat minReCheckTime " + FormatFlt(times.Shortest), usual);
+  WriteScriptField(script, "field SFFloat maxReCheckTime " + FormatFlt(times.Longest), usual);
   WriteScriptField(script, "field SFFloat rePlayTime 1");
   WriteScriptField(script, "field SFInt32 lastSound -1");
   WriteScriptField(script, std::string("field SFBool  bDontRepeat ") + (record.bDontRepeat ? "TRUE" : "FALSE"));
@@ -89,16 +102,16 @@ class CodeMaker {
   std::vector<std::string> code_;
 };
 
-void WriteRandomScript(SceneWriter& scene, const DynamicAmbientSoundRecord& record, const std::string& name,
-                       std::size_t numSounds) {
+void WriteRandomScript(SceneWriter& scene, const DynamicAmbientSoundRecord& record, const PickTimes& times,
+                       const std::string& name, std::size_t numSounds) {
   SceneNode script = scene.Open("", "Script", name);
-  WriteFields(script, record, numSounds);
+  WriteFields(script, record, times, numSounds);
   script.Code(CodeMaker(numSounds, scene.Conforming()).Make(), "", " ");
   if (!scene.Conforming()) scene.NoteQuirk("the way in which scripts of random sounds ask for the time");
 }
 
 /// Writes the sounds at the actor's place. Returns the names of their clips.
-std::vector<std::string> WriteClips(ActorContext& context, const DynamicAmbientSoundRecord& record,
+std::vector<std::string> WriteClips(SceneContext& context, const DynamicAmbientSoundRecord& record,
                                     const std::vector<std::string>& sounds, const std::string& group) {
   std::vector<std::string> clips;
   const SceneNode place = OpenSoundPlace(context, record.Location);
@@ -116,26 +129,17 @@ std::vector<std::string> WriteClips(ActorContext& context, const DynamicAmbientS
   return clips;
 }
 
-void CheckRanges(ActorContext& context, DynamicAmbientSoundRecord& record) {
-  if (record.minReCheckTime >= 0 && record.maxReCheckTime >= 0 && record.playProbability >= 0) return;
-  context.Findings.Add(record.Header.Name, "a time or probability below zero was taken as zero");
-  record.minReCheckTime = std::max(record.minReCheckTime, 0.0);
-  record.maxReCheckTime = std::max(record.maxReCheckTime, 0.0);
-  record.playProbability = std::max(record.playProbability, 0.0);
-}
-
 } // namespace
 
-void WriteRandomSounds(ActorContext& context, const DynamicAmbientSoundRecord& sound) {
-  const std::vector<std::string> sounds = SoundsOf(sound);
+void WriteRandomSounds(SceneContext& context, const DynamicAmbientSoundRecord& record) {
+  const std::vector<std::string> sounds = SoundsOf(record);
   if (sounds.empty()) return context.Findings.Count("random sounds left out because they name no sound");
-  DynamicAmbientSoundRecord record = sound;
-  CheckRanges(context, record);
+  const PickTimes times = TimesOf(context, record);
   SceneWriter& scene = context.Scene;
   const std::string group = TakeActorName(context, record.Header, "DYNAMBSOUND_");
   const std::string timer = "TIMER" + group, script = "SCRIPT" + group;
-  WriteTimeSensor(scene, timer, record.minReCheckTime == 0 ? 1 : record.minReCheckTime, true, true);
-  WriteRandomScript(scene, record, script, sounds.size());
+  WriteTimeSensor(scene, timer, times.Shortest == 0 ? 1 : times.Shortest, true, true);
+  WriteRandomScript(scene, record, times, script, sounds.size());
   const std::vector<std::string> clips = WriteClips(context, record, sounds, group);
   AddRoute(scene, script, "interval_changed", timer, "set_cycleInterval");
   AddRoute(scene, script, "enable_changed", timer, "set_enabled");

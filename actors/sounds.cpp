@@ -17,14 +17,14 @@ struct SoundValues {
   double Radius = 0;
 };
 
-SoundValues ValuesOf(ActorContext& context, const SoundBlock& block, const std::string& actor) {
+SoundValues ValuesOf(SceneContext& context, const SoundBlock& block, const std::string& actor) {
   if (block.SoundVolume < 0 || block.SoundVolume > 255 || block.SoundPitch < 1 || block.SoundRadius < -1)
     context.Findings.Add(actor, "its sound's volume, pitch or radius is out of range and was clamped");
   SoundValues values;
   values.Intensity = FormatFlt(std::clamp<int>(block.SoundVolume, 0, 255) / 255.0);
   values.Pitch = FormatFlt(std::max<int>(block.SoundPitch, 1) / 64.0);
   values.Radius =
-      (std::max(block.SoundRadius, -1.0) + 1) * 25 * context.Settings.TextScale * context.Settings.TextSoundRadiusScale;
+      (std::max(block.SoundRadius, -1.0) + 1) * 25 * context.Space.Scale() * context.Settings.TextSoundRadiusScale;
   return values;
 }
 
@@ -56,7 +56,7 @@ void WriteClip(SceneWriter& scene, const SoundSource& sound, const std::string& 
 }
 
 /// Writes the clip, or the use of the one of the same file. Returns its name.
-std::string WriteSource(ActorContext& context, const SoundSource& sound, const std::string& fileName,
+std::string WriteSource(SceneContext& context, const SoundSource& sound, const std::string& fileName,
                         const std::string& pitch) {
   const std::string& url = context.Resources.FindSound(fileName, sound.Block.AmbientSound).Url;
   if (!sound.BaseName.empty()) {
@@ -83,7 +83,7 @@ std::string SoundFileName(const std::string& reference) {
   return name.empty() || SameText(name, "None") ? std::string() : name + ".wav";
 }
 
-std::string WriteSound(ActorContext& context, const SoundSource& sound) {
+std::string WriteSound(SceneContext& context, const SoundSource& sound) {
   const std::string file = SoundFileName(sound.Block.AmbientSound);
   if (file.empty()) return {};
   SceneWriter& scene = context.Scene;
@@ -96,14 +96,14 @@ std::string WriteSound(ActorContext& context, const SoundSource& sound) {
   return WriteSource(context, sound, file, values.Pitch);
 }
 
-SceneNode OpenSoundPlace(ActorContext& context, const Vector3& location) {
+SceneNode OpenSoundPlace(SceneContext& context, const Vector3& location) {
   SceneNode transform = context.Scene.Open("", "Transform");
-  transform.Field(" translation", PositionText(context, location));
+  transform.Field(" translation", context.Space.PositionText(location));
   transform.Children(" ");
   return transform;
 }
 
-void WriteAmbientSound(ActorContext& context, const AmbientSoundRecord& sound) {
+void WriteAmbientSound(SceneContext& context, const AmbientSoundRecord& sound) {
   if (SoundFileName(sound.Sound.AmbientSound).empty())
     return context.Findings.Count("ambient sounds left out because they name no sound");
   const SceneNode place = OpenSoundPlace(context, sound.Location);
@@ -113,7 +113,7 @@ void WriteAmbientSound(ActorContext& context, const AmbientSoundRecord& sound) {
   WriteSound(context, source);
 }
 
-void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecord& sound) {
+void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const TriggeredAmbientSoundRecord& sound) {
   SoundSource source;
   source.Block = sound.Sound;
   if (!SoundFileName(sound.AmbSound).empty()) source.Block.AmbientSound = sound.AmbSound;
@@ -127,8 +127,8 @@ void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecor
   SceneNode place = OpenSoundPlace(context, sound.Location);
   const std::string clip = WriteSound(context, source);
   place.Close();
-  NoteLink(context, sound.Header.Tag, "enterTime", clip, "startTime");
-  NoteLink(context, sound.Header.Tag, "exitTime", clip, "stopTime");
+  NoteLink(triggers, sound.Header.Tag, "enterTime", clip, "startTime");
+  NoteLink(triggers, sound.Header.Tag, "exitTime", clip, "stopTime");
 }
 
 } // namespace quarvel

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "actors/trigger_list.h"
+#include "scene/scene_context.h"
 #include "t3d/sound_records.h"
 
 #include <string>
@@ -23,18 +24,18 @@ std::string SoundFileName(const std::string& reference);
 
 /// Writes one Sound with its AudioClip, and brings the sound file beside the scene. Returns the clip's DEF name; empty,
 /// and nothing written, when the block names no sound.
-std::string WriteSound(ActorContext& context, const SoundSource& sound);
+std::string WriteSound(SceneContext& context, const SoundSource& sound);
 
 /// Writes a sound that plays on and on, at its place.
-void WriteAmbientSound(ActorContext& context, const AmbientSoundRecord& sound);
+void WriteAmbientSound(SceneContext& context, const AmbientSoundRecord& sound);
 
 /// Writes a timer, a script that picks one of the actor's sounds at random, and the sounds.
-void WriteRandomSounds(ActorContext& context, const DynamicAmbientSoundRecord& sound);
+void WriteRandomSounds(SceneContext& context, const DynamicAmbientSoundRecord& record);
 
 /// Writes a sound that the triggers of its Tag start when they are entered and stop when they are left.
-void WriteTriggeredSound(ActorContext& context, const TriggeredAmbientSoundRecord& sound);
+void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const TriggeredAmbientSoundRecord& sound);
 
 /// Opens the Transform that gives sounds their place.
-SceneNode OpenSoundPlace(ActorContext& context, const Vector3& location);
+SceneNode OpenSoundPlace(SceneContext& context, const Vector3& location);
 
 } // namespace quarvel

@@ -23,17 +23,17 @@ struct WrittenTeleporter {
   std::string Viewpoint, Sensor, Script;
 };
 
-Vector3 RaisedLocation(const ActorContext& context, const TeleporterRecord& teleporter) {
+Vector3 RaisedLocation(const SceneContext& context, const TeleporterRecord& teleporter) {
   return AddVector(teleporter.Location, {0, 0, context.Settings.TextTeleHtOff});
 }
 
-void WriteModel(ActorContext& context, const TeleporterRecord& teleporter, const std::string& name) {
+void WriteModel(SceneContext& context, const TeleporterRecord& teleporter, const std::string& name) {
   SceneWriter& scene = context.Scene;
   SceneNode collision = scene.Open("", "Collision");
   WritePassable(collision, " collide");
   collision.Children(" ");
   SceneNode transform = scene.Open("  ", "Transform", name);
-  transform.Field("   translation", PositionText(context, RaisedLocation(context, teleporter)));
+  transform.Field("   translation", context.Space.PositionText(RaisedLocation(context, teleporter)));
   transform.Field("   scale", ".5 .5 .5");
   transform.Children("   ");
   SceneNode model = scene.Open("    ", "Inline");
@@ -52,7 +52,7 @@ void WriteSpin(SceneWriter& scene) {
 /// The model of a visible teleporter, which all of them share, as they share its slow turn.
 class ModelWriter {
  public:
-  explicit ModelWriter(ActorContext& context) : context_(context) {}
+  explicit ModelWriter(SceneContext& context) : context_(context) {}
 
   void Write(const TeleporterRecord& teleporter) {
     if (!teleporter.IsVisible || !context_.Settings.CheckDoMeshes) return;
@@ -68,7 +68,7 @@ class ModelWriter {
   }
 
  private:
-  ActorContext& context_;
+  SceneContext& context_;
   int count_ = 0;
 };
 
@@ -101,7 +101,7 @@ void WriteRepeatingScript(SceneWriter& scene, const std::string& name) {
               " ", " ");
 }
 
-WrittenTeleporter WriteTeleporter(ActorContext& context, const TeleporterRecord& teleporter, bool repeats,
+WrittenTeleporter WriteTeleporter(SceneContext& context, const TeleporterRecord& teleporter, bool repeats,
                                   ModelWriter& models) {
   SceneWriter& scene = context.Scene;
   models.Write(teleporter);
@@ -130,7 +130,7 @@ void RouteToDestination(SceneWriter& scene, const std::string& script, const std
 
 /// The number of the teleporter that the URL of `from` leads to; -1 when there is none, which is reported unless there
 /// is no URL.
-int FindDestination(ActorContext& context, const std::vector<TeleporterRecord>& teleporters, std::size_t from,
+int FindDestination(SceneContext& context, const std::vector<TeleporterRecord>& teleporters, std::size_t from,
                     const std::string& levelName) {
   const TeleporterRecord& teleporter = teleporters[from];
   if (teleporter.URL.empty()) return -1;
@@ -173,7 +173,7 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter) {
   return place;
 }
 
-void WriteTeleporters(ActorContext& context, const std::vector<TeleporterRecord>& teleporters,
+void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>& teleporters,
                       const std::string& levelName) {
   ModelWriter models(context);
   std::vector<int> destinations;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "scene/scene_context.h"
 #include "t3d/placement_records.h"
 
 #include <string>
@@ -23,7 +23,7 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter);
 
 /// Writes the teleporters: the model of a visible one, an arrival viewpoint, a sensor and the script that binds the
 /// destination's viewpoint for whoever enters it. `levelName` is the level's file name without its extension.
-void WriteTeleporters(ActorContext& context, const std::vector<TeleporterRecord>& teleporters,
+void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>& teleporters,
                       const std::string& levelName);
 
 } // namespace quarvel

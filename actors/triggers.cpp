@@ -19,7 +19,7 @@ void AddEvent(TriggerEntry& entry, const std::string& event) {
 using PlacedEntry = std::pair<TextCursor, TriggerEntry>;
 
 template <typename Record>
-TriggerEntry MakeEntry(ActorContext& context, const Record& trigger) {
+TriggerEntry MakeEntry(SceneContext& context, const Record& trigger) {
   TriggerEntry entry{trigger.Header.Class,
                      TakeActorName(context, trigger.Header),
                      {},
@@ -28,15 +28,17 @@ TriggerEntry MakeEntry(ActorContext& context, const Record& trigger) {
   return entry;
 }
 
-void ReadPlainTriggers(ActorContext& context, const T3DLevel& level, std::vector<PlacedEntry>& entries) {
+void ReadPlainTriggers(SceneContext& context, const ScenePart& part, const T3DLevel& level,
+                       std::vector<PlacedEntry>& entries) {
   for (const ActorBlock* actor : level.ActorsOf(ActorFamily::Trigger))
-    if (const auto trigger = ReadShown(context.Part, level, *actor, ReadTrigger))
+    if (const auto trigger = ReadShown(part, level, *actor, ReadTrigger))
       entries.emplace_back(actor->From, MakeEntry(context, *trigger));
 }
 
-void ReadStochasticTriggers(ActorContext& context, const T3DLevel& level, std::vector<PlacedEntry>& entries) {
+void ReadStochasticTriggers(SceneContext& context, const ScenePart& part, const T3DLevel& level,
+                            std::vector<PlacedEntry>& entries) {
   for (const ActorBlock* actor : level.ActorsOf(ActorFamily::StochasticTrigger)) {
-    const auto trigger = ReadShown(context.Part, level, *actor, ReadStochasticTrigger);
+    const auto trigger = ReadShown(part, level, *actor, ReadStochasticTrigger);
     if (!trigger) continue;
     TriggerEntry entry = MakeEntry(context, *trigger);
     for (const std::string& event : trigger->Events)
@@ -53,7 +55,7 @@ struct LinkEnd {
 /// Turns the noted links into routes, with the scripts that dispatchers with delays need on the way.
 class LinkWriter {
  public:
-  explicit LinkWriter(ActorContext& context) : context_(context), triggers_(context.Triggers) {}
+  LinkWriter(SceneContext& context, const TriggerList& triggers) : context_(context), triggers_(triggers) {}
 
   void WriteLinks() {
     for (const TriggerLink& link : triggers_.Links)
@@ -146,7 +148,7 @@ class LinkWriter {
       }
   }
 
-  ActorContext& context_;
+  SceneContext& context_;
   const TriggerList& triggers_;
   std::vector<Route> routes_;
   std::map<std::size_t, Outputs> outputs_; ///< by the dispatcher's number
@@ -155,8 +157,8 @@ class LinkWriter {
 };
 
 /// The size of the sensor's box. Its first number is the radius, not the width.
-std::string SensorSize(ActorContext& context, const TriggerBox& trigger, const std::string& name) {
-  const double scale = context.Settings.TextScale;
+std::string SensorSize(SceneContext& context, const TriggerBox& trigger, const std::string& name) {
+  const double scale = context.Space.Scale();
   if (trigger.CollisionRadius < 0 || trigger.CollisionHeight < 0)
     context.Findings.Add(name, "its size is below zero and was taken as zero");
   const double radius = std::max(trigger.CollisionRadius, 0.0), height = std::max(trigger.CollisionHeight, 0.0);
@@ -184,29 +186,31 @@ void WriteSensorBox(SceneWriter& scene, const std::string& size) {
 
 } // namespace
 
-void ReadTriggers(ActorContext& context, const T3DLevel& level) {
+TriggerList ReadTriggers(SceneContext& context, const ScenePart& part, const T3DLevel& level) {
+  TriggerList triggers;
   std::vector<PlacedEntry> entries;
-  ReadPlainTriggers(context, level, entries);
-  ReadStochasticTriggers(context, level, entries);
+  ReadPlainTriggers(context, part, level, entries);
+  ReadStochasticTriggers(context, part, level, entries);
   std::sort(entries.begin(), entries.end(),
             [](const PlacedEntry& a, const PlacedEntry& b) { return a.first < b.first; });
   for (PlacedEntry& entry : entries)
-    context.Triggers.Entries.push_back(std::move(entry.second));
+    triggers.Entries.push_back(std::move(entry.second));
   for (const ActorBlock* dispatcher : level.ActorsOf(ActorFamily::Dispatcher))
-    context.Triggers.AddDispatcher(ReadDispatcher(level, *dispatcher), context.Findings);
-  context.Triggers.Connect(context.Findings);
+    triggers.AddDispatcher(ReadDispatcher(level, *dispatcher), context.Findings);
+  triggers.Connect(context.Findings);
+  return triggers;
 }
 
-bool NoteLink(ActorContext& context, const std::string& tag, const std::string& fromField, const std::string& toNode,
+bool NoteLink(TriggerList& triggers, const std::string& tag, const std::string& fromField, const std::string& toNode,
               const std::string& toField) {
-  if (!context.Triggers.IsReached(tag)) return false;
-  context.Triggers.Links.push_back({tag, fromField, toNode, toField});
+  if (!triggers.IsReached(tag)) return false;
+  triggers.Links.push_back({tag, fromField, toNode, toField});
   return true;
 }
 
-void WriteTrigger(ActorContext& context, const TriggerBox& trigger, const std::string& name) {
+void WriteTrigger(SceneContext& context, const TriggerBox& trigger, const std::string& name) {
   SceneWriter& scene = context.Scene;
-  const std::string position = PositionText(context, trigger.Location);
+  const std::string position = context.Space.PositionText(trigger.Location);
   const std::string size = SensorSize(context, trigger, name);
   if (!context.Settings.CheckShowTriggers) return WriteSensor(scene, name, position, size, trigger.Enabled);
 
@@ -220,10 +224,10 @@ void WriteTrigger(ActorContext& context, const TriggerBox& trigger, const std::s
   WriteSensorBox(scene, size);
 }
 
-void WriteTriggersAndLinks(ActorContext& context) {
-  for (const TriggerEntry& entry : context.Triggers.Entries)
+void WriteTriggersAndLinks(SceneContext& context, const TriggerList& triggers) {
+  for (const TriggerEntry& entry : triggers.Entries)
     WriteTrigger(context, entry.Box, entry.Name);
-  LinkWriter(context).WriteLinks();
+  LinkWriter(context, triggers).WriteLinks();
 }
 
 } // namespace quarvel

@@ -63,7 +63,7 @@ void BindByScript(SceneWriter& scene, const std::string& viewpoint) {
 }
 
 /// The viewpoint has to be in the box: a sensor that binds a viewpoint outside it is left at once, and would unbind it.
-void BindBySensor(ActorContext& context, const std::string& viewpoint, const Vector3& position, Bounds3 bounds) {
+void BindBySensor(SceneContext& context, const std::string& viewpoint, const Vector3& position, Bounds3 bounds) {
   const ConversionSettings& settings = context.Settings;
   const char* name = "PROXSENSORDEFAULTVIEW";
   GrowBounds(bounds, position);
@@ -91,11 +91,11 @@ std::string ViewpointDescription(const ActorHeader& header) {
   return header.Tag.empty() || SameText(header.Tag, "PlayerStart") ? header.Name : header.Tag;
 }
 
-std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor) {
+std::string WriteViewpoint(SceneContext& context, const PlacementRecord& actor) {
   SceneWriter& scene = context.Scene;
   const std::string def = TakeActorName(context, actor.Header, "V_");
-  const std::string position = PositionText(context, actor.Location);
-  const std::string rotation = RotatorToAxisAngleText(actor.Rotation, scene.ConversionMatrix);
+  const std::string position = context.Space.PositionText(actor.Location);
+  const std::string rotation = context.Space.RotationText(actor.Rotation);
   const std::string description = MakeSceneText(ViewpointDescription(actor.Header));
   if (context.Settings.CheckGroupCamera) {
     WriteGroupedCamera(scene, def, position, rotation, description);
@@ -106,14 +106,11 @@ std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor) 
   return def;
 }
 
-void DeclareBooleanFilter(ActorContext& context) {
-  if (context.BooleanFilterDeclared || context.Scene.IsX3DClassic()) return;
-  for (const char* line : booleanFilterPrototype)
-    context.Scene.Line(line);
-  context.BooleanFilterDeclared = true;
+void DeclareBooleanFilter(SceneContext& context) {
+  if (!context.Scene.IsX3DClassic()) context.Scene.DeclarePrototype("BooleanFilter", booleanFilterPrototype);
 }
 
-void WriteBooleanFilter(ActorContext& context, const std::string& name) {
+void WriteBooleanFilter(SceneContext& context, const std::string& name) {
   SceneWriter& scene = context.Scene;
   DeclareBooleanFilter(context);
   scene.Open("", "BooleanFilter", name, {.Scope = SceneScope::Text}).Close();
@@ -134,26 +131,24 @@ void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds
   sensor.Flag(" enabled", true);
 }
 
-PlacementRecord PlaceAbove(const Bounds3& bounds, double worldScale) {
+PlacementRecord PlaceAbove(const Bounds3& bounds, const SceneSpace& space) {
   PlacementRecord place;
   if (IsEmpty(bounds)) return place;
   const Vector3 extent = SubtractVector(bounds.Max, bounds.Min);
   Vector3 above = BoundsCenter(bounds);
   above.Y = bounds.Max.Y + std::max(extent.X, extent.Z) / 2 / std::tan(FieldOfView / 2);
-  place.Location = ScaleVector(FromSceneAxes(above), 1 / worldScale);
+  place.Location = space.Location(above);
   place.Rotation.Pitch = -16384;
   return place;
 }
 
-void WriteDefaultViewpoint(ActorContext& context, PlacementRecord place, const Bounds3& bounds) {
-  place.Header = {};
-  place.Header.Name = "DefaultViewpoint";
-  place.Header.Tag = "Default Viewpoint";
-  const std::string def = WriteViewpoint(context, place);
+void WriteDefaultViewpoint(SceneContext& context, const PlacementRecord& place, const Bounds3& bounds) {
+  ActorHeader header;
+  header.Name = "DefaultViewpoint";
+  header.Tag = "Default Viewpoint";
+  const std::string def = WriteViewpoint(context, {header, place.Location, place.Rotation});
   if (!context.Settings.OptionDefViewAsProxSensor) return BindByScript(context.Scene, def);
-  const Vector3 position =
-      ScaleVector(ToSceneAxes(context.Scene.ConversionMatrix, place.Location), context.Settings.TextScale);
-  BindBySensor(context, def, position, bounds);
+  BindBySensor(context, def, context.Space.Position(place.Location), bounds);
 }
 
 } // namespace quarvel

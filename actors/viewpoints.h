@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "scene/scene_context.h"
 #include "t3d/placement_records.h"
 
 #include <string>
@@ -12,7 +12,7 @@ inline constexpr double FieldOfView = 0.875;
 
 /// Writes a camera that stands where the actor stands and looks where it looks; with `CheckGroupCamera` within two
 /// Transforms that can be moved. Returns its DEF name.
-std::string WriteViewpoint(ActorContext& context, const PlacementRecord& actor);
+std::string WriteViewpoint(SceneContext& context, const PlacementRecord& actor);
 
 /// The fields of a camera, one a line behind the indentation, in text and element.
 void WriteCameraFields(SceneNode& camera, const std::string& indent, const std::string& position,
@@ -21,12 +21,11 @@ void WriteCameraFields(SceneNode& camera, const std::string& indent, const std::
 /// What a viewer's list calls the camera: the Tag, or the Name when the Tag says nothing.
 std::string ViewpointDescription(const ActorHeader& header);
 
-/// Declares the node BooleanFilter, which VRML97 has not, unless that is done. A prototype may not stand in a children
-/// list, so with `CheckEnclose` this has to be called before the enclosing Transform is begun.
-void DeclareBooleanFilter(ActorContext& context);
+/// Declares the node BooleanFilter, which VRML97 has not, unless that is done; see SceneWriter::DeclarePrototype.
+void DeclareBooleanFilter(SceneContext& context);
 /// Writes a filter that passes TRUE on as "inputTrue", in the text at least: by default the document has a Viewpoint of
 /// that name in its place, which passes on nothing.
-void WriteBooleanFilter(ActorContext& context, const std::string& name);
+void WriteBooleanFilter(SceneContext& context, const std::string& name);
 
 /// The level's box with a wide margin. Scene units.
 Bounds3 BoxWithMargin(const Bounds3& bounds);
@@ -34,10 +33,10 @@ Bounds3 BoxWithMargin(const Bounds3& bounds);
 void WriteSensorAround(SceneWriter& scene, const std::string& name, const Bounds3& box);
 
 /// A place above the middle of the level's box (scene units) from which the whole of it is seen.
-PlacementRecord PlaceAbove(const Bounds3& bounds, double worldScale);
+PlacementRecord PlaceAbove(const Bounds3& bounds, const SceneSpace& space);
 
 /// Writes the default viewpoint at the place, and the script or the sensor that binds it. `bounds` is the level's box
 /// in scene units.
-void WriteDefaultViewpoint(ActorContext& context, PlacementRecord place, const Bounds3& bounds);
+void WriteDefaultViewpoint(SceneContext& context, const PlacementRecord& place, const Bounds3& bounds);
 
 } // namespace quarvel

@@ -14,9 +14,9 @@ ZoneBlock BrightestAmbience(const RunState& run) {
   const auto keep = [&](const ZoneBlock& zone) {
     if (zone.AmbientBrightness > brightest.AmbientBrightness) brightest = zone;
   };
-  for (const LevelRecord& info : ReadAllShown(run.Actors.Part, run.Level, ActorFamily::Level, ReadLevel))
+  for (const LevelRecord& info : ReadAllShown(run.Part, run.Level, ActorFamily::Level, ReadLevel))
     keep(info.Zone);
-  for (const ZoneRecord& zone : ReadAllShown(run.Actors.Part, run.Level, ActorFamily::Zone, ReadZone))
+  for (const ZoneRecord& zone : ReadAllShown(run.Part, run.Level, ActorFamily::Zone, ReadZone))
     keep(zone.Zone);
   return brightest;
 }
@@ -24,53 +24,53 @@ ZoneBlock BrightestAmbience(const RunState& run) {
 } // namespace
 
 void ScanAmbience(RunState& run) {
-  run.User.ShowPass("Scanning ambience");
-  const auto infos = ReadAllShown(run.Actors.Part, run.Level, ActorFamily::Level, ReadLevel);
-  if (!infos.empty()) WriteWorldInfo(run.Scene, infos.front());
+  run.Context.User.ShowPass("Scanning ambience");
+  const auto infos = ReadAllShown(run.Part, run.Level, ActorFamily::Level, ReadLevel);
+  if (!infos.empty()) WriteWorldInfo(run.Context.Scene, infos.front());
   FlushBlock(run);
-  if (!run.Settings.CheckFog) return;
+  if (!run.Context.Settings.CheckFog) return;
   const auto writeFog = [&](const auto& record) {
-    if (record.Zone.bDistanceFog)
-      WriteFog(run.Scene, run.Settings, record.Zone, record.Header.Name, run.Result.Findings);
+    if (record.Zone.bDistanceFog) WriteFog(run.Context, record.Zone, record.Header.Name);
   };
   ForEachActor(run, ActorFamily::Level, ReadLevel, writeFog);
   ForEachActor(run, ActorFamily::Zone, ReadZone, writeFog);
 }
 
 void WriteLights(RunState& run) {
-  if (!run.Settings.CheckDoLights) return;
-  run.User.ShowPass("Writing Lights");
+  if (!run.Context.Settings.CheckDoLights) return;
+  run.Context.User.ShowPass("Writing Lights");
   const ZoneBlock ambience = BrightestAmbience(run);
-  if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Actors, ambience, run.Geometry.Bounds);
+  if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Bounds);
   FlushBlock(run);
-  ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Actors, light); });
+  ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Context, light); });
   ForEachActor(run, ActorFamily::Flare, ReadDisplay,
-               [&](const DisplayRecord& flare) { WriteFlare(run.Actors, flare); });
+               [&](const DisplayRecord& flare) { WriteFlare(run.Context, flare); });
 }
 
 void WriteAmbientSounds(RunState& run) {
-  if (!run.Settings.CheckDoSounds) return;
-  run.User.ShowPass("Writing Ambient Sounds");
+  if (!run.Context.Settings.CheckDoSounds) return;
+  run.Context.User.ShowPass("Writing Ambient Sounds");
   ForEachActor(run, ActorFamily::AmbientSound, ReadAmbientSound,
-               [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Actors, sound); });
+               [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Context, sound); });
   ForEachActor(run, ActorFamily::DynamicAmbientSound, ReadDynamicAmbientSound,
-               [&](const DynamicAmbientSoundRecord& sound) { WriteRandomSounds(run.Actors, sound); });
+               [&](const DynamicAmbientSoundRecord& sound) { WriteRandomSounds(run.Context, sound); });
 }
 
 void WriteSkyZone(RunState& run) {
   if (run.Sky == nullptr) return;
-  run.User.ShowPass("Writing SkyZone");
-  WriteSkyZoneWorld(run.Scene, run.Settings, *run.Sky);
+  run.Context.User.ShowPass("Writing SkyZone");
+  WriteSkyZoneWorld(run.Context, *run.Sky);
   FlushBlock(run);
 }
 
 void WriteTriggeredEvents(RunState& run) {
-  if (run.Settings.CheckDoLights)
+  if (run.Context.Settings.CheckDoLights)
     ForEachActor(run, ActorFamily::TriggerLight, ReadTriggerLight,
-                 [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Actors, light); });
-  if (run.Settings.CheckDoSounds)
-    ForEachActor(run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
-                 [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Actors, sound); });
+                 [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Context, run.Triggers, light); });
+  if (run.Context.Settings.CheckDoSounds)
+    ForEachActor(
+        run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
+        [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Context, run.Triggers, sound); });
 }
 
 } // namespace quarvel

@@ -72,7 +72,7 @@ void CheckOutputs(const SceneFileNames& files, const ConversionSettings& setting
 }
 
 void SaveDocument(RunState& run, const fs::path& path, XMLFaults& faults) {
-  if (!SaveXML(run.Scene.SceneDocument(), path, run.Scene.Conforming(), faults))
+  if (!SaveXML(run.Context.Scene.SceneDocument(), path, run.Context.Scene.Conforming(), faults))
     throw RunFailed{Display(path) + " cannot be written"};
   run.Result.FilesWritten.push_back(path);
 }
@@ -84,14 +84,14 @@ void ReportFaults(RunState& run, const XMLFaults& faults) {
     report.Add("", std::string("the .x3d holds characters (' & <) that strict XML readers refuse") + advice);
   if (faults.Characters)
     report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
-  for (const std::string& quirk : run.Scene.Quirks())
+  for (const std::string& quirk : run.Context.Scene.Quirks())
     report.Add(quirk, std::string("strict viewers may refuse what follows") + advice);
 }
 
 void CloseScene(RunState& run, const SceneFileNames& files) {
-  run.Scene.WriteReadyRoutes();
+  run.Context.Scene.WriteReadyRoutes();
   FlushBlock(run);
-  run.Scene.FinishRoutes(run.Result.Findings);
+  run.Context.Scene.FinishRoutes(run.Result.Findings);
   if (!run.File.Flush()) {
     std::error_code error;
     fs::remove(run.File.Path(), error); // half a scene is worse than none
@@ -99,32 +99,33 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
   }
   run.Result.FilesWritten.push_back(run.File.Path());
   XMLFaults faults;
-  if (run.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, faults);
+  if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, faults);
   SaveDocument(run, files.Document, faults);
   ReportFaults(run, faults);
 }
 
 /// Writes one scene from its header to its end.
 void WriteScene(RunState& run, const SceneFileNames& files) {
-  WriteTextHeader(run.Scene, run.Settings);
+  WriteTextHeader(run.Context.Scene, run.Context.Settings);
   WritePrototypes(run);
-  SceneFrame frame(run.Scene, run.Settings, files.Document.stem().string());
+  SceneFrame frame(run.Context.Scene, run.Context.Settings, files.Document.stem().string());
   MakePasses(run);
   frame.CloseContent();
   CloseScene(run, files);
-  run.Result.Faces += run.Geometry.Faces;
-  run.Result.UniqueMaterials += run.Materials.UniqueMaterialCount();
+  run.Result.UniqueMaterials += run.Context.Materials.UniqueMaterialCount();
 }
 
 void WriteSkyScene(const SkyScene& sky, RunState& world) {
-  RunState run(sky.Files, sky.Settings, world.Level, world.Resources, world.User, world.Result);
-  run.Actors.Part = {ScenePart::Kind::Sky, sky.Zone.Location};
+  const ScenePart part{ScenePart::Kind::Sky, sky.Zone.Location};
+  RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Context.Resources, world.Context.User,
+               world.Result);
   WriteScene(run, sky.Files);
 }
 
 void WritePreloadScript(RunState& run, const fs::path& outFile) {
-  if (!run.Settings.CheckMakePreloadScript) return;
-  run.Result.PreloadScript = MakePreloadScript(run.Resources.UsedTextureUrls(), run.Settings.TextJavascriptURL);
+  if (!run.Context.Settings.CheckMakePreloadScript) return;
+  run.Result.PreloadScript =
+      MakePreloadScript(run.Context.Resources.UsedTextureUrls(), run.Context.Settings.TextJavascriptURL);
   const fs::path path = fs::path(outFile).replace_filename(outFile.stem().string() + "Preload.js");
   TextFile file(path, TextCoding::AsIs);
   file.Append(run.Result.PreloadScript);
@@ -134,15 +135,15 @@ void WritePreloadScript(RunState& run, const fs::path& outFile) {
 
 void WriteReports(RunState& run, const fs::path& outFile) {
   RunResult& result = run.Result;
-  result.Missing = run.Resources.Missing();
-  const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, run.Settings);
+  result.Missing = run.Context.Resources.Missing();
+  const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, run.Context.Settings);
   result.Messages.insert(result.Messages.end(), lists.Messages.begin(), lists.Messages.end());
   for (const std::string& message : lists.Messages)
-    run.User.ShowMessage(message);
+    run.Context.User.ShowMessage(message);
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
   WritePreloadScript(run, outFile);
   std::vector<std::string> errors = lists.Errors;
-  errors.insert(errors.end(), run.Resources.Errors().begin(), run.Resources.Errors().end());
+  errors.insert(errors.end(), run.Context.Resources.Errors().begin(), run.Context.Resources.Errors().end());
   if (!errors.empty()) throw RunFailed{errors.front()};
 }
 
@@ -161,11 +162,10 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   if (sky) CheckOutputs(sky->Files, sky->Settings);
 
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
-  RunState run(files, settings, level, resources, user, result);
-  if (sky) run.Sky = &sky->Zone;
-  if (sky) run.Actors.Part.Kept = ScenePart::Kind::World;
+  const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
+  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, resources, user, result);
   WriteScene(run, files);
-  result.Bounds = run.Geometry.Bounds;
+  result.Bounds = run.Bounds;
   if (sky) WriteSkyScene(*sky, run);
   WriteReports(run, outFile);
   user.ShowPass("Done");

@@ -9,11 +9,11 @@ namespace quarvel {
 
 namespace {
 
-bool IsSky(const RunState& run) { return run.Actors.Part.Kept == ScenePart::Kind::Sky; }
+bool IsSky(const RunState& run) { return run.Part.Kept == ScenePart::Kind::Sky; }
 
 template <typename Read>
 auto ReadAll(const RunState& run, ActorFamily family, Read read) {
-  return ReadAllShown(run.Actors.Part, run.Level, family, read);
+  return ReadAllShown(run.Part, run.Level, family, read);
 }
 
 /// The second generation's scene managers know their paths; without one the points themselves are the path.
@@ -39,47 +39,47 @@ void ReportSpecialEvents(RunState& run) {
 
 void WritePrototypes(RunState& run) {
   const auto anyPoint = [&] { return !ReadAll(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint).empty(); };
-  if (!run.Settings.CheckEnclose || !run.Settings.CheckOutputFlyThru || IsSky(run) || !anyPoint()) return;
-  DeclareBooleanFilter(run.Actors);
+  if (!run.Context.Settings.CheckEnclose || !run.Context.Settings.CheckOutputFlyThru || IsSky(run) || !anyPoint())
+    return;
+  DeclareBooleanFilter(run.Context);
   FlushBlock(run);
 }
 
 void WriteFlights(RunState& run) {
-  if (!run.Settings.CheckOutputFlyThru || IsSky(run)) return;
-  run.User.ShowPass("Getting Interpolation Points");
+  if (!run.Context.Settings.CheckOutputFlyThru || IsSky(run)) return;
+  run.Context.User.ShowPass("Getting Interpolation Points");
   const auto points = ReadAll(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint);
   const std::vector<Flight> flights = PlanFlights(run, points);
   ReportSpecialEvents(run);
-  run.User.ShowPass("Writing Interpolation Points");
-  WriteFlyThrough(run.Actors, flights);
+  run.Context.User.ShowPass("Writing Interpolation Points");
+  WriteFlyThrough(run.Context, flights);
   FlushBlock(run);
-  if (!run.Settings.CheckOutputFlyThruViewpoints) return;
+  if (!run.Context.Settings.CheckOutputFlyThruViewpoints) return;
   for (const InterpolationPointRecord& point : points) {
-    WriteViewpoint(run.Actors, {point.Header, point.Location, point.Rotation});
+    WriteViewpoint(run.Context, {point.Header, point.Location, point.Rotation});
     FlushBlock(run);
   }
 }
 
 void WriteStarts(RunState& run) {
   const auto starts = ReadAll(run, ActorFamily::PlayerStart, ReadPlacement);
-  if (run.Settings.CheckOutputPlayerStarts) {
-    run.User.ShowPass("Writing Starts");
+  if (run.Context.Settings.CheckOutputPlayerStarts) {
+    run.Context.User.ShowPass("Writing Starts");
     for (const PlacementRecord& start : starts) {
-      WriteViewpoint(run.Actors, start);
+      WriteViewpoint(run.Context, start);
       FlushBlock(run);
       StepOn(run);
     }
   }
-  if (!run.Settings.CheckMakeDefaultViewpoint || IsSky(run)) return;
-  const Bounds3& bounds = run.Geometry.Bounds;
-  WriteDefaultViewpoint(run.Actors, starts.empty() ? PlaceAbove(bounds, run.Settings.TextScale) : starts.front(),
-                        bounds);
+  if (!run.Context.Settings.CheckMakeDefaultViewpoint || IsSky(run)) return;
+  const Bounds3& bounds = run.Bounds;
+  WriteDefaultViewpoint(run.Context, starts.empty() ? PlaceAbove(bounds, run.Context.Space) : starts.front(), bounds);
   FlushBlock(run);
 }
 
 void WriteTeleports(RunState& run) {
   const auto teleporters = ReadAll(run, ActorFamily::Teleporter, ReadTeleporter);
-  WriteTeleporters(run.Actors, teleporters, run.Level.Name);
+  WriteTeleporters(run.Context, teleporters, run.Level.Name);
   FlushBlock(run);
 }
 

@@ -5,6 +5,7 @@
 #include "core/actor_passes.h"
 #include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
+#include "scene/brush_geometry.h"
 #include "t3d/brush_record.h"
 #include "t3d/level_check.h"
 
@@ -26,26 +27,22 @@ struct MoverPass {
   bool NeedsPolygons = false; ///< nothing is known of such a class, but that one with polygons is a brush that moves
 };
 
-/// The children of the enclosing node are separated by commas.
-void SeparateChildren(RunState& run) {
-  if (!run.FirstChild) run.Scene.Line(",");
-  run.FirstChild = false;
-}
-
 void ConvertBrush(RunState& run, const BrushRecord& brush) {
-  SeparateChildren(run);
-  const WrittenBrush written = WriteBrush(run.Geometry, brush, MoverChildren(run, brush));
-  if (brush.IsMover) WriteMover(run.Actors, brush, written);
+  if (run.GeometryCount > 1) run.Context.Scene.Line(","); // between the children of the enclosing node
+  const WrittenBrush written = WriteBrush(run.Context, brush, run.GeometryCount++);
+  if (brush.IsMover) WriteMover(run.Context, run.Triggers, brush, written);
   FlushBlock(run);
   ++run.Result.Brushes;
+  run.Result.Faces += written.Faces;
+  JoinBounds(run.Bounds, written.Bounds);
 }
 
 bool IsChosen(const RunState& run, const BrushRecord& brush) {
-  return run.Settings.CheckBuildBrush ? brush.CsgOper.empty() : IsAdditive(brush);
+  return run.Context.Settings.CheckBuildBrush ? brush.CsgOper.empty() : IsAdditive(brush);
 }
 
 void SkipBrush(RunState& run, const BrushRecord& brush) {
-  run.User.ShowItem("skipping brush");
+  run.Context.User.ShowItem("skipping brush");
   if (brush.CsgOper == "CSG_Subtract")
     run.Result.Findings.Count("brushes left out as subtractive");
   else if (!brush.CsgOper.empty() && !IsAdditive(brush))
@@ -68,54 +65,54 @@ std::optional<BrushRecord> ShownBrush(RunState& run, const ActorBlock& actor) {
   const auto read = [&](const T3DLevel& level, const ActorBlock& block) {
     return ReadBrush(level, block, run.Numbers);
   };
-  return ReadShown(run.Actors.Part, run.Level, actor, read);
+  return ReadShown(run.Part, run.Level, actor, read);
 }
 
 void ProcessBrushes(RunState& run) {
-  if (!run.Settings.CheckDoGeometry) return;
-  run.User.ShowPass("Processing Brushes");
+  if (!run.Context.Settings.CheckDoGeometry) return;
+  run.Context.User.ShowPass("Processing Brushes");
   if (run.Level.Actors.empty()) return ConvertPolyLists(run);
-  run.User.ShowItem("getting brush");
+  run.Context.User.ShowItem("getting brush");
   for (const ActorBlock* actor : run.Level.ActorsOf(ActorFamily::Brush)) {
     const auto brush = ShownBrush(run, *actor);
     if (!brush) continue;
     WaitWhilePaused(run);
-    run.User.ShowItem("on brush ", run.Geometry.GeometryCount);
+    run.Context.User.ShowItem("on brush ", run.GeometryCount);
     const bool chosen = IsChosen(run, *brush);
     if (chosen)
       ConvertBrush(run, *brush);
     else
       SkipBrush(run, *brush);
     StepOn(run);
-    if (chosen && run.Settings.CheckBuildBrush) return;
-    run.User.ShowItem("getting brush");
+    if (chosen && run.Context.Settings.CheckBuildBrush) return;
+    run.Context.User.ShowItem("getting brush");
   }
 }
 
 void ProcessMoverClass(RunState& run, const MoverPass& pass) {
-  run.User.ShowItem(pass.Getting);
+  run.Context.User.ShowItem(pass.Getting);
   for (const ActorBlock* actor : run.Level.ActorsOf(pass.ClassName)) {
     const auto shown = ShownBrush(run, *actor);
     if (!shown) continue;
     const BrushRecord& mover = *shown;
     WaitWhilePaused(run);
-    run.User.ShowItem(pass.On, run.Geometry.GeometryCount);
+    run.Context.User.ShowItem(pass.On, run.GeometryCount);
     if (mover.TooManyKeys)
       run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
                                                      ", but a mover can have " + std::to_string(MaxKeys) +
                                                      " keys at most; it was left out");
-    else if (pass.NeedsPolygons && mover.Polygons.empty() && !MoverChildren(run, mover))
+    else if (pass.NeedsPolygons && mover.Polygons.empty() && !HasMeshForPolygons(mover, run.Context.Settings))
       run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
     else
       ConvertBrush(run, mover);
     StepOn(run);
   }
-  run.User.ShowItem(pass.Then);
+  run.Context.User.ShowItem(pass.Then);
 }
 
 void ProcessMovers(RunState& run) {
-  if (!run.Settings.CheckMovers) return;
-  run.User.ShowPass("Processing Movers");
+  if (!run.Context.Settings.CheckMovers) return;
+  run.Context.User.ShowPass("Processing Movers");
   const std::array<MoverPass, 4> passes{{
       {"Mover", "getting mover", "on mover ", ""},
       {"LoopMover", "getting mover", "on loopingmover ", "getting looper"},
@@ -134,17 +131,17 @@ void ProcessMovers(RunState& run) {
 } // namespace
 
 void MakePasses(RunState& run) {
-  run.User.ShowPass("Pre-scan");
-  const bool isSky = run.Actors.Part.Kept == ScenePart::Kind::Sky;
+  run.Context.User.ShowPass("Pre-scan");
+  const bool isSky = run.Part.Kept == ScenePart::Kind::Sky;
   if (!isSky) ReportUnseenActors(run.Level, run.Result.Findings);
   ScanAmbience(run);
-  run.User.ShowPass("getting triggers");
-  ReadTriggers(run.Actors, run.Level);
+  run.Context.User.ShowPass("getting triggers");
+  run.Triggers = ReadTriggers(run.Context, run.Part, run.Level);
   ProcessMeshes(run);
   ProcessBrushes(run);
   ProcessMovers(run);
   ProcessTerrain(run);
-  run.User.ShowPass("Processing non-geo");
+  run.Context.User.ShowPass("Processing non-geo");
   WriteLights(run);
   WriteFlights(run);
   WriteStarts(run);
@@ -153,7 +150,7 @@ void MakePasses(RunState& run) {
   AnimateTextures(run);
   WriteTeleports(run);
   WriteTriggeredEvents(run);
-  WriteTriggersAndLinks(run.Actors);
+  WriteTriggersAndLinks(run.Context, run.Triggers);
   FlushBlock(run);
 }
 

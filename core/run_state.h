@@ -1,46 +1,42 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "actors/scene_part.h"
+#include "actors/trigger_list.h"
 #include "base/run_interface.h"
 #include "core/conversion_run.h"
 #include "resources/resource_files.h"
-#include "scene/brush_geometry.h"
-#include "scene/materials.h"
-#include "scene/mesh_inlines.h"
-#include "scene/node_writer.h"
+#include "scene/scene_context.h"
 #include "scene/text_file.h"
 #include "settings/conversion_settings.h"
 #include "t3d/level.h"
 #include "t3d/world_records.h"
 
-#include <filesystem>
-#include <string>
+#include <cstddef>
 
 namespace quarvel {
 
 /// Thrown between two actors when the user asked the run to stop; caught by the run alone.
 struct RunStopped {};
 
-/// Everything that a run works with while it writes one scene. A level whose sky is a scene of its own has two of them.
+/// What a run adds to the context in which its converters write one scene. A level whose sky is a scene of its own has
+/// two of them.
 struct RunState {
+  /// `sky` is the sky zone whose own scene this one is to inline, nullptr when there is none.
   RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
-           ResourceFiles& resources, RunInterface& user, RunResult& result);
+           const ScenePart& part, const SkyZoneRecord* sky, ResourceFiles& resources, RunInterface& user,
+           RunResult& result);
 
-  const ConversionSettings& Settings;
   const T3DLevel& Level;
-  RunInterface& User;
+  const ScenePart Part;
+  const SkyZoneRecord* const Sky;
   RunResult& Result;
-  const SkyZoneRecord* Sky = nullptr; ///< the sky zone whose own scene this one is to inline
-  bool FirstChild = true;             ///< no geometry node has been written yet
-
   TextFile File;
-  SceneWriter Scene;
-  ResourceFiles& Resources;
-  MaterialWriter Materials;
-  MeshInliner Meshes;
-  GeometryContext Geometry;
-  ActorContext Actors;
+  SceneContext Context;
+  TriggerList Triggers;
   NumberCheck Numbers;
+
+  int GeometryCount = 1;         ///< the number of the next brush or mover
+  Bounds3 Bounds = InitBounds(); ///< of the brushes and movers, in scene units
   std::size_t ActorsDone = 0;
 };
 
@@ -61,7 +57,7 @@ void FlushBlock(RunState& run);
 template <typename Read, typename Convert>
 void ForEachActor(RunState& run, ActorFamily family, Read read, Convert convert) {
   for (const ActorBlock* actor : run.Level.ActorsOf(family)) {
-    const auto record = ReadShown(run.Actors.Part, run.Level, *actor, read);
+    const auto record = ReadShown(run.Part, run.Level, *actor, read);
     if (!record) continue;
     convert(*record);
     FlushBlock(run);

@@ -14,14 +14,12 @@ namespace quarvel {
 
 namespace {
 
-bool NamesMesh(const std::string& reference) { return !reference.empty() && !SameText(reference, "None"); }
-
 /// The classes of actors that have a mesh file, in the order of their first actors.
 std::vector<std::string> ClassesWithMesh(RunState& run) {
   std::vector<std::string> classes;
   std::set<std::string_view> known;
   for (const ActorBlock& actor : run.Level.Actors)
-    if (!actor.Class.empty() && known.insert(actor.Class).second && run.Meshes.HasMesh(actor.Class))
+    if (!actor.Class.empty() && known.insert(actor.Class).second && run.Context.Meshes.HasMesh(actor.Class))
       classes.emplace_back(actor.Class);
   return classes;
 }
@@ -29,9 +27,9 @@ std::vector<std::string> ClassesWithMesh(RunState& run) {
 void PlaceClassMeshes(RunState& run) {
   for (const std::string& className : ClassesWithMesh(run))
     for (const ActorBlock* block : run.Level.ActorsOf(className)) {
-      const auto actor = ReadShown(run.Actors.Part, run.Level, *block, ReadStaticMesh);
+      const auto actor = ReadShown(run.Part, run.Level, *block, ReadStaticMesh);
       if (!actor) continue;
-      run.Meshes.WritePlacedMesh(*actor, className);
+      run.Context.Meshes.WritePlacedMesh(*actor, className);
       FlushBlock(run);
       StepOn(run);
     }
@@ -40,7 +38,7 @@ void PlaceClassMeshes(RunState& run) {
 void PlaceStaticMeshes(RunState& run) {
   ForEachActor(run, ActorFamily::StaticMesh, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
     if (NamesMesh(actor.StaticMesh))
-      run.Meshes.WritePlacedMesh(actor, actor.StaticMesh);
+      run.Context.Meshes.WritePlacedMesh(actor, actor.StaticMesh);
     else
       run.Result.Findings.Count("static mesh actors left out that name no mesh");
   });
@@ -49,30 +47,25 @@ void PlaceStaticMeshes(RunState& run) {
 } // namespace
 
 void ProcessMeshes(RunState& run) {
-  if (!run.Settings.CheckDoMeshes) return;
-  run.User.ShowPass("Processing meshes");
+  if (!run.Context.Settings.CheckDoMeshes) return;
+  run.Context.User.ShowPass("Processing meshes");
   if (run.Level.LegacyFormat)
     PlaceClassMeshes(run);
   else
     PlaceStaticMeshes(run);
 }
 
-std::function<void()> MoverChildren(RunState& run, const BrushRecord& mover) {
-  if (!run.Settings.CheckDoMeshes || !mover.Polygons.empty() || !NamesMesh(mover.StaticMesh)) return {};
-  return [&run, &mover] { run.Meshes.WriteMoverMesh(mover); };
-}
-
 void ProcessTerrain(RunState& run) {
-  if (!run.Settings.CheckDoTerrain) return;
-  run.User.ShowPass("Processing terrain");
+  if (!run.Context.Settings.CheckDoTerrain) return;
+  run.Context.User.ShowPass("Processing terrain");
   ForEachActor(run, ActorFamily::Terrain, ReadTerrain,
-               [&](const TerrainRecord& terrain) { WriteTerrain(run.Geometry, run.Resources, terrain); });
+               [&](const TerrainRecord& terrain) { WriteTerrain(run.Context, terrain); });
 }
 
 void AnimateTextures(RunState& run) {
-  const double scale = run.Settings.TextTexPanScale;
+  const double scale = run.Context.Settings.TextTexPanScale;
   const TexturePanSpeeds speeds{scale * run.Level.TexUPanSpeed, scale * run.Level.TexVPanSpeed};
-  WriteTextureAnimations(run.Scene, run.Materials, speeds);
+  WriteTextureAnimations(run.Context.Scene, run.Context.Materials, speeds);
   FlushBlock(run);
 }
 

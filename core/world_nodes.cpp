@@ -14,25 +14,25 @@ void WriteWorldInfo(SceneWriter& scene, const LevelRecord& info) {
   world.String("title", MakeSceneText(info.Title));
 }
 
-void WriteFog(SceneWriter& scene, const ConversionSettings& settings, const ZoneBlock& zone, const std::string& actor,
-              Report& findings) {
-  if (!zone.ColorInRange) findings.Add(actor, "its fog colour is not within 0 to 255 and was clamped");
-  if (zone.DistanceFogEnd < 0) findings.Add(actor, "its fog ends at a distance below zero, which was taken as zero");
+void WriteFog(SceneContext& context, const ZoneBlock& zone, const std::string& actor) {
+  if (!zone.ColorInRange) context.Findings.Add(actor, "its fog colour is not within 0 to 255 and was clamped");
+  if (zone.DistanceFogEnd < 0)
+    context.Findings.Add(actor, "its fog ends at a distance below zero, which was taken as zero");
   const ColorRGB& color = zone.DistanceFogColor;
-  SceneNode fog = scene.Open("", "Fog");
+  SceneNode fog = context.Scene.Open("", "Fog");
   fog.Field(" color", FormatVec({color.R / 255.0, color.G / 255.0, color.B / 255.0}));
-  fog.Field(" visibilityRange", FormatFlt(std::max(zone.DistanceFogEnd, 0.0) * settings.TextScale));
+  fog.Field(" visibilityRange", FormatFlt(std::max(zone.DistanceFogEnd, 0.0) * context.Space.Scale()));
 }
 
-void WriteSkyZoneWorld(SceneWriter& scene, const ConversionSettings& settings, const SkyZoneRecord& zone) {
+void WriteSkyZoneWorld(SceneContext& context, const SkyZoneRecord& zone) {
+  SceneWriter& scene = context.Scene;
   const std::string name = SkySceneName(zone), url = EncodeUrlPath(name);
   const std::string inTextName = "WT_" + name + "World", inDocumentName = name + "World";
-  const Vector3 position = ToSceneAxes(scene.ConversionMatrix, zone.Location);
   SceneNode transform = scene.Open("", "Transform", inTextName, {.Routed = false});
   // Names are to be unique (X3D, clause 4.4.3).
   if (!scene.Conforming()) scene.NoteQuirk("the two nodes of one name that place the sky in the .x3d");
   if (!scene.Conforming()) transform.Attribute("DEF", inDocumentName);
-  transform.Field(" translation", FormatVec(ScaleVector(position, settings.TextScale)));
+  transform.Field(" translation", context.Space.PositionText(zone.Location));
   transform.Children(" ");
   SceneNode sky = scene.Open("  ", "Inline");
   sky.Attribute("DEF", inDocumentName);

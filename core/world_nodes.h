@@ -1,9 +1,9 @@
 #pragma once
 
-#include "base/report.h"
-#include "scene/node_writer.h"
-#include "settings/conversion_settings.h"
+#include "scene/scene_context.h"
 #include "t3d/world_records.h"
+
+#include <string>
 
 namespace quarvel {
 
@@ -11,11 +11,10 @@ namespace quarvel {
 void WriteWorldInfo(SceneWriter& scene, const LevelRecord& info);
 
 /// Writes a zone's distance fog. `actor` is the zone's name, for the report of values out of range.
-void WriteFog(SceneWriter& scene, const ConversionSettings& settings, const ZoneBlock& zone, const std::string& actor,
-              Report& findings);
+void WriteFog(SceneContext& context, const ZoneBlock& zone, const std::string& actor);
 
 /// Writes the node that inlines the sky zone's own scene at the sky zone's place.
-void WriteSkyZoneWorld(SceneWriter& scene, const ConversionSettings& settings, const SkyZoneRecord& zone);
+void WriteSkyZoneWorld(SceneContext& context, const SkyZoneRecord& zone);
 
 /// What the sky zone's scenes are called, without extension.
 std::string SkySceneName(const SkyZoneRecord& zone);

@@ -40,6 +40,12 @@ void GrowBounds(Bounds3& bounds, const Vector3& point) {
   bounds.Max = {std::max(bounds.Max.X, point.X), std::max(bounds.Max.Y, point.Y), std::max(bounds.Max.Z, point.Z)};
 }
 
+void JoinBounds(Bounds3& bounds, const Bounds3& by) {
+  if (IsEmpty(by)) return;
+  GrowBounds(bounds, by.Min);
+  GrowBounds(bounds, by.Max);
+}
+
 Vector3 BoundsCenter(const Bounds3& bounds) { return MidPoint(bounds.Max, bounds.Min); }
 
 } // namespace quarvel

@@ -56,6 +56,7 @@ Bounds3 InitBounds();
 /// True while no point was ever added.
 bool IsEmpty(const Bounds3& bounds);
 void GrowBounds(Bounds3& bounds, const Vector3& point);
+void JoinBounds(Bounds3& bounds, const Bounds3& by); ///< an empty box adds nothing
 Vector3 BoundsCenter(const Bounds3& bounds);
 
 } // namespace quarvel

@@ -2,6 +2,7 @@
 
 #include "math/number_text.h"
 #include "resources/url.h"
+#include "scene/brush_placement.h"
 #include "scene/face_sets.h"
 #include "scene/geometry_fields.h"
 
@@ -16,7 +17,7 @@ void ReplaceAll(std::string& text, std::string_view what, std::string_view by) {
     text.replace(at, what.size(), by);
 }
 
-void ShowMapping(GeometryContext& context, const ChosenFace& face) {
+void ShowMapping(SceneContext& context, const ChosenFace& face) {
   const TextureFile& file = context.Materials.Entry(face.TextureNumber).File;
   const TexturePlane plane = MakeTexturePlane(*face.Polygon, file.Width, file.Height);
   std::vector<TexturePoint> corners;
@@ -25,7 +26,7 @@ void ShowMapping(GeometryContext& context, const ChosenFace& face) {
   context.User.ShowTextureMapping(file.Source, corners);
 }
 
-std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord& brush, const BrushPlacement& placement,
+std::vector<ChosenFace> ChooseFaces(SceneContext& context, const BrushRecord& brush, const BrushPlacement& placement,
                                     Bounds3& bounds) {
   std::vector<ChosenFace> faces;
   faces.reserve(brush.Polygons.size());
@@ -50,8 +51,7 @@ std::vector<ChosenFace> ChooseFaces(GeometryContext& context, const BrushRecord&
 /// Two-sided, masked and translucent surfaces are seen from behind.
 bool IsSolid(std::uint32_t flags) { return (flags & (SurfaceTwoSided | SurfaceMasked | SurfaceTranslucent)) == 0; }
 
-void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::string& brushName, int number,
-                  bool mirrored) {
+void WriteFaceSet(SceneContext& context, const FaceSet& set, const std::string& brushName, int number, bool mirrored) {
   SceneWriter& scene = context.Scene;
   const ConversionSettings& settings = context.Settings;
   const std::string piece = scene.TakePieceName(brushName + std::to_string(number));
@@ -74,7 +74,7 @@ void WriteFaceSet(GeometryContext& context, const FaceSet& set, const std::strin
   context.User.ShowItem("saving verts");
 }
 
-void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const BrushPlacement& placement,
+void WriteSeparateFace(SceneContext& context, const ChosenFace& face, const BrushPlacement& placement,
                        const std::string& brushName) {
   SceneWriter& scene = context.Scene;
   const std::uint32_t flags = face.Polygon->Flags;
@@ -91,7 +91,7 @@ void WriteSeparateFace(GeometryContext& context, const ChosenFace& face, const B
   scene.Flush();
 }
 
-void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& faces, bool breakUp,
+void WriteMergedFaces(SceneContext& context, const std::vector<ChosenFace>& faces, bool breakUp,
                       const BrushPlacement& placement, const std::string& brushName) {
   int number = 0;
   const auto write = [&](const FaceSet& set) {
@@ -108,7 +108,7 @@ void WriteMergedFaces(GeometryContext& context, const std::vector<ChosenFace>& f
   }
 }
 
-void WriteFaces(GeometryContext& context, const BrushRecord& brush, const std::vector<ChosenFace>& faces,
+void WriteFaces(SceneContext& context, const BrushRecord& brush, const std::vector<ChosenFace>& faces,
                 const BrushPlacement& placement, const std::string& name) {
   if (context.Settings.OptionIFSs) {
     for (const ChosenFace& face : faces)
@@ -138,7 +138,7 @@ SceneNode OpenAnchor(SceneWriter& scene, const std::string& address) {
   return anchor;
 }
 
-void ReportOddities(GeometryContext& context, const BrushRecord& brush, const std::string& name) {
+void ReportOddities(SceneContext& context, const BrushRecord& brush, const std::string& name) {
   const std::string& actor = brush.Header.Name.empty() ? name : brush.Header.Name;
   if (brush.DamagedPolygons > 0)
     context.Findings.Add(actor,
@@ -147,13 +147,12 @@ void ReportOddities(GeometryContext& context, const BrushRecord& brush, const st
 
 } // namespace
 
-WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
-                        const std::function<void()>& extraChildren) {
+WrittenBrush WriteBrush(SceneContext& context, const BrushRecord& brush, int number) {
   SceneWriter& scene = context.Scene;
   WrittenBrush written;
-  written.Name = scene.TakeName(BrushName(brush.Header, context.GeometryCount));
+  written.Name = scene.TakeName(BrushName(brush.Header, number));
   ReportOddities(context, brush, written.Name);
-  const BrushPlacement placement = PlaceBrush(brush, context.Settings.TextScale, scene.ConversionMatrix);
+  const BrushPlacement placement = PlaceBrush(brush, context.Space);
   const std::vector<ChosenFace> faces = ChooseFaces(context, brush, placement, written.Bounds);
   const std::string address = WebAddress(brush.Url);
 
@@ -162,17 +161,16 @@ WrittenBrush WriteBrush(GeometryContext& context, const BrushRecord& brush,
   if (!address.empty()) anchor.emplace(OpenAnchor(scene, address));
   WriteFaces(context, brush, faces, placement, written.Name);
   if (anchor) anchor->Close();
-  if (extraChildren) extraChildren();
+  if (HasMeshForPolygons(brush, context.Settings)) context.Meshes.WriteMoverMesh(brush);
   transform.Close();
   context.User.ShowItem("done poly");
 
-  context.Faces += static_cast<int>(faces.size());
-  ++context.GeometryCount;
-  if (!IsEmpty(written.Bounds)) {
-    GrowBounds(context.Bounds, written.Bounds.Min);
-    GrowBounds(context.Bounds, written.Bounds.Max);
-  }
+  written.Faces = static_cast<int>(faces.size());
   return written;
+}
+
+bool HasMeshForPolygons(const BrushRecord& brush, const ConversionSettings& settings) {
+  return settings.CheckDoMeshes && brush.Polygons.empty() && NamesMesh(brush.StaticMesh);
 }
 
 std::string BrushName(const ActorHeader& header, int number) {

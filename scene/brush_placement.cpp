@@ -63,7 +63,7 @@ double SnappedSheerRate(double rate) {
   return std::copysign(snapped, rate);
 }
 
-BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix) {
+BrushPlacement PlaceBrush(const BrushRecord& brush, const SceneSpace& space) {
   const Vector3 one{1, 1, 1};
   const Matrix4 rotation = BrushRotationMatrix(brush.Rotation);
   const Matrix4 main = ScaleAndSheer(brush.MainScale, brush.MainSheer);
@@ -78,12 +78,12 @@ BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Mat
       transformScales ? IdentityMatrix() : InOrder({main, rotation, post, TransposeMatrix(rotation)});
 
   const Matrix4 toPivot = InOrder({TranslationMatrix(ScaleVector(brush.PrePivot, -1)), ScaleMatrix(1, -1, 1)});
-  const Matrix4 toScene = InOrder({conversionMatrix, ScaleMatrix(worldScale, worldScale, worldScale)});
+  const Matrix4 toScene = InOrder({space.ConversionMatrix(), ScaleMatrix(space.Scale(), space.Scale(), space.Scale())});
   const Vector3 location = ToRightHanded(brush.Location);
 
   BrushPlacement placement;
   placement.Translation = FormatVec(TransformPoint(toScene, location));
-  placement.Rotation = RotatorToAxisAngleText(BrushRotator(brush.Rotation), conversionMatrix);
+  placement.Rotation = space.RotationText(BrushRotator(brush.Rotation));
   const Vector3 scale = transformScales ? product : one;
   placement.Scale = FormatVec({scale.X, scale.Z, scale.Y});
   placement.VertexMatrix = InOrder({toPivot, folded, toScene});

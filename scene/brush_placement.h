@@ -1,6 +1,6 @@
 #pragma once
 
-#include "math/matrix.h"
+#include "scene/scene_space.h"
 #include "t3d/brush_record.h"
 
 #include <string>
@@ -22,8 +22,7 @@ struct BrushPlacement {
 /// headers).
 double SnappedSheerRate(double rate);
 
-/// `worldScale` is in scene units per Unreal unit.
-BrushPlacement PlaceBrush(const BrushRecord& brush, double worldScale, const Matrix4& conversionMatrix);
+BrushPlacement PlaceBrush(const BrushRecord& brush, const SceneSpace& space);
 
 /// Texture coordinates of one polygon: two linear functions of a vertex.
 struct TexturePlane {

@@ -1,9 +1,11 @@
 #include "scene/mesh_inlines.h"
 
+#include "base/ascii_text.h"
 #include "math/number_text.h"
-#include "math/rotation.h"
 
 namespace quarvel {
+
+bool NamesMesh(std::string_view reference) { return !reference.empty() && !SameText(reference, "None"); }
 
 /// Files with reversed faces may stand beside the others under a name of their own.
 std::string MeshInliner::FileReference(std::string_view mesh) const {
@@ -35,11 +37,10 @@ void MeshInliner::WriteInline(std::string_view mesh, const MeshFiles& files, con
 }
 
 void MeshInliner::WritePlacedMesh(const StaticMeshRecord& actor, std::string_view mesh) {
-  const Vector3 place = ToSceneAxes(scene_.ConversionMatrix, ScaleVector(actor.Location, settings_.TextScale));
   const std::string name = scene_.TakeName(MakeDefName("MSHT_" + actor.Header.Name));
   SceneNode transform = scene_.Open("", "Transform", name);
-  transform.Field("  translation", FormatVec(place));
-  transform.Field("  rotation", RotatorToAxisAngleText(BrushRotator(actor.Rotation), scene_.ConversionMatrix));
+  transform.Field("  translation", space_.PositionText(actor.Location));
+  transform.Field("  rotation", space_.RotationText(BrushRotator(actor.Rotation)));
   transform.Field("  scale", FormatVec(SceneScale(actor.DrawScale3D, actor.DrawScale)));
   transform.Children("  ");
   if (const MeshFiles& files = Find(mesh); files.Found()) WriteInline(mesh, files, "    ");

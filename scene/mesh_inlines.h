@@ -2,6 +2,7 @@
 
 #include "resources/resource_files.h"
 #include "scene/node_writer.h"
+#include "scene/scene_space.h"
 #include "settings/conversion_settings.h"
 #include "t3d/brush_record.h"
 #include "t3d/placement_records.h"
@@ -13,11 +14,14 @@
 
 namespace quarvel {
 
+/// Whether an actor's reference to a mesh refers to one.
+bool NamesMesh(std::string_view reference);
+
 /// Writes the meshes of a run, which stand in files of their own: each is inlined once, and by name afterwards.
 class MeshInliner {
  public:
-  MeshInliner(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings)
-      : scene_(scene), resources_(resources), settings_(settings) {}
+  MeshInliner(SceneWriter& scene, ResourceFiles& resources, const ConversionSettings& settings, const SceneSpace& space)
+      : scene_(scene), resources_(resources), settings_(settings), space_(space) {}
 
   /// True when there is a file for a mesh of this name.
   bool HasMesh(std::string_view mesh) { return resources_.HasMesh(FileReference(mesh)); }
@@ -39,6 +43,7 @@ class MeshInliner {
   SceneWriter& scene_;
   ResourceFiles& resources_;
   const ConversionSettings& settings_;
+  const SceneSpace& space_;
   std::map<std::pair<std::string, std::string>, std::string> names_; ///< DEF names by the URLs of the two files
 };
 

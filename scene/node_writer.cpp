@@ -207,6 +207,12 @@ void SceneWriter::Use(std::string_view lead, const char* type, const std::string
   AddAttribute(Innermost().append_child(type), "USE", name);
 }
 
+void SceneWriter::DeclarePrototype(const char* name, std::span<const char* const> lines) {
+  if (!prototypes_.insert(name).second) return;
+  for (const char* line : lines)
+    Line(line);
+}
+
 void SceneWriter::Close(std::size_t depth) {
   if (open_.size() != depth) throw std::logic_error("the nodes of a scene are closed out of order");
   const OpenNode node = open_.back();

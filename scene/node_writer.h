@@ -2,7 +2,6 @@
 
 #include "base/ascii_text.h"
 #include "base/report.h"
-#include "math/matrix.h"
 #include "scene/scene_names.h"
 #include "scene/text_file.h"
 
@@ -10,6 +9,7 @@
 #include <initializer_list>
 #include <pugixml.hpp>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -113,8 +113,6 @@ class SceneWriter {
   SceneWriter(const SceneWriter&) = delete;
   SceneWriter& operator=(const SceneWriter&) = delete;
 
-  const Matrix4 ConversionMatrix = MakeConversionMatrix();
-
   TextEncoding Encoding() const { return encoding_; }
   /// Write what today's viewers and validators want, where the default output deliberately differs.
   bool Conforming() const { return conforming_; }
@@ -144,6 +142,10 @@ class SceneWriter {
                    const std::string& values);
   /// Writes a node that was written before: `lead`, "USE " and the name.
   void Use(std::string_view lead, const char* type, const std::string& name);
+
+  /// Declares a prototype by the lines of its text, unless that is done. One may not stand inside a node, so with
+  /// `CheckEnclose` this has to be called before the enclosing Transform is begun.
+  void DeclarePrototype(const char* name, std::span<const char* const> lines);
 
   /// The name, made unique in the scene.
   std::string TakeName(std::string name) { return names_.Take(std::move(name)); }
@@ -198,6 +200,7 @@ class SceneWriter {
   std::size_t openInText_ = 0;       ///< how many of them the text has; no ROUTE may stand inside one
   std::vector<Route> pendingRoutes_; ///< the document gets them at its end
   UniqueNames names_, pieceNames_;
+  std::set<std::string> prototypes_;
   std::unordered_map<std::string, unsigned> defined_;
   std::set<std::string, std::less<>> quirks_;
 };

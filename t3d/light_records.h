@@ -39,11 +39,6 @@ struct LightRecord {
   bool bActorShadows = false, bCorona = false, bLensFlare = false;
   DisplayBlock Display;
   SoundBlock Sound;
-
-  // Not read, but set by who converts the light.
-  bool IsAmbient = false; ///< the one light that only adds ambient light
-  bool HasOn = false;     ///< the light is switched, and starts as `On` says
-  bool On = false;
 };
 
 /// A light that a trigger switches. Times in seconds.

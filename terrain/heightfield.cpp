@@ -57,18 +57,18 @@ std::string WhyNoHeightfield(const TerrainRecord& terrain, int width, int height
   return {};
 }
 
-Heightfield MakeHeightfield(const Heightmap& map, const TerrainRecord& terrain, const TerrainScales& scales,
-                            const Matrix4& conversionMatrix) {
+Heightfield MakeHeightfield(const Heightmap& map, const TerrainRecord& terrain, double groundScale,
+                            const SceneSpace& space) {
   Heightfield field;
   field.Width = map.Width;
   field.Height = map.Height;
-  const double spacingX = terrain.TerrainScale.X * scales.Ground, spacingY = terrain.TerrainScale.Y * scales.Ground;
-  field.SpacingX = spacingX * scales.World;
-  field.SpacingZ = spacingY * scales.World;
+  const double spacingX = terrain.TerrainScale.X * groundScale, spacingY = terrain.TerrainScale.Y * groundScale;
+  field.SpacingX = spacingX * space.Scale();
+  field.SpacingZ = spacingY * space.Scale();
   const Vector3 toCorner{-map.Width / 2.0 * spacingX, -map.Height / 2.0 * spacingY, 0};
-  field.Corner = ToSceneAxes(conversionMatrix, ScaleVector(AddVector(terrain.Location, toCorner), scales.World));
+  field.Corner = space.Position(AddVector(terrain.Location, toCorner));
   field.Heights.reserve(map.Samples.size());
-  const double unitsPerSample = terrain.TerrainScale.Z / samplesPerUnit * scales.World;
+  const double unitsPerSample = terrain.TerrainScale.Z / samplesPerUnit * space.Scale();
   for (const std::uint16_t sample : map.Samples)
     field.Heights.push_back((sample - middleSample) * unitsPerSample);
   if (const TerrainLayer* layer = BaseLayer(terrain)) {

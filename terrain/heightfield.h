@@ -1,20 +1,14 @@
 #pragma once
 
 #include "images/image_file.h"
-#include "math/matrix.h"
 #include "scene/geometry_fields.h"
+#include "scene/scene_space.h"
 #include "t3d/terrain_record.h"
 
 #include <string>
 #include <vector>
 
 namespace quarvel {
-
-/// The scales that apply to a terrain, besides its own.
-struct TerrainScales {
-  double World = 1;  ///< scene units per Unreal unit
-  double Ground = 1; ///< of the spacing of the samples, not of their heights
-};
 
 /// A terrain in scene units: rows of samples, along the scene's X from the first row at the lowest Z.
 struct Heightfield {
@@ -37,9 +31,10 @@ const TerrainLayer* BaseLayer(const TerrainRecord& terrain);
 std::string WhyNoHeightfield(const TerrainRecord& terrain, int width, int height);
 
 /// A sample s stands Location.Z + (s - 32768) x TerrainScale.Z / 256 high, at Location + (index - size / 2) x
-/// TerrainScale, before the scales. A row of the image is a row along the editor's X.
-Heightfield MakeHeightfield(const Heightmap& map, const TerrainRecord& terrain, const TerrainScales& scales,
-                            const Matrix4& conversionMatrix);
+/// TerrainScale, before the scales. `groundScale` is that of the spacing of the samples, not of their heights. A row of
+/// the image is a row along the editor's X.
+Heightfield MakeHeightfield(const Heightmap& map, const TerrainRecord& terrain, double groundScale,
+                            const SceneSpace& space);
 
 /// Where the texture lies; the image's rows grow downwards, V upwards.
 TexturePoint TerrainTexturePoint(const Heightfield& field, int x, int y);

@@ -15,15 +15,14 @@ namespace {
 /// Neighbouring squares are shaded as one surface, unless the user asks for an angle of their own.
 constexpr double smoothAngle = Pi / 2;
 
-std::optional<Heightmap> LeaveOut(GeometryContext& context, const TerrainRecord& terrain, const std::string& reason) {
+std::optional<Heightmap> LeaveOut(SceneContext& context, const TerrainRecord& terrain, const std::string& reason) {
   context.Findings.Add(terrain.Header.Name, reason + "; the terrain was left out");
   return std::nullopt;
 }
 
-std::optional<Heightmap> FindHeightmap(GeometryContext& context, ResourceFiles& resources,
-                                       const TerrainRecord& terrain) {
+std::optional<Heightmap> FindHeightmap(SceneContext& context, const TerrainRecord& terrain) {
   if (terrain.TerrainMap.empty()) return LeaveOut(context, terrain, "it names no heightmap");
-  const auto file = resources.FindTextureSource(terrain.TerrainMap);
+  const auto file = context.Resources.FindTextureSource(terrain.TerrainMap);
   if (!file) return LeaveOut(context, terrain, "its heightmap " + terrain.TerrainMap + " was not found");
   // The header tells the size before memory is taken for the samples.
   if (const auto size = ReadImageSize(*file))
@@ -49,7 +48,7 @@ void WriteTexturePoints(SceneWriter& scene, const std::vector<TexturePoint>& poi
 
 /// Writes a shape of this texture; `writeFields` is handed its geometry node.
 template <typename WriteFields>
-void WriteShape(GeometryContext& context, int texture, const char* type, WriteFields writeFields) {
+void WriteShape(SceneContext& context, int texture, const char* type, WriteFields writeFields) {
   SceneNode shape = context.Scene.Open("    ", "Shape");
   context.Materials.WriteAppearance(texture, context.User);
   SceneNode geometry = context.Scene.Open("      geometry ", type);
@@ -85,7 +84,7 @@ bool HasHiddenSquare(const Heightfield& field, const TerrainRecord& terrain) {
   return false;
 }
 
-void WriteElevationGrid(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
+void WriteElevationGrid(SceneContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
   WriteShape(context, texture, "ElevationGrid", [&](SceneNode& grid) {
     grid.Field("        xDimension", std::to_string(field.Width));
     grid.Field("        zDimension", std::to_string(field.Height));
@@ -100,7 +99,7 @@ void WriteElevationGrid(GeometryContext& context, const Heightfield& field, cons
                                               "option OptionTerrainIFS leaves them out");
 }
 
-void WritePatch(GeometryContext& context, const TerrainPatch& patch, bool textured, int texture) {
+void WritePatch(SceneContext& context, const TerrainPatch& patch, bool textured, int texture) {
   SceneWriter& scene = context.Scene;
   WriteShape(context, texture, "IndexedFaceSet", [&](SceneNode& faces) {
     WriteSurfaceFields(faces, context.Settings);
@@ -111,7 +110,7 @@ void WritePatch(GeometryContext& context, const TerrainPatch& patch, bool textur
   });
 }
 
-void WriteFaceSets(GeometryContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
+void WriteFaceSets(SceneContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
   for (int top = 0; top < field.Height - 1; top += PatchSquares)
     for (int left = 0; left < field.Width - 1; left += PatchSquares) {
       const TerrainPatch patch = MakePatch(field, terrain, left, top);
@@ -121,12 +120,11 @@ void WriteFaceSets(GeometryContext& context, const Heightfield& field, const Ter
 
 } // namespace
 
-bool WriteTerrain(GeometryContext& context, ResourceFiles& resources, const TerrainRecord& terrain) {
-  const auto map = FindHeightmap(context, resources, terrain);
+bool WriteTerrain(SceneContext& context, const TerrainRecord& terrain) {
+  const auto map = FindHeightmap(context, terrain);
   if (!map) return false;
   SceneWriter& scene = context.Scene;
-  const TerrainScales scales{context.Settings.TextScale, context.Settings.TextTerrainScale};
-  const Heightfield field = MakeHeightfield(*map, terrain, scales, scene.ConversionMatrix);
+  const Heightfield field = MakeHeightfield(*map, terrain, context.Settings.TextTerrainScale, context.Space);
   const TerrainLayer* layer = BaseLayer(terrain);
   const int texture = context.Materials.TextureNumber(layer ? layer->Texture : std::string(), 0, true);
 

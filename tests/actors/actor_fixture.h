@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/actor_context.h"
+#include "actors/triggers.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ inline std::string ActorText(const std::string& header, const std::string& keys 
 /// A scene that actors are written into, at scale 1 unless `Settings` is changed before the scene is first used.
 class ActorTest : public ::testing::Test {
  protected:
-  ActorContext& Context() {
+  SceneContext& Context() {
     if (!made_) made_ = std::make_unique<Made>(Settings, Findings, Folder.Path());
     return made_->Context;
   }
@@ -52,24 +52,21 @@ class ActorTest : public ::testing::Test {
     return settings;
   }();
   Report Findings;
+  TriggerList Linked;
   TemporaryFolder Folder; ///< the scene's, with the level's folder "in" below
 
  private:
   struct Made {
     Made(const ConversionSettings& settings, Report& findings, const std::filesystem::path& folder)
         : File(folder / "level.wrl", TextCoding::AsIs),
-          Scene(File, settings.OptionFlux ? TextEncoding::X3DClassic : TextEncoding::Vrml97, settings.CheckConforming),
           Resources(settings, folder / "in" / "level.t3d", folder / "level.wrl", findings),
-          Materials(Scene, Resources, settings, "0.8 0.8 0.8"), Context{Scene,     settings, Resources,
-                                                                        Materials, User,     findings},
-          Root(Scene.Open("", "Scene", {}, {.Scope = SceneScope::Document})),
-          Group(Scene.Open("", "Group", {}, {.Scope = SceneScope::Document})) {}
+          Context(File, settings, Resources, User, findings, "0.8 0.8 0.8"),
+          Root(Context.Scene.Open("", "Scene", {}, {.Scope = SceneScope::Document})),
+          Group(Context.Scene.Open("", "Group", {}, {.Scope = SceneScope::Document})) {}
     TextFile File;
-    SceneWriter Scene;
     ResourceFiles Resources;
-    MaterialWriter Materials;
     RunInterface User;
-    ActorContext Context;
+    SceneContext Context;
     SceneNode Root, Group;
   };
 

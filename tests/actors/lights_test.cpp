@@ -190,13 +190,13 @@ TEST_F(Lights, WithASoundGiveItAPlaceOfItsOwn) {
 TEST_F(Lights, ThatAreTriggeredAreSwitched) {
   Settings.CheckOutputStaticLights = false;
   const std::string text = ActorText("Trigger Name=T", "    Event=lamp");
-  ReadTriggers(Context(), T3DLevel(text));
+  Linked = ReadTriggers(Context(), {}, T3DLevel(text));
   TriggerLightRecord light;
   static_cast<LightRecord&>(light) = Light();
   light.Header.Tag = "Lamp";
-  WriteTriggerLight(Context(), light);
+  WriteTriggerLight(Context(), Linked, light);
   EXPECT_TRUE(TextHas("  on FALSE\n"));
-  WriteTriggersAndLinks(Context());
+  WriteTriggersAndLinks(Context(), Linked);
   EXPECT_TRUE(Text().ends_with("ROUTE T.isActive TO Light0.set_on\n"));
 }
 

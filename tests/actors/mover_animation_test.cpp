@@ -52,8 +52,8 @@ TEST_P(KeyLists, HaveAsManyFractionsAsValues) {
   const int count = KeyCount(track_, KeyMode::Position);
   const std::vector<double> fractions = Numbers(KeyList(track_, count, KeyMode::Position));
   EXPECT_EQ(static_cast<int>(fractions.size()), count);
-  EXPECT_EQ(ValuesIn(PositionValues(track_, 1, MakeConversionMatrix())), count);
-  EXPECT_EQ(ValuesIn(RotationValues(track_, MakeConversionMatrix())), KeyCount(track_, KeyMode::Rotation));
+  EXPECT_EQ(ValuesIn(PositionValues(track_, SceneSpace(1))), count);
+  EXPECT_EQ(ValuesIn(RotationValues(track_, SceneSpace(1))), KeyCount(track_, KeyMode::Rotation));
   EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
   EXPECT_EQ(fractions.front(), 0);
   EXPECT_EQ(fractions.back(), count > 1 ? 1 : 0);
@@ -97,17 +97,17 @@ TEST_F(MoverAnimations, VisitTheKeysInACircleFromTheStartKey) {
   MoverAnimation track = TrackOf(3);
   track.StartKey = 2;
   track.BasePos = {1, 2, 3};
-  EXPECT_EQ(PositionValues(track, 2, MakeConversionMatrix()), "402 6.0 4.0,2 6.0 4.0,202 6.0 4.0");
+  EXPECT_EQ(PositionValues(track, SceneSpace(2)), "402 6.0 4.0,2 6.0 4.0,202 6.0 4.0");
   track.Loop = true;
-  EXPECT_EQ(ValuesIn(PositionValues(track, 2, MakeConversionMatrix())), 4);
+  EXPECT_EQ(ValuesIn(PositionValues(track, SceneSpace(2))), 4);
   track.PositionKeys.pop_back();
-  EXPECT_THROW(PositionValues(track, 2, MakeConversionMatrix()), std::out_of_range);
+  EXPECT_THROW(PositionValues(track, SceneSpace(2)), std::out_of_range);
 }
 
 TEST_F(MoverAnimations, AreWrittenInBothScenes) {
   Scene().Define("Door");
   MoverAnimation track = TrackOf(2);
-  WriteInterpolators(Scene(), "Door", track, 1);
+  WriteInterpolators(Context(), "Door", track);
   EXPECT_EQ(Text(), "DEF DoorPOSINT PositionInterpolator {\n key [0 1 ]\n keyValue [0 0 0,100 0 0 ]\n}\n"
                     "DEF DoorROTINT OrientationInterpolator {\n key [0 1 ]\n"
                     " keyValue [0 0 -1 0,0 -1 0.0 0.392699 ]\n}\n"
@@ -126,7 +126,7 @@ TEST_F(MoverAnimations, RouteOnlyWhatTheyMove) {
   Scene().Define("Door");
   MoverAnimation track = TrackOf(2);
   track.AnimatePosition = false;
-  WriteInterpolators(Scene(), "Door", track, 1);
+  WriteInterpolators(Context(), "Door", track);
   EXPECT_EQ(Text().find("Position"), std::string::npos);
   EXPECT_EQ(Scene().PendingRoutes().size(), 2u);
 }

@@ -1,6 +1,7 @@
 #include "actors/movers.h"
 #include "actors/triggers.h"
 #include "math/rotation.h"
+#include "scene/brush_placement.h"
 #include "tests/actors/actor_fixture.h"
 
 #include <cmath>
@@ -29,13 +30,13 @@ class Movers : public ActorTest {
   /// Writes the mover, whose Transform is "Mover_1", and the triggers of the level.
   void Write(const BrushRecord& mover, const std::string& level = {}) {
     const T3DLevel text(level);
-    ReadTriggers(Context(), text);
+    Linked = ReadTriggers(Context(), {}, text);
     Scene().Define("Mover_1");
     WrittenBrush written{"Mover_1"};
     GrowBounds(written.Bounds, {0, 0, 0});
     GrowBounds(written.Bounds, {100, 60, 400});
-    WriteMover(Context(), mover, written);
-    WriteTriggersAndLinks(Context());
+    WriteMover(Context(), Linked, mover, written);
+    WriteTriggersAndLinks(Context(), Linked);
   }
 
   bool Wrote(const std::string& part) { return Text().find(part) != std::string::npos; }
@@ -44,7 +45,7 @@ class Movers : public ActorTest {
 TEST_F(Movers, WaitOpenStayAndClose) {
   const MoverAnimation track = Track(doorKeys);
   const int count = KeyCount(track, KeyMode::Position);
-  EXPECT_EQ(PositionValues(track, 1, MakeConversionMatrix()), "8 0 0,8 0 0,8 100 0,8 100 0,8 0 0");
+  EXPECT_EQ(PositionValues(track, SceneSpace(1)), "8 0 0,8 0 0,8 100 0,8 100 0,8 0 0");
   EXPECT_EQ(KeyList(track, count, KeyMode::Position), "0 0.1 0.3 0.8 1 ");
   EXPECT_EQ(TotalKeyTime(track, count, KeyMode::Position), 10);
   EXPECT_FALSE(track.AnimateRotation);
@@ -143,9 +144,9 @@ TEST_F(Movers, RestWhereTheirStartKeyPutsThem) {
                                  "    Rotation=(Pitch=12288,Yaw=-49152,Roll=67636)");
   const MoverAnimation track = AnimationOf(mover, Findings);
   EXPECT_FALSE(Reported("M", "jumps"));
-  const Matrix4 conversion = MakeConversionMatrix();
-  const std::string positions = PositionValues(track, 0.02, conversion), rotations = RotationValues(track, conversion);
-  const BrushPlacement placement = PlaceBrush(mover, 0.02, conversion);
+  const SceneSpace space(0.02);
+  const std::string positions = PositionValues(track, space), rotations = RotationValues(track, space);
+  const BrushPlacement placement = PlaceBrush(mover, space);
   for (const Vector3& corner : {Vector3{100, -50, 20}, Vector3{-300, 8, 500}}) {
     const Vector3 point = TransformPoint(placement.VertexMatrix, corner);
     const Vector3 atRest = Placed(placement.Rotation, placement.Translation, point);

@@ -57,7 +57,7 @@ TEST_F(Sounds, WithoutAReferenceAreNotWritten) {
   EXPECT_EQ(WriteSound(Context(), Source("None")), "");
   WriteAmbientSound(Context(), {});
   WriteRandom({});
-  WriteTriggeredSound(Context(), {});
+  WriteTriggeredSound(Context(), Linked, {});
   EXPECT_EQ(Text(), "");
   EXPECT_EQ(Document(), "<Group/>");
   EXPECT_EQ(Findings.Counts().size(), 3u);
@@ -105,15 +105,15 @@ TEST_F(Sounds, OfAmbientActorsStandAtTheirPlace) {
 
 TEST_F(Sounds, ThatAreTriggeredWaitAndAreLinked) {
   const std::string text = ActorText("Trigger Name=T", "    Event=bell");
-  ReadTriggers(Context(), T3DLevel(text));
+  Linked = ReadTriggers(Context(), {}, T3DLevel(text));
   TriggeredAmbientSoundRecord record;
   record.Header.Name = "Bell0";
   record.Header.Tag = "Bell";
   record.AmbSound = "Sound'A.bell'";
-  WriteTriggeredSound(Context(), record);
+  WriteTriggeredSound(Context(), Linked, record);
   EXPECT_TRUE(TextHas("DEF Bell0 AudioClip  {\n   loop TRUE\n   pitch 1\n   startTime 1\n   stopTime 2\n"));
   EXPECT_TRUE(DocumentHas("startTime=\"1\" stopTime=\"2\""));
-  WriteTriggersAndLinks(Context());
+  WriteTriggersAndLinks(Context(), Linked);
   EXPECT_TRUE(Text().ends_with("ROUTE T.enterTime TO Bell0.startTime\nROUTE T.exitTime TO Bell0.stopTime\n"));
 }
 
@@ -122,11 +122,11 @@ TEST_F(Sounds, ThatAreTriggeredOnceOrOnFromTheStartDoNotWait) {
   record.Header.Name = "A";
   record.AmbSound = "Sound'A.bell'";
   record.bPlayOnceOnly = true;
-  WriteTriggeredSound(Context(), record);
+  WriteTriggeredSound(Context(), Linked, record);
   EXPECT_FALSE(TextHas("Time"));
   record.bPlayOnceOnly = false;
   record.bInitiallyOn = true;
-  WriteTriggeredSound(Context(), record);
+  WriteTriggeredSound(Context(), Linked, record);
   EXPECT_TRUE(TextHas("startTime 1"));
   EXPECT_FALSE(TextHas("stopTime"));
 }

@@ -11,10 +11,10 @@ class Triggers : public ActorTest {
   std::vector<std::string> RoutesTo(const std::string& level, const std::string& tag,
                                     const std::string& field = "enterTime") {
     const T3DLevel text(level);
-    ReadTriggers(Context(), text);
+    Linked = ReadTriggers(Context(), {}, text);
     Scene().Define("Target");
-    NoteLink(Context(), tag, field, "Target", field == "isActive" ? "set_on" : "startTime");
-    WriteTriggersAndLinks(Context());
+    NoteLink(Linked, tag, field, "Target", field == "isActive" ? "set_on" : "startTime");
+    WriteTriggersAndLinks(Context(), Linked);
     std::vector<std::string> routes;
     for (const Route& route : Scene().PendingRoutes()) {
       EXPECT_TRUE(route.InText) << route.FromNode;
@@ -51,8 +51,8 @@ TEST_F(Triggers, OfAllThreeClassesAreListedInFileOrder) {
   const std::string text = ActorText("StochasticTrigger Name=S", "    Events(3)=Far\r\n    Event=Near") +
                            ActorText("Trigger Name=T") + ActorText("TriggerSound Name=X") +
                            ActorText("ElevatorTrigger Name=E", "    bInitiallyActive=False");
-  ReadTriggers(Context(), T3DLevel(text));
-  const auto& entries = Context().Triggers.Entries;
+  Linked = ReadTriggers(Context(), {}, T3DLevel(text));
+  const auto& entries = Linked.Entries;
   ASSERT_EQ(entries.size(), 3u);
   EXPECT_EQ(entries[0].Name, "S");
   EXPECT_EQ(entries[0].Events, (std::vector<std::string>{"Near", "Far"}));
@@ -74,8 +74,8 @@ TEST_F(Triggers, LinkByEventAndTagWithoutRegardToCase) {
                             ActorText("Trigger Name=B", "    Event=\"dOOR\"") +
                             ActorText("Trigger Name=C", "    Event=Doors") + ActorText("Trigger Name=D");
   EXPECT_EQ(RoutesTo(level, "DOOR"), (Routes{"A.enterTime TO Target.startTime", "B.enterTime TO Target.startTime"}));
-  EXPECT_FALSE(NoteLink(Context(), "", "enterTime", "Target", "startTime")) << "an empty Tag is nobody's event";
-  EXPECT_FALSE(NoteLink(Context(), "Lamp", "enterTime", "Target", "startTime"));
+  EXPECT_FALSE(NoteLink(Linked, "", "enterTime", "Target", "startTime")) << "an empty Tag is nobody's event";
+  EXPECT_FALSE(NoteLink(Linked, "Lamp", "enterTime", "Target", "startTime"));
 }
 
 TEST_F(Triggers, ReachTargetsThroughDispatchersWithoutDelayDirectly) {

@@ -94,7 +94,6 @@ int CoincidingCorners(const std::string& text, const TurnChange& change) {
   const T3DLevel level(text);
   RunInterface user;
   NumberCheck check{user};
-  const Matrix4 conversion = MakeConversionMatrix();
   std::map<std::array<long, 3>, std::vector<Corner>> cells;
   const auto cellOf = [](const Vector3& p) {
     return std::array<long, 3>{std::lround(p.X), std::lround(p.Y), std::lround(p.Z)};
@@ -106,7 +105,7 @@ int CoincidingCorners(const std::string& text, const TurnChange& change) {
     if (brush.CsgOper.empty()) continue; // the builder brush stands on what it made last
     const bool tilted = IsTilted(brush.Rotation);
     change(brush.Rotation);
-    const BrushPlacement placement = PlaceBrush(brush, 1, conversion);
+    const BrushPlacement placement = PlaceBrush(brush, SceneSpace(1));
     for (const PolygonRecord& polygon : brush.Polygons)
       for (const Vector3& vertex : polygon.Vertices) {
         const Vector3 point = TransformPoint(placement.WorldMatrix, vertex);

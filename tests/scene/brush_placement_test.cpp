@@ -11,7 +11,6 @@ namespace quarvel {
 namespace {
 
 constexpr double worldScale = 0.5;
-const Matrix4 conversion = MakeConversionMatrix();
 
 /// Three axes of a turned actor in the editor's left-handed coordinates, by trigonometry alone.
 Vector3 TurnedByEditor(const Rotator3& rotation, const Vector3& p) {
@@ -100,7 +99,7 @@ TEST(BrushPlacement, ViewersPlaceBrushesAsTheEditorDoes) {
   RandomBrushes brushes;
   for (int i = 0; i < 3000; ++i) {
     const BrushRecord brush = brushes.Next();
-    const BrushPlacement placement = PlaceBrush(brush, worldScale, conversion);
+    const BrushPlacement placement = PlaceBrush(brush, SceneSpace(worldScale));
     for (int corner = 0; corner < 4; ++corner) {
       const Vector3 vertex = brushes.Point(200);
       const Vector3 expected = PlacedByEditor(brush, vertex);
@@ -120,13 +119,13 @@ TEST(BrushPlacement, ViewersPlaceBrushesAsTheEditorDoes) {
 TEST(BrushPlacement, TheTransformCarriesTheScaleWhereItCan) {
   BrushRecord brush;
   brush.MainScale = {2, 3, 4};
-  EXPECT_EQ(PlaceBrush(brush, 1, conversion).Scale, "2 4 3") << "in scene axes";
+  EXPECT_EQ(PlaceBrush(brush, SceneSpace(1)).Scale, "2 4 3") << "in scene axes";
   brush.PostScale = {1, 0.5, 1};
-  EXPECT_EQ(PlaceBrush(brush, 1, conversion).Scale, "2 4 1.5") << "the product without a rotation";
+  EXPECT_EQ(PlaceBrush(brush, SceneSpace(1)).Scale, "2 4 1.5") << "the product without a rotation";
   brush.Rotation.Yaw = 100;
-  EXPECT_EQ(PlaceBrush(brush, 1, conversion).Scale, "1 1 1") << "a scale behind a rotation";
+  EXPECT_EQ(PlaceBrush(brush, SceneSpace(1)).Scale, "1 1 1") << "a scale behind a rotation";
   brush.PostScale = {1, 1, 1};
-  EXPECT_EQ(PlaceBrush(brush, 1, conversion).Scale, "2 4 3");
+  EXPECT_EQ(PlaceBrush(brush, SceneSpace(1)).Scale, "2 4 3");
 }
 
 TEST(BrushPlacement, SnapsTheRateOfASheer) {
@@ -139,7 +138,7 @@ TEST(BrushPlacement, SnapsTheRateOfASheer) {
   // A brush of a real level: its rings stand 128 above and below its pivot.
   BrushRecord brush;
   brush.MainSheer = {SheerAxis::ZX, 0.5};
-  const BrushPlacement placement = PlaceBrush(brush, 1, conversion);
+  const BrushPlacement placement = PlaceBrush(brush, SceneSpace(1));
   EXPECT_NEAR(TransformPoint(placement.WorldMatrix, {0, 0, 128}).X, 57.6, 1e-9);
   EXPECT_NEAR(TransformPoint(placement.WorldMatrix, {0, 0, -128}).X, -57.6, 1e-9);
   EXPECT_EQ(placement.Scale, "1 1 1");

@@ -16,10 +16,9 @@ class MeshInlinesTest : public SceneFixture {
   /// Places one actor for each mesh.
   void Place(std::initializer_list<const char*> meshes) {
     Begin();
-    MeshInliner inliner(*scene_, *resources_, settings_);
     int number = 0;
     for (const char* mesh : meshes)
-      inliner.WritePlacedMesh(Actor("Actor" + std::to_string(number++)), mesh);
+      context_->Meshes.WritePlacedMesh(Actor("Actor" + std::to_string(number++)), mesh);
   }
 };
 
@@ -68,13 +67,12 @@ TEST_F(MeshInlinesTest, ScalesAreInSceneAxesAndKeepTheirSigns) {
   settings_.TextScale = {"0.5", 0.5};
   settings_.TextMeshScale = {"2", 2};
   Begin();
-  MeshInliner inliner(*scene_, *resources_, settings_);
   StaticMeshRecord actor = Actor("A");
   actor.Location = {10, 20, 30};
   actor.Rotation.Yaw = 16384;
   actor.DrawScale3D = {1, -2, 3};
   actor.DrawScale = 0.5;
-  inliner.WritePlacedMesh(actor, "Urn");
+  context_->Meshes.WritePlacedMesh(actor, "Urn");
   const pugi::xml_node transform = Element("//Transform");
   EXPECT_STREQ(transform.attribute("translation").value(), "5 15.0 10.0");
   EXPECT_STREQ(transform.attribute("scale").value(), "1 3 -2");
@@ -83,8 +81,8 @@ TEST_F(MeshInlinesTest, ScalesAreInSceneAxesAndKeepTheirSigns) {
   BrushRecord mover;
   mover.StaticMesh = "StaticMesh'Pkg.Urn'";
   mover.DrawScale = 1.5;
-  const SceneNode moved = scene_->Open("", "Transform");
-  inliner.WriteMoverMesh(mover);
+  const SceneNode moved = context_->Scene.Open("", "Transform");
+  context_->Meshes.WriteMoverMesh(mover);
   EXPECT_TRUE(Element("//Group/Transform[2]/Transform[@scale='3 3 3']/Inline[@USE]"))
       << "the mover itself stays unscaled";
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "resources/resource_files.h"
-#include "scene/brush_geometry.h"
-#include "settings/conversion_settings.h"
+#include "scene/scene_context.h"
 #include "tests/images/made_images.h"
 #include "tests/temporary_folder.h"
 
@@ -26,12 +24,13 @@ class SceneFixture : public testing::Test {
   void Begin(TextEncoding encoding = TextEncoding::Vrml97, bool conforming = false) {
     const auto out = folder_.Path() / "out/level.wrl";
     group_.reset();
+    settings_.OptionFlux = encoding == TextEncoding::X3DClassic;
+    settings_.OptionContact = encoding == TextEncoding::Contact;
+    settings_.CheckConforming = conforming;
     file_ = std::make_unique<TextFile>(out, TextCoding::AsIs);
-    scene_ = std::make_unique<SceneWriter>(*file_, encoding, conforming);
-    group_.emplace(scene_->Open("", "Group", {}, {.Scope = SceneScope::Document}));
     resources_ = std::make_unique<ResourceFiles>(settings_, folder_.Path() / "level.t3d", out, report_);
-    materials_ = std::make_unique<MaterialWriter>(*scene_, *resources_, settings_, "1 1 1");
-    geometry_ = std::make_unique<GeometryContext>(GeometryContext{*scene_, *materials_, settings_, user_, report_});
+    context_ = std::make_unique<SceneContext>(*file_, settings_, *resources_, user_, report_, "1 1 1");
+    group_.emplace(context_->Scene.Open("", "Group", {}, {.Scope = SceneScope::Document}));
   }
 
   void WriteImage(const std::string& name, const Blob& content) {
@@ -40,7 +39,7 @@ class SceneFixture : public testing::Test {
 
   /// All text written so far, without carriage returns.
   std::string Text() {
-    scene_->Flush();
+    context_->Scene.Flush();
     file_->Flush();
     std::string text = folder_.Read("out/level.wrl");
     std::erase(text, '\r');
@@ -48,10 +47,10 @@ class SceneFixture : public testing::Test {
   }
 
   pugi::xml_node Element(const std::string& path) const {
-    return scene_->SceneDocument().select_node(path.c_str()).node();
+    return context_->Scene.SceneDocument().select_node(path.c_str()).node();
   }
   std::size_t CountElements(const std::string& path) const {
-    return scene_->SceneDocument().select_nodes(path.c_str()).size();
+    return context_->Scene.SceneDocument().select_nodes(path.c_str()).size();
   }
 
   TemporaryFolder folder_;
@@ -59,11 +58,9 @@ class SceneFixture : public testing::Test {
   Report report_;
   RunInterface user_;
   std::unique_ptr<TextFile> file_;
-  std::unique_ptr<SceneWriter> scene_;
-  std::optional<SceneNode> group_; ///< around all that is written
   std::unique_ptr<ResourceFiles> resources_;
-  std::unique_ptr<MaterialWriter> materials_;
-  std::unique_ptr<GeometryContext> geometry_;
+  std::unique_ptr<SceneContext> context_;
+  std::optional<SceneNode> group_; ///< around all that is written
 };
 
 inline std::size_t CountOf(const std::string& text, const std::string& what) {

@@ -48,12 +48,12 @@ class TextureAnimationTest : public SceneFixture {
  protected:
   void WriteSurface(std::uint32_t flags) {
     WriteImage("Water.png", MadePngHead(64, 64));
-    const SceneNode shape = scene_->Open("", "Shape");
-    materials_->WriteAppearance(materials_->TextureNumber("Water", flags), user_);
+    const SceneNode shape = context_->Scene.Open("", "Shape");
+    context_->Materials.WriteAppearance(context_->Materials.TextureNumber("Water", flags), user_);
   }
   std::size_t RoutesOfDocument() {
-    scene_->WriteReadyRoutes();
-    scene_->FinishRoutes(report_);
+    context_->Scene.WriteReadyRoutes();
+    context_->Scene.FinishRoutes(report_);
     return CountElements("//ROUTE");
   }
 };
@@ -62,7 +62,7 @@ TEST_F(TextureAnimationTest, Vrml97HasAScriptWhereTheDocumentInterpolates) {
   Begin(TextEncoding::Vrml97);
   WriteSurface(SurfacePansU);
   WriteSurface(SurfacePansU);
-  WriteTextureAnimations(*scene_, *materials_, {1, 1});
+  WriteTextureAnimations(context_->Scene, context_->Materials, {1, 1});
   EXPECT_EQ(RoutesOfDocument(), 2U);
   EXPECT_TRUE(report_.Findings().empty());
   const std::string text = Text();
@@ -79,7 +79,7 @@ TEST_F(TextureAnimationTest, Vrml97HasAScriptWhereTheDocumentInterpolates) {
 TEST_F(TextureAnimationTest, X3DInterpolatesInBothScenesAndWavesClose) {
   Begin(TextEncoding::X3DClassic);
   WriteSurface(SurfaceSmallWavy);
-  WriteTextureAnimations(*scene_, *materials_, {1, 1});
+  WriteTextureAnimations(context_->Scene, context_->Materials, {1, 1});
   EXPECT_EQ(RoutesOfDocument(), 2U);
   const std::string text = Text();
   EXPECT_EQ(CountOf(text, "Script"), 0U);
@@ -91,11 +91,11 @@ TEST_F(TextureAnimationTest, X3DInterpolatesInBothScenesAndWavesClose) {
 
 TEST_F(TextureAnimationTest, AnEnclosedSceneGetsItsRoutesBehindTheEnclosure) {
   Begin(TextEncoding::Contact);
-  SceneNode enclosing = scene_->Open("", "Transform");
+  SceneNode enclosing = context_->Scene.Open("", "Transform");
   WriteSurface(SurfacePansU | SurfacePansV);
   WriteSurface(SurfacePansV);
-  WriteTextureAnimations(*scene_, *materials_, {1, 1});
-  EXPECT_EQ(CountOf(scene_->SceneText(), "ROUTE "), 0U);
+  WriteTextureAnimations(context_->Scene, context_->Materials, {1, 1});
+  EXPECT_EQ(CountOf(context_->Scene.SceneText(), "ROUTE "), 0U);
   enclosing.Close();
   EXPECT_EQ(RoutesOfDocument(), 4U);
   EXPECT_EQ(CountOf(Text(), "ROUTE "), 4U);

@@ -32,7 +32,7 @@ void ExpectNear(const Vector3& got, const Vector3& expected) {
 }
 
 TEST(Heightfield, SamplesStandWhereTheEditorHasThem) {
-  const Heightfield field = MakeHeightfield(SlopingMap(4, 3), MakeTerrain(), {0.5, 1}, MakeConversionMatrix());
+  const Heightfield field = MakeHeightfield(SlopingMap(4, 3), MakeTerrain(), 1, SceneSpace(0.5));
   // Each is Location + (index - size / 2) x 64 or 32, and 300 + (sample - 32768) x 16 / 256; times one half; (x, z, y).
   ExpectNear(ScenePoint(field, 0, 0), {436, 150, -1024});
   ExpectNear(ScenePoint(field, 3, 0), {532, 174, -1024});
@@ -42,8 +42,8 @@ TEST(Heightfield, SamplesStandWhereTheEditorHasThem) {
 
 TEST(Heightfield, TheGroundScaleLeavesHeightsAndTheMiddleAlone) {
   const Heightmap map = SlopingMap(4, 4);
-  const Heightfield plain = MakeHeightfield(map, MakeTerrain(), {0.5, 1}, MakeConversionMatrix());
-  const Heightfield wide = MakeHeightfield(map, MakeTerrain(), {0.5, 3}, MakeConversionMatrix());
+  const Heightfield plain = MakeHeightfield(map, MakeTerrain(), 1, SceneSpace(0.5));
+  const Heightfield wide = MakeHeightfield(map, MakeTerrain(), 3, SceneSpace(0.5));
   EXPECT_EQ(wide.Heights, plain.Heights);
   EXPECT_DOUBLE_EQ(wide.SpacingX, 3 * plain.SpacingX);
   ExpectNear(ScenePoint(wide, 2, 2), ScenePoint(plain, 2, 2));
@@ -72,13 +72,13 @@ TEST(Heightfield, TheBaseLayerIsTheFirstWithATexture) {
                        .ZPlane = {},
                        .WPlane = {}};
   EXPECT_EQ(BaseLayer(terrain), &terrain.Layers[4]);
-  const Heightfield field = MakeHeightfield(SlopingMap(4, 4), terrain, {}, MakeConversionMatrix());
+  const Heightfield field = MakeHeightfield(SlopingMap(4, 4), terrain, 1, SceneSpace(1));
   EXPECT_EQ(TerrainTexturePoint(field, 2, 3), (TexturePoint{0.25, -0.75}));
 }
 
 TEST(TerrainPatch, CoversEverySquareOnceAndFacesUp) {
   const TerrainRecord terrain = MakeTerrain();
-  const Heightfield field = MakeHeightfield(SlopingMap(70, 66), terrain, {}, MakeConversionMatrix());
+  const Heightfield field = MakeHeightfield(SlopingMap(70, 66), terrain, 1, SceneSpace(1));
   double area = 0;
   for (const int top : {0, PatchSquares})
     for (const int left : {0, PatchSquares}) {
@@ -101,7 +101,7 @@ TEST(TerrainPatch, CoversEverySquareOnceAndFacesUp) {
 
 TEST(TerrainPatch, LeavesHiddenSquaresOut) {
   TerrainRecord terrain = MakeTerrain();
-  const Heightfield field = MakeHeightfield(SlopingMap(20, 4), terrain, {}, MakeConversionMatrix());
+  const Heightfield field = MakeHeightfield(SlopingMap(20, 4), terrain, 1, SceneSpace(1));
   EXPECT_EQ(MakePatch(field, terrain, 0, 0).Faces.size(), 2U * 19 * 3);
   // Squares are counted along the samples, 20 to a row: number 33 is the square (13, 1), number 19 none at all.
   terrain.QuadVisibilityBitmap = {1U << 19U, 1U << 1U};

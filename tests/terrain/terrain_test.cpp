@@ -45,7 +45,7 @@ class TerrainTest : public SceneFixture {
   }
   bool Write() {
     Begin();
-    return WriteTerrain(*geometry_, *resources_, terrain_);
+    return WriteTerrain(*context_, terrain_);
   }
   void Add(Surface& surface, double x, double z, const std::array<double, 3>& value) {
     const auto [at, isNew] = surface.try_emplace({std::lround(x * 100), std::lround(z * 100)}, value);
@@ -67,7 +67,7 @@ class TerrainTest : public SceneFixture {
   }
   Surface FaceSetSurface() {
     Surface surface;
-    for (const pugi::xpath_node& at : scene_->SceneDocument().select_nodes("//IndexedFaceSet")) {
+    for (const pugi::xpath_node& at : context_->Scene.SceneDocument().select_nodes("//IndexedFaceSet")) {
       const std::vector<double> points = Numbers(at.node().child("Coordinate").attribute("point").value());
       const std::vector<double> texture = Numbers(at.node().child("TextureCoordinate").attribute("point").value());
       EXPECT_EQ(points.size() / 3, texture.size() / 2);
@@ -130,7 +130,7 @@ TEST_F(TerrainTest, ATerrainWithoutAUsableHeightmapIsLeftOut) {
   terrain_.TerrainMap.clear();
   EXPECT_FALSE(Write());
   EXPECT_EQ(report_.Findings().size(), 3U);
-  EXPECT_EQ(scene_->SceneText(), "");
+  EXPECT_EQ(context_->Scene.SceneText(), "");
   EXPECT_EQ(CountElements("//Group/*"), 0U);
 }
 
