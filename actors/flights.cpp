@@ -32,7 +32,7 @@ std::vector<std::vector<PathPoint>> GroupByTag(const std::vector<InterpolationPo
 double DurationFrom(const InterpolationPointRecord& point, Report& findings) {
   // A rate that makes a segment last for a day is no rate either.
   if (point.RateModifier > 1e-5) return 1 / point.RateModifier;
-  findings.Add(point.Header.Name, "its RateModifier is not above 0; it was taken as 1");
+  findings.Add(FindingCode::NoRate, point.Header.Name);
   return 1;
 }
 
@@ -51,7 +51,7 @@ Flight FlightAlong(const std::vector<PathPoint>& path, Report& findings) {
     segment.Duration = DurationFrom(*path[i], findings);
     flight.Segments.push_back(segment);
   }
-  if (last == 0) findings.Add(flight.Source, "its path has one point only, so its camera stands still");
+  if (last == 0) findings.Add(FindingCode::PathOfOnePoint, flight.Source);
   return flight;
 }
 
@@ -116,8 +116,7 @@ Flight FlightOfScene(const SceneManagerRecord& scene, const std::vector<Interpol
   flight.Source = scene.Header.Name;
   flight.Loop = scene.bLooping;
   flight.HasActions = true;
-  if (scene.MissingActions > 0)
-    findings.Add(flight.Source, std::to_string(scene.MissingActions) + " of its actions are not in the file");
+  if (scene.MissingActions > 0) findings.Add(FindingCode::MissingActions, flight.Source, scene.MissingActions);
   for (const SceneActionRecord& action : scene.Actions) {
     const PathPoint target = action.Kind == SceneActionKind::MoveCamera ? FindPoint(points, action.IntPoint) : nullptr;
     const double duration = std::clamp(action.Duration, 0.0, 1e6);
@@ -126,7 +125,7 @@ Flight FlightOfScene(const SceneManagerRecord& scene, const std::vector<Interpol
     if (action.Kind == SceneActionKind::Pause) {
       if (!flight.Segments.empty()) flight.Segments.push_back(Pause(place, rotation, duration));
     } else if (target == nullptr) {
-      findings.Add(flight.Source, "one of its actions moves to " + action.IntPoint + ", which does not exist");
+      findings.Add(FindingCode::UnknownPoint, flight.Source, action.IntPoint);
     } else if (flight.Segments.empty()) {
       flight.Start = target->Location;
       flight.StartRotation = target->Rotation;
@@ -135,8 +134,7 @@ Flight FlightOfScene(const SceneManagerRecord& scene, const std::vector<Interpol
       flight.Segments.push_back(Move(place, *target, action, duration));
     }
   }
-  if (flight.Segments.size() == 1)
-    findings.Add(flight.Source, "its path has one point only, so its camera stands still");
+  if (flight.Segments.size() == 1) findings.Add(FindingCode::PathOfOnePoint, flight.Source);
   return flight;
 }
 

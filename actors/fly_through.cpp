@@ -16,7 +16,7 @@ constexpr double reach = 1e6; ///< scene units; beyond any level
 double UsableStep(SceneContext& context) {
   const double step = context.Settings.TextBezierSubD;
   if (step > 0 && step <= 0.5) return std::max(step, 0.01);
-  context.Findings.Add("TextBezierSubD", "the step " + FormatFlt(step) + " is not between 0 and 0.5; 0.1 was taken");
+  context.Findings.Add(FindingCode::StepOutOfRange, "TextBezierSubD", FormatFlt(step));
   return 0.1;
 }
 

@@ -33,7 +33,7 @@ bool HasSpriteTexture(std::string_view texture) { return !texture.empty() && !Sa
 bool HasSprite(SceneContext& context, const DisplayBlock& display, const std::string& actor) {
   if (!HasSpriteTexture(display.Texture)) return false;
   if (display.DrawScale > 0) return true;
-  context.Findings.Add(actor, "its sprite has no size and was left out");
+  context.Findings.Add(FindingCode::SpriteWithoutSize, actor);
   return false;
 }
 

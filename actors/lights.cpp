@@ -49,9 +49,7 @@ LightPlan PlanLight(SceneContext& context, const LightRecord& light, const Light
   plan.Saturation = within(light.LightSaturation, 0, 255);
   if (light.Kind != LightKind::Directional) plan.Radius = within(light.LightRadius, -1, 1e9);
   if (light.Kind == LightKind::Spot) plan.Cone = within(light.LightCone, 1, 255);
-  if (!inRange)
-    context.Findings.Add(light.Header.Name,
-                         "its brightness, saturation, radius or cone is out of range and was clamped");
+  if (!inRange) context.Findings.Add(FindingCode::LightOutOfRange, light.Header.Name);
   return plan;
 }
 
@@ -149,7 +147,7 @@ std::string WriteLightFor(SceneContext& context, const LightRecord& light, const
   if (settings.CheckIgnoreBlackLight && light.LightBrightness == 0) return {};
   LightPlan plan = PlanLight(context, light, use);
   const bool written = settings.CheckOutputStaticLights || light.bDynamicLight || use.AlwaysWritten || Flickers(light);
-  if (!written) context.Findings.Count("static lights left out (CheckOutputStaticLights writes them)");
+  if (!written) context.Findings.Count(FindingCode::StaticLights);
   const bool hasSprite = HasSprite(context, light.Display, light.Header.Name);
   if (!written && !hasSprite) return {};
 
@@ -194,7 +192,7 @@ void WriteGlobalAmbientLight(SceneContext& context, const ZoneBlock& zone, const
 
 void WriteFlare(SceneContext& context, const DisplayRecord& flare) {
   if (!HasSprite(context, flare.Display, flare.Header.Name))
-    return context.Findings.Count("flares left out because they have no texture of their own");
+    return context.Findings.Count(FindingCode::FlaresWithoutTexture);
   WritePlacedSprite(context, flare.Display, flare.Location, context.Scene.TakeName(LightDefName(flare.Header)));
 }
 

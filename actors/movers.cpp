@@ -40,7 +40,7 @@ MoverAnimation SpinOf(const BrushRecord& mover, Report& findings) {
   track.BaseRot = mover.Rotation;
   track.CycleInterval = rate == 0 ? standstillInterval : 1024 / std::fabs(rate) * 60 / 3;
   if (rate == 0) {
-    findings.Add(NameOf(mover), "its rotation rate is zero, so it stands still");
+    findings.Add(FindingCode::NoRotationRate, NameOf(mover));
     return track;
   }
   track.RotationKeys[1].*axis = rate > 0 ? third : twoThirds;
@@ -72,7 +72,7 @@ void AddOpening(MoverAnimation& track, const BrushRecord& mover, int keys) {
 
 double UsableMoveTime(const BrushRecord& mover, Report& findings) {
   if (mover.MoveTime > 0) return std::min(mover.MoveTime, longestTime);
-  findings.Add(NameOf(mover), "its MoveTime is not above 0; it was taken as 0.01 seconds");
+  findings.Add(FindingCode::NoMoveTime, NameOf(mover));
   return shortestMoveTime;
 }
 
@@ -116,19 +116,13 @@ bool TurnsTooFar(const MoverAnimation& track) {
 
 void ReportKeys(const BrushRecord& mover, const MoverAnimation& track, Report& findings) {
   const std::string& name = NameOf(mover);
-  if (mover.NumKeys < 1) findings.Add(name, "its NumKeys is " + std::to_string(mover.NumKeys) + "; it was taken as 1");
-  if (mover.UnusedKeys > 0)
-    findings.Add(name, std::to_string(mover.UnusedKeys) + " of its keys lie beyond NumKeys and were left out");
+  if (mover.NumKeys < 1) findings.Add(FindingCode::NoKeys, name, mover.NumKeys);
+  if (mover.UnusedKeys > 0) findings.Add(FindingCode::UnusedKeys, name, mover.UnusedKeys);
   if (mover.KeyNum < 0 || mover.KeyNum >= track.PositionKeyCount)
-    findings.Add(name, "it rests at key " + std::to_string(mover.KeyNum) + ", which it has not; key " +
-                           std::to_string(track.StartKey) + " was taken");
-  if (track.StartKey != 0 && track.AnimatePosition)
-    findings.Add(name, "it was exported at rest in key " + std::to_string(track.StartKey) +
-                           ", so that its key 0 has the same place");
-  if (!StartsAtRest(mover, track))
-    findings.Add(name, "it does not stand where its keys begin, so it jumps there when it starts");
-  if (TurnsTooFar(track))
-    findings.Add(name, "it turns further than half a turn from key to key, where viewers take the shorter way");
+    findings.Add(FindingCode::RestsAtUnknownKey, name, mover.KeyNum, track.StartKey);
+  if (track.StartKey != 0 && track.AnimatePosition) findings.Add(FindingCode::RestsAtOtherKey, name, track.StartKey);
+  if (!StartsAtRest(mover, track)) findings.Add(FindingCode::JumpsAtStart, name);
+  if (TurnsTooFar(track)) findings.Add(FindingCode::TurnsTooFar, name);
 }
 
 void WriteTouchSensor(SceneContext& context, const BrushRecord& mover, const WrittenBrush& written,
@@ -147,7 +141,7 @@ void WriteStart(SceneContext& context, TriggerList& triggers, const BrushRecord&
   if (NoteLink(triggers, mover.Header.Tag, "enterTime", timer, "startTime")) return;
   if (IsState(mover, "StandOpenTimed") || IsState(mover, "BumpButton"))
     return WriteTouchSensor(context, mover, written, timer);
-  if (!loops) context.Findings.Add(NameOf(mover), "no trigger starts it, so it never moves");
+  if (!loops) context.Findings.Add(FindingCode::NeverTriggered, NameOf(mover));
 }
 
 } // namespace
@@ -172,11 +166,9 @@ TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, double marg
 
 void WriteMover(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written) {
   const MoverAnimation track = AnimationOf(mover, context.Findings);
-  if (!mover.AttachTag.empty())
-    context.Findings.Add(NameOf(mover),
-                         "the actors that it carries along, tagged " + mover.AttachTag + ", stay where they are");
+  if (!mover.AttachTag.empty()) context.Findings.Add(FindingCode::AttachedActorsStay, NameOf(mover), mover.AttachTag);
   if (!track.AnimatePosition && !track.AnimateRotation)
-    return context.Findings.Add(NameOf(mover), "it has no keys, so it never moves");
+    return context.Findings.Add(FindingCode::NeverMoves, NameOf(mover));
   WriteInterpolators(context, written.Name, track);
   WriteStart(context, triggers, mover, written, track.Loop);
 }

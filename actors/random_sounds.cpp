@@ -22,7 +22,7 @@ struct PickTimes {
 
 PickTimes TimesOf(SceneContext& context, const DynamicAmbientSoundRecord& record) {
   if (record.minReCheckTime < 0 || record.maxReCheckTime < 0 || record.playProbability < 0)
-    context.Findings.Add(record.Header.Name, "a time or probability below zero was taken as zero");
+    context.Findings.Add(FindingCode::RandomSoundOutOfRange, record.Header.Name);
   return {std::max(record.playProbability, 0.0), std::max(record.minReCheckTime, 0.0),
           std::max(record.maxReCheckTime, 0.0)};
 }
@@ -133,7 +133,7 @@ std::vector<std::string> WriteClips(SceneContext& context, const DynamicAmbientS
 
 void WriteRandomSounds(SceneContext& context, const DynamicAmbientSoundRecord& record) {
   const std::vector<std::string> sounds = SoundsOf(record);
-  if (sounds.empty()) return context.Findings.Count("random sounds left out because they name no sound");
+  if (sounds.empty()) return context.Findings.Count(FindingCode::RandomSoundsWithoutSound);
   const PickTimes times = TimesOf(context, record);
   SceneWriter& scene = context.Scene;
   const std::string group = TakeActorName(context, record.Header, "DYNAMBSOUND_");

@@ -19,7 +19,7 @@ struct SoundValues {
 
 SoundValues ValuesOf(SceneContext& context, const SoundBlock& block, const std::string& actor) {
   if (block.SoundVolume < 0 || block.SoundVolume > 255 || block.SoundPitch < 1 || block.SoundRadius < -1)
-    context.Findings.Add(actor, "its sound's volume, pitch or radius is out of range and was clamped");
+    context.Findings.Add(FindingCode::SoundOutOfRange, actor);
   SoundValues values;
   values.Intensity = FormatFlt(std::clamp<int>(block.SoundVolume, 0, 255) / 255.0);
   values.Pitch = FormatFlt(std::max<int>(block.SoundPitch, 1) / 64.0);
@@ -67,8 +67,7 @@ std::string WriteSource(SceneContext& context, const SoundSource& sound, const s
   WrittenClip& clip = context.Clips[LowerCase(fileName)];
   if (!clip.Name.empty()) {
     context.Scene.Use("  source ", "AudioClip", clip.Name);
-    if (clip.Pitch != pitch)
-      context.Findings.Add(sound.Name, "it plays at the pitch of another sound of the same file");
+    if (clip.Pitch != pitch) context.Findings.Add(FindingCode::SharedPitch, sound.Name);
     return clip.Name;
   }
   clip = {context.Scene.TakeName(MakeDefName("AC_" + fileName)), pitch};
@@ -105,7 +104,7 @@ SceneNode OpenSoundPlace(SceneContext& context, const Vector3& location) {
 
 void WriteAmbientSound(SceneContext& context, const AmbientSoundRecord& sound) {
   if (SoundFileName(sound.Sound.AmbientSound).empty())
-    return context.Findings.Count("ambient sounds left out because they name no sound");
+    return context.Findings.Count(FindingCode::AmbientSoundsWithoutSound);
   const SceneNode place = OpenSoundPlace(context, sound.Location);
   SoundSource source;
   source.Block = sound.Sound;
@@ -123,7 +122,7 @@ void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const Tri
   source.InitiallyOn = sound.bInitiallyOn;
   source.WaitsForTrigger = source.Loop && !sound.bInitiallyOn;
   if (SoundFileName(source.Block.AmbientSound).empty())
-    return context.Findings.Count("triggered sounds left out because they name no sound");
+    return context.Findings.Count(FindingCode::TriggeredSoundsWithoutSound);
   SceneNode place = OpenSoundPlace(context, sound.Location);
   const std::string clip = WriteSound(context, source);
   place.Close();

@@ -135,9 +135,9 @@ int FindDestination(SceneContext& context, const std::vector<TeleporterRecord>& 
   const TeleporterRecord& teleporter = teleporters[from];
   if (teleporter.URL.empty()) return -1;
   const TeleportTarget target = ParseTeleportURL(teleporter.URL);
-  const auto report = [&](const std::string& reason) { context.Findings.Add(teleporter.Header.Name, reason); };
+  const auto report = [&](FindingCode code) { context.Findings.Add(code, teleporter.Header.Name, teleporter.URL); };
   if (!target.Map.empty() && !SameText(target.Map, levelName)) {
-    report("it leads to another level, " + teleporter.URL);
+    report(FindingCode::LeadsToOtherLevel);
     return -1;
   }
   int found = -1, others = 0;
@@ -148,9 +148,8 @@ int FindDestination(SceneContext& context, const std::vector<TeleporterRecord>& 
     else
       ++others;
   }
-  if (found < 0) report("there is no teleporter with the Tag that it leads to, " + teleporter.URL);
-  if (others > 0)
-    report("several teleporters have the Tag that it leads to, " + teleporter.URL + "; the first was taken");
+  if (found < 0) report(FindingCode::NoDestination);
+  if (others > 0) report(FindingCode::SeveralDestinations);
   return found;
 }
 

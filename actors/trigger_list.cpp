@@ -23,13 +23,13 @@ const std::vector<Value>& LookUp(const std::map<std::string, std::vector<Value>>
 
 void TriggerList::AddDispatcher(const DispatcherRecord& record, Report& findings) {
   if (Dispatchers.size() == maxDispatchers) {
-    findings.Count("dispatchers left out because there are more than " + std::to_string(maxDispatchers));
+    findings.Count(FindingCode::TooManyDispatchers, maxDispatchers);
     return;
   }
   DispatcherEntry entry{record.Header.Name, record.Header.Tag, record.OutEvents, {}, false, {}};
   double sum = 0; // each delay counts from the entry before it
   for (std::size_t i = 0; i < entry.Delays.size(); ++i) {
-    if (record.OutDelays[i] < 0) findings.Add(entry.Name, "a delay below zero was taken as none");
+    if (record.OutDelays[i] < 0) findings.Add(FindingCode::DelayBelowZero, entry.Name);
     sum += std::max(record.OutDelays[i], 0.0);
     entry.Delays[i] = sum;
   }
@@ -60,7 +60,7 @@ void TriggerList::FollowFrom(std::size_t dispatcher, std::vector<int>& states, R
   for (std::size_t i = 0; i < Dispatchers[dispatcher].OutEvents.size(); ++i)
     for (const std::size_t next : LookUp(dispatchersByTag_, Dispatchers[dispatcher].OutEvents[i])) {
       if (states[next] == OnTheWay) {
-        findings.Add(Dispatchers[dispatcher].Name, "one of its events comes back to it; the circle was cut");
+        findings.Add(FindingCode::DispatcherCircle, Dispatchers[dispatcher].Name);
         continue;
       }
       Dispatchers[next].Feeders.push_back({dispatcher, i});

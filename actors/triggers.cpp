@@ -75,8 +75,7 @@ class LinkWriter {
 
   void ResolveLink(const TriggerLink& link, const TriggerSource& source) {
     if (!source.IsSensor && link.FromField == "isActive") {
-      context_.Findings.Add(link.ToNode,
-                            "a dispatcher's delay stands before it, which cannot be converted; it is not switched");
+      context_.Findings.Add(FindingCode::DelayedSwitch, link.ToNode);
       return;
     }
     const LinkEnd from = EndOf(source, link.FromField);
@@ -160,9 +159,9 @@ class LinkWriter {
 std::string SensorSize(SceneContext& context, const TriggerBox& trigger, const std::string& name) {
   const double scale = context.Space.Scale();
   if (trigger.CollisionRadius < 0 || trigger.CollisionHeight < 0)
-    context.Findings.Add(name, "its size is below zero and was taken as zero");
+    context.Findings.Add(FindingCode::TriggerSizeBelowZero, name);
   const double radius = std::max(trigger.CollisionRadius, 0.0), height = std::max(trigger.CollisionHeight, 0.0);
-  if (radius == 0 || height == 0) context.Findings.Add(name, "its size is zero, so that nobody can enter it");
+  if (radius == 0 || height == 0) context.Findings.Add(FindingCode::TriggerWithoutSize, name);
   return FormatVec({radius * scale, height * scale, (radius + radius) * scale});
 }
 

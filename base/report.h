@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+#include <initializer_list>
 #include <map>
 #include <set>
 #include <string>
@@ -9,30 +11,74 @@
 
 namespace quarvel {
 
+/// What a finding means for the scene.
+enum class Severity {
+  Note,    ///< the scene shows all there is
+  Changed, ///< the scene shows something else than the level says
+  Lost,    ///< the scene lacks something
+};
+
+/// Everything that a run may have to tell. A new one is one line of the list that is included here.
+enum class FindingCode {
+#define FINDING(code, severity, text) code,
+#include "base/finding_codes.inc"
+#undef FINDING
+};
+
+/// The code's own name.
+std::string_view NameOf(FindingCode code);
+Severity SeverityOf(FindingCode code);
+/// "note", "changed" or "lost".
+std::string_view NameOf(Severity severity);
+/// The code's text with the details in their places.
+std::string TextOf(FindingCode code, std::initializer_list<std::string> details = {});
+
 /// One thing that a run could not read, find or resolve.
 struct Finding {
+  FindingCode Code{};
   std::string Actor;  ///< the actor's name, or the file's, or empty
   std::string Reason; ///< one clause, lower case, without a full stop
 };
 
-/// Collects what a run has to tell at its end: findings, and how often something was left out.
+/// How often something was left out for one reason.
+struct CountedFinding {
+  FindingCode Code{};
+  int Count = 0;
+};
+
+/// Collects what a run has to tell at its end. Details are what stands for the {} of a code's text: texts or whole
+/// numbers.
 class Report {
  public:
   /// Notes a finding once, however often it is met.
-  void Add(std::string_view actor, std::string_view reason) {
-    if (seen_.emplace(actor, reason).second) findings_.push_back({std::string(actor), std::string(reason)});
+  template <typename... Details>
+  void Add(FindingCode code, std::string_view actor, const Details&... details) {
+    Note(code, actor, TextOf(code, {DetailText(details)...}));
   }
 
-  /// Adds to the count of things left out for one reason ("brushes left out as subtractive").
-  void Count(std::string_view what, int by = 1) { counts_[std::string(what)] += by; }
+  /// What has no code of its own.
+  void Add(std::string_view actor, std::string_view text) { Note(FindingCode::Other, actor, std::string(text)); }
+  void Add(const Finding& finding) { Note(finding.Code, finding.Actor, finding.Reason); }
+
+  /// Counts something that is left out.
+  template <typename... Details>
+  void Count(FindingCode code, const Details&... details) {
+    CountedFinding& counted = counts_[TextOf(code, {DetailText(details)...})];
+    counted.Code = code;
+    ++counted.Count;
+  }
 
   const std::vector<Finding>& Findings() const { return findings_; }
-  const std::map<std::string, int>& Counts() const { return counts_; }
+  const std::map<std::string, CountedFinding>& Counts() const { return counts_; } ///< by text
 
  private:
+  static std::string DetailText(std::string_view text) { return std::string(text); }
+  static std::string DetailText(std::integral auto number) { return std::to_string(number); }
+  void Note(FindingCode code, std::string_view actor, std::string text);
+
   std::vector<Finding> findings_;
   std::set<std::pair<std::string, std::string>> seen_;
-  std::map<std::string, int> counts_;
+  std::map<std::string, CountedFinding> counts_;
 };
 
 } // namespace quarvel

@@ -230,7 +230,7 @@ std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const Co
                       : job.Refusal.empty() ? convert(job.InFile, job.OutFile, runSettings, store, memory, user)
                                             : RefusedResult(job));
     if (!job.PassedOver.empty())
-      results.back().Findings.Add(job.PassedOver.filename().string(), "was passed over, as its level is there as .t3d");
+      results.back().Findings.Add(FindingCode::PassedOverForT3D, job.PassedOver.filename().string());
     if (events.Finished) events.Finished(job, results.back());
     if (results.back().Outcome == RunOutcome::Stopped) return results;
   }

@@ -71,24 +71,27 @@ void CheckOutputs(const SceneFileNames& files, const ConversionSettings& setting
   if (settings.CheckXMLtoo) CheckWritable(files.Copy);
 }
 
-void SaveDocument(RunState& run, const fs::path& path, XMLFaults& faults) {
+/// Remembers a file that was just written, under its name and in the list of all.
+void NoteFile(RunResult& result, fs::path& name, const fs::path& path) {
+  name = path;
+  result.FilesWritten.push_back(path);
+}
+
+void SaveDocument(RunState& run, const fs::path& path, fs::path& name, XMLFaults& faults) {
   if (!SaveXML(run.Context.Scene.SceneDocument(), path, run.Context.Scene.Conforming(), faults))
     throw RunFailed{Display(path) + " cannot be written"};
-  run.Result.FilesWritten.push_back(path);
+  NoteFile(run.Result, name, path);
 }
 
 void ReportFaults(RunState& run, const XMLFaults& faults) {
-  constexpr const char* advice = "; the option CheckConforming avoids it";
   Report& report = run.Result.Findings;
-  if (faults.Markup)
-    report.Add("", std::string("the .x3d holds characters (' & <) that strict XML readers refuse") + advice);
-  if (faults.Characters)
-    report.Add("", std::string("the .x3d holds characters beyond plain ASCII that strict XML readers refuse") + advice);
+  if (faults.Markup) report.Add(FindingCode::MarkupInDocument, "");
+  if (faults.Characters) report.Add(FindingCode::CharactersInDocument, "");
   for (const std::string& quirk : run.Context.Scene.Quirks())
-    report.Add(quirk, std::string("strict viewers may refuse what follows") + advice);
+    report.Add(FindingCode::StrictViewersRefuse, quirk);
 }
 
-void CloseScene(RunState& run, const SceneFileNames& files) {
+void CloseScene(RunState& run, const SceneFileNames& files, SceneFileNames& written) {
   run.Context.Scene.WriteReadyRoutes();
   FlushBlock(run);
   run.Context.Scene.FinishRoutes(run.Result.Findings);
@@ -97,21 +100,21 @@ void CloseScene(RunState& run, const SceneFileNames& files) {
     fs::remove(run.File.Path(), error); // half a scene is worse than none
     throw RunFailed{Display(run.File.Path()) + " cannot be written"};
   }
-  run.Result.FilesWritten.push_back(run.File.Path());
+  NoteFile(run.Result, written.Text, run.File.Path());
   XMLFaults faults;
-  if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, faults);
-  SaveDocument(run, files.Document, faults);
+  if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, written.Copy, faults);
+  SaveDocument(run, files.Document, written.Document, faults);
   ReportFaults(run, faults);
 }
 
 /// Writes one scene from its header to its end.
-void WriteScene(RunState& run, const SceneFileNames& files) {
+void WriteScene(RunState& run, const SceneFileNames& files, SceneFileNames& written) {
   WriteTextHeader(run.Context.Scene, run.Context.Settings);
   WritePrototypes(run);
   SceneFrame frame(run.Context.Scene, run.Context.Settings, files.Document.stem().string());
   MakePasses(run);
   frame.CloseContent();
-  CloseScene(run, files);
+  CloseScene(run, files, written);
   run.Result.UniqueMaterials += run.Context.Materials.UniqueMaterialCount();
 }
 
@@ -119,7 +122,7 @@ void WriteSkyScene(const SkyScene& sky, RunState& world) {
   const ScenePart part{ScenePart::Kind::Sky, sky.Zone.Location};
   RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Context.Resources, world.Context.User,
                world.Result);
-  WriteScene(run, sky.Files);
+  WriteScene(run, sky.Files, run.Result.SkyScene);
 }
 
 void WritePreloadScript(RunState& run, const fs::path& outFile) {
@@ -130,7 +133,7 @@ void WritePreloadScript(RunState& run, const fs::path& outFile) {
   TextFile file(path, TextCoding::AsIs);
   file.Append(run.Result.PreloadScript);
   if (!file.Flush()) throw RunFailed{Display(path) + " cannot be written"};
-  run.Result.FilesWritten.push_back(path);
+  NoteFile(run.Result, run.Result.PreloadFile, path);
 }
 
 void WriteReports(RunState& run, const fs::path& outFile) {
@@ -140,6 +143,7 @@ void WriteReports(RunState& run, const fs::path& outFile) {
   result.Messages.insert(result.Messages.end(), lists.Messages.begin(), lists.Messages.end());
   for (const std::string& message : lists.Messages)
     run.Context.User.ShowMessage(message);
+  result.MissingLists = lists.FilesWritten;
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
   WritePreloadScript(run, outFile);
   std::vector<std::string> errors = lists.Errors;
@@ -153,7 +157,7 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   const SceneFileNames files = DeriveSceneFileNames(outFile, settings);
   LoadText(inFile, settings, memory, user);
   for (const Finding& fault : memory.SourceFaults)
-    result.Findings.Add(fault.Actor, fault.Reason);
+    result.Findings.Add(fault);
   const T3DLevel level(memory.T3DText, fs::path(memory.LoadedFileName).stem().string());
   if (const std::string why = WhyUnsupported(level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
   CheckOutputs(files, settings);
@@ -164,7 +168,7 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
   RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, resources, user, result);
-  WriteScene(run, files);
+  WriteScene(run, files, result.Scene);
   result.Bounds = run.Bounds;
   if (sky) WriteSkyScene(*sky, run);
   WriteReports(run, outFile);

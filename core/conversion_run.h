@@ -14,6 +14,13 @@ namespace quarvel {
 
 class SettingsStore;
 
+/// The names of the scenes of one run (and of the optional copy).
+struct SceneFileNames {
+  std::filesystem::path Text;     ///< ".wrl" or ".x3dv"; with "-" before it when `CheckAppendDash` applies
+  std::filesystem::path Document; ///< ".x3d", always without the dash
+  std::filesystem::path Copy;     ///< ".xml"; written only with `CheckXMLtoo`
+};
+
 enum class RunOutcome {
   Done,    ///< the scene is complete
   Failed,  ///< the input could not be read or an output not be written; `RunResult::Error` says what
@@ -26,7 +33,11 @@ struct RunResult {
   std::string Error; ///< one sentence without a full stop; empty unless `Failed`
 
   std::filesystem::path InputFile;
-  std::vector<std::filesystem::path> FilesWritten; ///< scenes, lists of missing resources, scripts; in this order
+  SceneFileNames Scene;    ///< as far as they were written; a path is empty where nothing was. So are those below
+  SceneFileNames SkyScene; ///< of the sky, where that is a scene of its own
+  std::vector<std::filesystem::path> MissingLists;
+  std::filesystem::path PreloadFile;
+  std::vector<std::filesystem::path> FilesWritten; ///< all of them, in the order of writing
   std::vector<std::string> Messages;               ///< the message texts that a window shows in boxes
   PerKind<std::vector<std::string>> Missing;       ///< what was looked for and not found; sorted, each once
   std::string PreloadScript;                       ///< empty unless asked for
@@ -46,13 +57,6 @@ struct RunMemory {
   std::map<std::string, std::string> TextureNames; ///< what the level's package tells beyond the text
   std::vector<Finding> SourceFaults;               ///< what of that package could not be read
   std::map<std::string, std::string> SkyScenes;    ///< every sky scene written, and the level that it belongs to
-};
-
-/// The two names that a run gives its scenes (and the optional copy).
-struct SceneFileNames {
-  std::filesystem::path Text;     ///< ".wrl" or ".x3dv"; with "-" before it when `CheckAppendDash` applies
-  std::filesystem::path Document; ///< ".x3d", always without the dash
-  std::filesystem::path Copy;     ///< ".xml"; written only with `CheckXMLtoo`
 };
 
 /// Derives the scenes' names from the requested output name, whose extension is replaced.

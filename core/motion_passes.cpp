@@ -32,7 +32,7 @@ std::vector<Flight> PlanFlights(RunState& run, const std::vector<InterpolationPo
 void ReportSpecialEvents(RunState& run) {
   if (!run.Level.LegacyFormat) return;
   for (const SpecialEventRecord& event : ReadAll(run, ActorFamily::SpecialEvent, ReadSpecialEvent))
-    run.Result.Findings.Add(event.Header.Name, "what it does is not converted but for the flight along a path");
+    run.Result.Findings.Add(FindingCode::SpecialEvent, event.Header.Name);
 }
 
 } // namespace

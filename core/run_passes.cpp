@@ -44,9 +44,9 @@ bool IsChosen(const RunState& run, const BrushRecord& brush) {
 void SkipBrush(RunState& run, const BrushRecord& brush) {
   run.Context.User.ShowItem("skipping brush");
   if (brush.CsgOper == "CSG_Subtract")
-    run.Result.Findings.Count("brushes left out as subtractive");
+    run.Result.Findings.Count(FindingCode::SubtractiveBrushes);
   else if (!brush.CsgOper.empty() && !IsAdditive(brush))
-    run.Result.Findings.Count("brushes left out as " + brush.CsgOper);
+    run.Result.Findings.Count(FindingCode::OtherBrushes, brush.CsgOper);
 }
 
 /// A file without actors may be one builder brush, as the editor saves it alone.
@@ -98,11 +98,9 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
     WaitWhilePaused(run);
     run.Context.User.ShowItem(pass.On, run.GeometryCount);
     if (mover.TooManyKeys)
-      run.Result.Findings.Add(mover.Header.Name, "NumKeys is " + std::to_string(mover.NumKeys) +
-                                                     ", but a mover can have " + std::to_string(MaxKeys) +
-                                                     " keys at most; it was left out");
+      run.Result.Findings.Add(FindingCode::TooManyKeys, mover.Header.Name, mover.NumKeys, MaxKeys);
     else if (pass.NeedsPolygons && mover.Polygons.empty() && !HasMeshForPolygons(mover, run.Context.Settings))
-      run.Result.Findings.Count("actors of class " + mover.Header.Class + " left out for want of polygons");
+      run.Result.Findings.Count(FindingCode::MoversWithoutPolygons, mover.Header.Class);
     else
       ConvertBrush(run, mover);
     StepOn(run);

@@ -89,8 +89,8 @@ void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
     WriteLine(out, "wrote " + file.string());
   WriteLine(out, ContentText(result));
   if (!IsEmpty(result.Bounds)) WriteLine(out, "box: " + BoxText(result.Bounds));
-  for (const auto& [what, count] : result.Findings.Counts())
-    WriteLine(out, what + ": " + std::to_string(count));
+  for (const auto& [what, counted] : result.Findings.Counts())
+    WriteLine(out, what + ": " + std::to_string(counted.Count));
   for (const ResourceKind kind : ResourceKinds)
     WriteMissing(out, kind, result.Missing[kind], inFull);
   for (const std::string& message : result.Messages)

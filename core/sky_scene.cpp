@@ -33,13 +33,11 @@ std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const fs::path& inFi
   const std::string name = SkySceneName(sky.Zone);
   sky.Files = {folder / (name + ".wrl"), folder / (name + ".x3d"), {}};
   if (SameFileName(sky.Files.Text, files.Text) || SameFileName(sky.Files.Document, files.Document)) {
-    findings.Add(sky.Zone.Header.Name, "the sky zone stays in the level's scene, which bears the name of its own");
+    findings.Add(FindingCode::SkyStaysInScene, sky.Zone.Header.Name);
     return std::nullopt;
   }
   std::string& owner = memory.SkyScenes[fs::absolute(sky.Files.Text).string()];
-  if (!owner.empty() && owner != inFile.string())
-    findings.Add(sky.Zone.Header.Name,
-                 "its scene takes the place of the one of " + owner + "; convert them into two folders");
+  if (!owner.empty() && owner != inFile.string()) findings.Add(FindingCode::SkyTakesPlace, sky.Zone.Header.Name, owner);
   owner = inFile.string();
   sky.Settings = SkySettings(settings);
   return sky;

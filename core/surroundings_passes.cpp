@@ -40,7 +40,7 @@ void PlaceStaticMeshes(RunState& run) {
     if (NamesMesh(actor.StaticMesh))
       run.Context.Meshes.WritePlacedMesh(actor, actor.StaticMesh);
     else
-      run.Result.Findings.Count("static mesh actors left out that name no mesh");
+      run.Result.Findings.Count(FindingCode::MeshActorsWithoutMesh);
   });
 }
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint32_t boxesInLeaf = 4;
 
-double Vector3::* LongestAxis(const Bounds3& box) {
+double Vector3::*LongestAxis(const Bounds3& box) {
   const Vector3 size = SubtractVector(box.Max, box.Min);
   if (size.X >= size.Y && size.X >= size.Z) return &Vector3::X;
   return size.Y >= size.Z ? &Vector3::Y : &Vector3::Z;

@@ -51,7 +51,8 @@ Plane3 ChoosePlane(PieceStore& store, const std::vector<Piece>& pieces) {
 
 BrushTree::BrushTree(const std::vector<FlatFace>& faces, double tolerance) {
   isConvex_ = std::all_of(faces.begin(), faces.end(), [&](const FlatFace& face) {
-    return std::all_of(faces.begin(), faces.end(), [&](const FlatFace& other) { return IsBehind(face.Plane, other, tolerance); });
+    return std::all_of(faces.begin(), faces.end(),
+                       [&](const FlatFace& other) { return IsBehind(face.Plane, other, tolerance); });
   });
   if (isConvex_) {
     BuildConvex(faces, tolerance);
@@ -66,8 +67,8 @@ BrushTree::BrushTree(const std::vector<FlatFace>& faces, double tolerance) {
 
 void BrushTree::BuildConvex(const std::vector<FlatFace>& faces, double tolerance) {
   for (const FlatFace& face : faces) {
-    const bool known =
-        std::any_of(nodes_.begin(), nodes_.end(), [&](const Node& node) { return LiesIn(node.Plane, face, tolerance); });
+    const bool known = std::any_of(nodes_.begin(), nodes_.end(),
+                                   [&](const Node& node) { return LiesIn(node.Plane, face, tolerance); });
     if (known) continue;
     if (!nodes_.empty()) nodes_.back().Back = static_cast<std::int32_t>(nodes_.size());
     nodes_.push_back({face.Plane});
@@ -118,9 +119,8 @@ bool BrushTree::Contains(const Vector3& point) const {
 bool BrushTree::MissesConvex(const PieceStore& store, Piece piece) const {
   const std::span<const Vector3> points = store.Points(piece);
   return std::any_of(nodes_.begin(), nodes_.end(), [&](const Node& node) {
-    return std::all_of(points.begin(), points.end(), [&](const Vector3& point) {
-      return DistanceFrom(node.Plane, point) > PlaneTolerance;
-    });
+    return std::all_of(points.begin(), points.end(),
+                       [&](const Vector3& point) { return DistanceFrom(node.Plane, point) > PlaneTolerance; });
   });
 }
 

@@ -53,8 +53,8 @@ struct RefusedBrush {
 /// How many brushes took part, by what they did.
 struct CarveCounts {
   int Added = 0, Subtracted = 0, Semisolid = 0, NonSolid = 0, Portals = 0;
-  int Sheets = 0;        ///< open brushes of any kind
-  int FacesBefore = 0;   ///< of all these brushes
+  int Sheets = 0;      ///< open brushes of any kind
+  int FacesBefore = 0; ///< of all these brushes
 };
 
 /// The level as it is seen from inside.

@@ -62,14 +62,13 @@ std::size_t FaceCarver::ListThose(const Candidate& piece, std::size_t from, std:
   const int known = std::min(piece.Front, piece.Back);
   const std::size_t start = near_.size();
   for (std::size_t i = from; i < to; ++i)
-    if (const int carver = near_[i];
-        carver > known && BoxesMeet(box, carvers_[static_cast<std::size_t>(carver)].Box))
+    if (const int carver = near_[i]; carver > known && BoxesMeet(box, carvers_[static_cast<std::size_t>(carver)].Box))
       near_.push_back(carver);
   return start;
 }
 
-/// Puts the one of many carvers that is nearest to the middle of the piece at the list's end, from which they are taken:
-/// its parts then have fewer left to meet. Of few the last comes first, since it decides.
+/// Puts the one of many carvers that is nearest to the middle of the piece at the list's end, from which they are
+/// taken: its parts then have fewer left to meet. Of few the last comes first, since it decides.
 void FaceCarver::BringMiddleToEnd(const Bounds3& box, std::size_t from) {
   if (near_.size() - from <= manyCarvers) return;
   const Vector3 middle = BoundsCenter(box);

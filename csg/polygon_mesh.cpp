@@ -52,8 +52,7 @@ class PointGrid {
     const auto at = first_.find(cell);
     if (at == first_.end()) return none;
     for (std::uint32_t number = at->second; number != none; number = next_[number])
-      if (const Vector3 apart = SubtractVector(kept[number], point);
-          DotProduct(apart, apart) <= distance_ * distance_)
+      if (const Vector3 apart = SubtractVector(kept[number], point); DotProduct(apart, apart) <= distance_ * distance_)
         return number;
     return none;
   }
@@ -81,8 +80,7 @@ std::vector<EdgeUse> ListEdges(const PolygonMesh& mesh, Counts counts) {
     const std::span<const std::uint32_t> corners = mesh.CornersOf(polygon);
     for (std::size_t i = 0; i < corners.size(); ++i) {
       const std::uint32_t from = corners[i], to = corners[i + 1 == corners.size() ? 0 : i + 1];
-      edges.push_back(
-          {std::min(from, to), std::max(from, to), mesh.Starts[polygon] + static_cast<std::uint32_t>(i)});
+      edges.push_back({std::min(from, to), std::max(from, to), mesh.Starts[polygon] + static_cast<std::uint32_t>(i)});
     }
   }
   std::sort(edges.begin(), edges.end());

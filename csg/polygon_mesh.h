@@ -12,8 +12,8 @@ namespace quarvel {
 /// Polygons over a common list of points.
 struct PolygonMesh {
   std::vector<Vector3> Points;
-  std::vector<std::uint32_t> Corners;    ///< indices into the points, polygon after polygon
-  std::vector<std::uint32_t> Starts{0};  ///< where each polygon begins in the corners, and at last where they end
+  std::vector<std::uint32_t> Corners;   ///< indices into the points, polygon after polygon
+  std::vector<std::uint32_t> Starts{0}; ///< where each polygon begins in the corners, and at last where they end
 
   std::size_t Count() const { return Starts.size() - 1; }
   std::span<const std::uint32_t> CornersOf(std::size_t polygon) const {
@@ -29,7 +29,6 @@ void WeldMesh(PolygonMesh& mesh, double distance);
 void UnitePoints(PolygonMesh& mesh, double distance);
 /// Makes points corners of the edges that they are near to, without moving any.
 void SplitEdges(PolygonMesh& mesh, double distance);
-
 
 /// The points of one polygon.
 std::vector<Vector3> PointsOf(const PolygonMesh& mesh, std::size_t polygon);

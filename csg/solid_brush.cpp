@@ -32,7 +32,9 @@ PolygonMesh MeshOf(const CsgBrush& brush) {
   return mesh;
 }
 
-bool IsClosedMesh(const PolygonMesh& mesh) { return FindOpenEdges(mesh, [](std::size_t) { return true; }).empty(); }
+bool IsClosedMesh(const PolygonMesh& mesh) {
+  return FindOpenEdges(mesh, [](std::size_t) { return true; }).empty();
+}
 
 double SixfoldVolume(const std::vector<FlatFace>& faces, const Vector3& middle) {
   double volume = 0;

@@ -67,8 +67,8 @@ class LevelWriter {
     return level;
   }
 
-  void Fault(std::string_view name, std::string reason) {
-    out_.Faults.push_back({std::string(name), std::move(reason)});
+  void Fault(std::string_view name, FindingCode code) {
+    out_.Faults.push_back({code, std::string(name), TextOf(code)});
   }
 
   void ReadActors(const std::vector<ObjectRef>& actors) {
@@ -77,7 +77,7 @@ class LevelWriter {
       const PackageExport* object = ExportOf(package_, ref);
       const std::string_view name = ObjectName(package_, ref);
       if (!object || name.empty() || ClassName(package_, ref).empty()) {
-        Fault("object " + std::to_string(ref), "is an actor of the level that is not in its file");
+        Fault("object " + std::to_string(ref), FindingCode::ActorNotInFile);
       } else if (seen.insert(ref).second) {
         ReadActor(ref, *object, name);
       }
@@ -87,7 +87,7 @@ class LevelWriter {
   void ReadActor(ObjectRef ref, const PackageExport& object, std::string_view name) {
     ObjectReader reader = ReadObject(package_, object);
     auto properties = ReadProperties(package_, reader);
-    if (!properties) return Fault(name, "could not be read: its properties are damaged");
+    if (!properties) return Fault(name, FindingCode::DamagedProperties);
     for (const Property& property : *properties)
       if (property.ArrayIndex > 0) arrays_.insert(property.Name);
     actors_.push_back({ClassName(package_, ref), name, std::move(*properties)});
@@ -126,7 +126,7 @@ class LevelWriter {
     const PackageExport* shape = ExportOf(package_, model);
     if (!shape) return;
     const auto polys = ReadModelPolys(package_, *shape);
-    if (!polys) return Fault(actor.Name, "has a damaged brush");
+    if (!polys) return Fault(actor.Name, FindingCode::DamagedBrush);
     out_.Text += "    Begin Brush Name=";
     AppendWord(ObjectName(package_, model));
     out_.Text += "\r\n       Begin PolyList\r\n";
@@ -136,7 +136,7 @@ class LevelWriter {
 
   void WritePolygons(const Actor& actor, const PackageExport& list) {
     const auto polygons = ReadPolys(package_, list);
-    if (!polygons) return Fault(actor.Name, "has damaged polygons");
+    if (!polygons) return Fault(actor.Name, FindingCode::DamagedPolygons);
     for (const FilePolygon& polygon : *polygons)
       WritePolygon(polygon);
   }

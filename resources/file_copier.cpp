@@ -100,7 +100,7 @@ void FileCopier::NoteDifference(const Placement& placement, const CopyJob& job) 
     const auto wanted = error ? there : fs::file_size(job.Found.Path, error);
     differs = !error && there != wanted;
   }
-  if (differs) report_.Add(placement.Name, "a different file of this name was there already and was kept");
+  if (differs) report_.Add(FindingCode::DifferentFileKept, placement.Name);
 }
 
 FileCopier::Result FileCopier::Write(const Placement& placement, const CopyJob& job) {
@@ -120,7 +120,7 @@ FileCopier::Result FileCopier::Write(const Placement& placement, const CopyJob& 
 FileCopier::Result FileCopier::WriteConverted(const Placement& placement, const CopyJob& job) {
   ImageResult image = ReadImageFile(job.Found.Path);
   if (!image) {
-    report_.Add(job.Found.Name, "could not be converted, the scene refers to it as it is: " + image.Error);
+    report_.Add(FindingCode::ImageNotConverted, job.Found.Name, image.Error);
     return Result::Unreadable;
   }
   const Image rgba = ToRgba(std::move(*image.Picture), job.Conversion->Alpha);
@@ -145,7 +145,7 @@ FileCopier::Result FileCopier::WriteVerbatim(const Placement& placement, const C
 
 FileCopier::Result FileCopier::Fail(const Placement& placement, const std::string& reason) {
   errors_.push_back(Utf8Path(placement.File()) + " could not be written: " + reason);
-  report_.Add(placement.Name, "could not be written: " + reason);
+  report_.Add(FindingCode::NotWritten, placement.Name, reason);
   return Result::Failed;
 }
 

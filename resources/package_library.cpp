@@ -44,7 +44,7 @@ void PackageLibrary::AddFolders(const FileIndex& files, Report& report) {
 
 void PackageLibrary::Add(const fs::path& file, Report& report) {
   PackageResult read = OpenPackage(file);
-  if (!read) return report.Add(Utf8Path(file.filename()), "was passed over: it " + read.Error);
+  if (!read) return report.Add(FindingCode::PackagePassedOver, Utf8Path(file.filename()), read.Error);
   std::string name = FoldName(read.Value->Name);
   packages_.push_back({file, std::move(name), std::move(*read.Value)});
   AddObjects(static_cast<std::uint32_t>(packages_.size() - 1));

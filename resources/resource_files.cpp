@@ -73,10 +73,8 @@ const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
   if (known != indexes_.end()) return known->second;
   FileIndex index(folders);
   for (const fs::path& folder : index.Unreadable())
-    report_.Add(Utf8Path(folder), "folder cannot be read");
-  if (!index.Complete())
-    report_.Add(Utf8Path(folders.front()),
-                "holds too many files, only the first " + std::to_string(FileIndex::MaxFiles) + " were looked at");
+    report_.Add(FindingCode::UnreadableFolder, Utf8Path(folder));
+  if (!index.Complete()) report_.Add(FindingCode::TooManyFiles, Utf8Path(folders.front()), FileIndex::MaxFiles);
   return indexes_.emplace(std::move(folders), std::move(index)).first->second;
 }
 
@@ -87,9 +85,8 @@ const FileIndex& ResourceFiles::IndexOf(ResourceKind kind) {
   const ConversionSettings defaults;
   const bool byDefault = SearchPath(settings_, kind) == SearchPath(defaults, kind);
   for (const fs::path& missing : byDefault ? std::vector<fs::path>() : folders.Missing)
-    report_.Add(Utf8Path(missing), folders.Existing.empty()
-                                       ? "search folder does not exist, the input's folder was searched instead"
-                                       : "search folder does not exist");
+    report_.Add(folders.Existing.empty() ? FindingCode::NoSearchFolderAtAll : FindingCode::NoSearchFolder,
+                Utf8Path(missing));
   if (folders.Existing.empty()) folders.Existing.push_back(inputFolder_);
   return *(indexOfKind_[kind] = &IndexOfFolders(std::move(folders.Existing)));
 }
@@ -156,7 +153,7 @@ FoundFile ResourceFiles::EarlierVariant(const FoundFile& found, TextureUse use) 
 void ResourceFiles::NoteTextureSize(TextureFile& texture) {
   const auto size = ReadImageSize(texture.Source);
   if (!size) {
-    report_.Add(Utf8Path(texture.Source.filename()), "the size of the image is unknown, its header cannot be read");
+    report_.Add(FindingCode::UnknownImageSize, Utf8Path(texture.Source.filename()));
     return;
   }
   texture.Width = size->Width;
@@ -180,7 +177,7 @@ std::string ResourceFiles::CopyTexture(const FoundFile& found, const ResourceRef
     job.Name = StemOf(found.Name) + "." + WantedExtension(use);
     if (MayBeTransparent(found.Path)) job.Variant = VariantOf(use);
     if (use == TextureUse::Masked && job.Conversion->Type == ImageType::Jpg && !job.Variant.empty())
-      report_.Add(found.Name, "is masked, but jpg images hold no transparency");
+      report_.Add(FindingCode::MaskedJpg, found.Name);
   }
   return copier_.Copy(destinations_[ResourceKind::Texture], job);
 }

@@ -140,9 +140,7 @@ SceneNode OpenAnchor(SceneWriter& scene, const std::string& address) {
 
 void ReportOddities(SceneContext& context, const BrushRecord& brush, const std::string& name) {
   const std::string& actor = brush.Header.Name.empty() ? name : brush.Header.Name;
-  if (brush.DamagedPolygons > 0)
-    context.Findings.Add(actor,
-                         std::to_string(brush.DamagedPolygons) + " of its polygons have no end and were left out");
+  if (brush.DamagedPolygons > 0) context.Findings.Add(FindingCode::PolygonsWithoutEnd, actor, brush.DamagedPolygons);
 }
 
 } // namespace

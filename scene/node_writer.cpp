@@ -275,8 +275,7 @@ void SceneWriter::FinishRoutes(Report& report) {
       AddAttribute(element, "toField", route.ToField);
     }
     if ((wanted && !possible) || (route.Scope != SceneScope::Document && !route.InText))
-      report.Add(route.FromNode, "its route to " + route.ToNode + "." + route.ToField +
-                                     " was left out: one of the nodes was never written");
+      report.Add(FindingCode::RouteLeftOut, route.FromNode, route.ToNode, route.ToField);
   }
 }
 

@@ -31,9 +31,9 @@ void ReportUnseenActors(const T3DLevel& level, Report& report) {
     const bool ofInterest = Contains(actor.Class, "Light") || Contains(actor.Class, "Trigger") ||
                             Contains(actor.Class, "Start") || Contains(actor.Class, "Teleporter");
     if (!actor.IsComplete())
-      report.Count("actors left out because they are cut off");
+      report.Count(FindingCode::CutOffActors);
     else if (ofInterest && !IsConverted(actor))
-      report.Count("actors of class " + std::string(actor.Class) + ", which is not converted");
+      report.Count(FindingCode::ClassNotConverted, actor.Class);
   }
 }
 

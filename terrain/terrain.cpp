@@ -16,7 +16,7 @@ namespace {
 constexpr double smoothAngle = Pi / 2;
 
 std::optional<Heightmap> LeaveOut(SceneContext& context, const TerrainRecord& terrain, const std::string& reason) {
-  context.Findings.Add(terrain.Header.Name, reason + "; the terrain was left out");
+  context.Findings.Add(FindingCode::TerrainLeftOut, terrain.Header.Name, reason);
   return std::nullopt;
 }
 
@@ -94,9 +94,7 @@ void WriteElevationGrid(SceneContext& context, const Heightfield& field, const T
     grid.List("        height", HeightList(field));
     if (BaseLayer(terrain)) WriteTexturePoints(context.Scene, TexturePointsOf(field));
   });
-  if (HasHiddenSquare(field, terrain))
-    context.Findings.Add(terrain.Header.Name, "has hidden squares, which an elevation grid shows all the same; the "
-                                              "option OptionTerrainIFS leaves them out");
+  if (HasHiddenSquare(field, terrain)) context.Findings.Add(FindingCode::HiddenSquares, terrain.Header.Name);
 }
 
 void WritePatch(SceneContext& context, const TerrainPatch& patch, bool textured, int texture) {

@@ -5,13 +5,17 @@
 #include "app/cli/package_commands.h"
 #include "base/ascii_text.h"
 #include "base/level_text.h"
+#include "core/run_report.h"
 #include "core/run_summary.h"
 #include "settings/ini_store.h"
 #include "settings/option_values.h"
 #include "settings/settings_file.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 
 namespace quarvel {
@@ -66,6 +70,7 @@ void DescribeArguments(CLI::App& app, CommandLine& line) {
                  "Write the textures and sounds of the package INPUT into a folder; further "
                  "INPUTs name some of them")
       ->type_name("DIR");
+  app.add_option("--report", line.ReportFile, "Write what the run did to this file, as JSON")->type_name("FILE");
   app.add_flag("--list-options", line.ListOptions, "List all options of the conversion");
   app.add_flag("--markdown", line.Markdown)->group("");
   CLI::Option* quiet = app.add_flag("--quiet", line.Quiet, "Print errors only");
@@ -158,9 +163,30 @@ ExitCode Complain(const Console& console, const std::string& error, ExitCode cod
   return code;
 }
 
+/// Half a report is worse than none.
+bool WriteReport(const std::filesystem::path& path, const std::vector<RunResult>& results) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file << ReportAsJson(results);
+  file.close();
+  std::error_code error;
+  if (!file) std::filesystem::remove(path, error);
+  return !file.fail();
+}
+
+/// A report that would take the place of what is converted, or of a scene.
+bool WouldOverwrite(const std::filesystem::path& report, const std::vector<ConversionJob>& jobs) {
+  const auto same = [&](const std::filesystem::path& file) {
+    return std::filesystem::weakly_canonical(file) == std::filesystem::weakly_canonical(report);
+  };
+  return std::any_of(jobs.begin(), jobs.end(),
+                     [&](const ConversionJob& job) { return same(job.InFile) || same(job.OutFile); });
+}
+
 ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings, SettingsStore& store,
                     const Console& console, const Conversion& convert) {
   const std::vector<ConversionJob> jobs = ListJobs(line.Inputs, line.Output, settings);
+  if (!line.ReportFile.empty() && WouldOverwrite(line.ReportFile, jobs))
+    return Complain(console, "the report " + line.ReportFile + " would overwrite an input or a scene", ExitCode::Usage);
   if (!line.WriteT3D.empty() && jobs.size() != 1)
     return Complain(console, "--write-t3d keeps the text of one level, here are " + std::to_string(jobs.size()),
                     ExitCode::Usage);
@@ -174,7 +200,9 @@ ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings,
   if (!line.WriteT3D.empty())
     if (const std::string error = KeepText(line.WriteT3D, jobs.front(), memory); !error.empty())
       return Complain(console, error, ExitCode::Failed);
-  return ExitCodeOf(WorstOutcome(results));
+  const ExitCode code = ExitCodeOf(WorstOutcome(results));
+  if (line.ReportFile.empty() || WriteReport(line.ReportFile, results)) return code;
+  return Complain(console, line.ReportFile + " cannot be written", std::max(code, ExitCode::Failed));
 }
 
 ExitCode Run(const CommandLine& line, const Console& console, const Conversion& convert) {

@@ -19,7 +19,8 @@ struct CommandLine {
   std::string SettingsFile;                            ///< empty: none
   std::string WriteT3D;                                ///< where the level's text is to be kept; empty: nowhere
   std::string ListPackage;                             ///< a package to list; empty: none
-  std::string ExtractTo; ///< the folder for what the first input holds; empty: no such task
+  std::string ExtractTo;  ///< the folder for what the first input holds; empty: no such task
+  std::string ReportFile; ///< JSON of what the runs did; empty: none
   bool ListOptions = false;
   bool Markdown = false; ///< the list of options as a page of the documentation
   bool Quiet = false;

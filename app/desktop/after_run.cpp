@@ -33,12 +33,6 @@ QMessageBox* MakeBox(QMessageBox::Icon icon, const QString& text, QWidget* windo
   return box;
 }
 
-QString PreloadFile(const RunResult& result) {
-  for (const std::filesystem::path& file : result.FilesWritten)
-    if (file.extension() == ".js") return ToQString(file);
-  return {};
-}
-
 } // namespace
 
 AfterRun::AfterRun(DesktopServices& services, QWidget* window)
@@ -64,12 +58,12 @@ void AfterRun::ShowReport(const RunResult& result) {
 void AfterRun::ShowPreloadScript(const RunResult& result) { Enqueue(PreloadOf(result)); }
 
 void AfterRun::OpenFolder(const RunResult& result) {
-  const QString folder = QFileInfo(ToQString(result.FilesWritten.front())).absolutePath();
+  const QString folder = QFileInfo(ToQString(result.Scene.Text)).absolutePath();
   Open(folder, QStringLiteral("The folder %1 cannot be opened").arg(folder));
 }
 
 void AfterRun::OpenScene(const RunResult& result) {
-  const QFileInfo scene(ToQString(result.FilesWritten.front()));
+  const QFileInfo scene(ToQString(result.Scene.Text));
   Open(scene.absoluteFilePath(),
        QStringLiteral("No program is set up to open %1. Any viewer for VRML or X3D does.").arg(scene.fileName()));
 }
@@ -95,7 +89,7 @@ AfterRun::MakeDialog AfterRun::MissingOf(const std::vector<RunResult>& results) 
 }
 
 AfterRun::MakeDialog AfterRun::PreloadOf(const RunResult& result) {
-  return [this, script = ToQString(result.PreloadScript), file = PreloadFile(result)] {
+  return [this, script = ToQString(result.PreloadScript), file = ToQString(result.PreloadFile)] {
     return new PreloadDialog(script, file, services_, window_);
   };
 }

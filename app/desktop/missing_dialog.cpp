@@ -63,7 +63,7 @@ ResourceKind MissingDialog::CurrentKind() const {
 QTreeWidgetItem* MissingDialog::AddKind(ResourceKind kind, const std::vector<RunResult>& results) {
   const ResourceKindInfo& info = InfoOf(kind);
   for (const RunResult& result : results)
-    for (const std::filesystem::path& file : result.FilesWritten)
+    for (const std::filesystem::path& file : result.MissingLists)
       if (EndsWith(file.string(), info.ListEnding)) listFiles_[kind].push_back(file);
   const auto levels = LevelsByName(kind, results);
   if (levels.empty()) return nullptr;

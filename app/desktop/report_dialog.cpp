@@ -66,8 +66,8 @@ void ReportDialog::FillIn(const RunResult& result) {
   QStringList files, counts;
   for (const std::filesystem::path& file : result.FilesWritten)
     files.append(ToQString(file));
-  for (const auto& [what, count] : result.Findings.Counts())
-    counts.append(ToQString(what + ": " + std::to_string(count)));
+  for (const auto& [what, counted] : result.Findings.Counts())
+    counts.append(ToQString(what + ": " + std::to_string(counted.Count)));
   if (!files.isEmpty()) AddGroup(QStringLiteral("Files written"), files);
   if (!counts.isEmpty()) AddGroup(QStringLiteral("Left out"), counts);
   for (const ActorsOfReason& group : GroupByReason(result.Findings.Findings())) {

@@ -41,7 +41,7 @@ ResultBar::ResultBar(QWidget* parent)
 
 void ResultBar::Show(const RunResult* result) {
   const std::size_t missing = result ? MissingCount(*result) : 0;
-  const bool hasFiles = result && !result->FilesWritten.empty();
+  const bool hasFiles = result && !result->Scene.Text.empty();
   missing_->setText(missing == 0 ? QStringLiteral("&Missing files...")
                                  : QStringLiteral("&Missing files (%1)...").arg(missing));
   missing_->setEnabled(missing > 0);

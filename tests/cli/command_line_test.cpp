@@ -1,12 +1,14 @@
 #include "app/cli/command_line.h"
 #include "app/cli/console_interface.h"
 #include "app/cli/option_list.h"
+#include "core/run_report.h"
 #include "core/run_summary.h"
 #include "settings/option_table.h"
 #include "settings/settings_file.h"
 #include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace quarvel {
@@ -125,6 +127,22 @@ TEST_F(CommandLineTest, ExitsWithTheWorstOfABatch) {
   EXPECT_EQ(converted_.back(), "stop.t3d > stop.wrl");
 }
 
+TEST_F(CommandLineTest, ReportsEveryFileOfABatchAsJson) {
+  const TemporaryFolder folder;
+  const std::string file = (folder.Path() / "report.json").string();
+  EXPECT_EQ(Run({"a.t3d", "bad.t3d", "--report", file}), 1);
+  const auto runs = nlohmann::json::parse(folder.Read("report.json"));
+  ASSERT_EQ(runs.size(), 2U);
+  EXPECT_EQ(runs[0]["input"], "a.t3d");
+  EXPECT_EQ(runs[0]["outcome"], "done");
+  EXPECT_EQ(runs[1]["error"], "cannot read bad.t3d");
+  EXPECT_EQ(Run({"a.t3d", "--report", (folder.Path() / "none" / "r.json").string()}), 1);
+  EXPECT_TRUE(Complains("r.json cannot be written")) << err_.str();
+  const std::size_t before = converted_.size();
+  EXPECT_EQ(Run({"a.t3d", "--report", "./a.t3d"}), 2);
+  EXPECT_EQ(converted_.size(), before);
+}
+
 TEST_F(CommandLineTest, KeepsTheRunsSettingsInTheirFile) {
   const TemporaryFolder folder;
   const std::string file = (folder.Path() / "my.ini").string();
@@ -156,6 +174,29 @@ TEST_F(CommandLineTest, SpeaksAsMuchAsItIsAsked) {
   EXPECT_EQ(out_.str() + err_.str(), "");
 }
 
+TEST(RunReport, HoldsWhatTheRunKnows) {
+  RunResult result;
+  result.InputFile = "caf\xe9.t3d";
+  result.Scene.Text = "a.wrl";
+  result.MissingLists = {"aMissingSounds.txt"};
+  result.Faces = 6;
+  result.Missing[ResourceKind::Sound] = {"S1"};
+  result.Findings.Add(FindingCode::TooManyKeys, "Door", 151, 150);
+  result.Findings.Add(FindingCode::TooManyKeys, "Door", 151, 150);
+  result.Findings.Count(FindingCode::OtherBrushes, "CSG_Intersect");
+  result.Findings.Count(FindingCode::OtherBrushes, "CSG_Intersect");
+  const auto run = nlohmann::json::parse(ReportAsJson({result}))[0];
+  EXPECT_EQ(run["input"], "caf\xc3\xa9.t3d");
+  EXPECT_EQ(run["outputs"], nlohmann::json::parse(R"({"textScene": "a.wrl", "missingLists": ["aMissingSounds.txt"]})"));
+  EXPECT_EQ(run["counts"]["faces"], 6);
+  EXPECT_EQ(run["missing"], nlohmann::json::parse(R"({"textures": [], "sounds": ["S1"], "meshes": []})"));
+  EXPECT_EQ(run["findings"], nlohmann::json::parse(R"([{"code": "TooManyKeys", "severity": "lost", "actor": "Door",
+      "text": "NumKeys is 151, but a mover can have 150 keys at most; it was left out"}])"));
+  EXPECT_EQ(run["leftOut"], nlohmann::json::parse(R"([{"code": "OtherBrushes", "severity": "lost", "count": 2,
+      "text": "brushes left out as CSG_Intersect"}])"));
+  EXPECT_FALSE(run.contains("error") || run.contains("box"));
+}
+
 TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
   RunResult result;
   result.InputFile = "a.t3d";
@@ -166,7 +207,8 @@ TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
   GrowBounds(result.Bounds, {1, 2, 3});
   result.Missing[ResourceKind::Texture] = {"T1"};
   result.Missing[ResourceKind::Sound] = {"S1", "S2"};
-  result.Findings.Count("brushes left out as subtractive", 4);
+  for (int i = 0; i < 4; ++i)
+    result.Findings.Count(FindingCode::SubtractiveBrushes);
   result.Findings.Add("", "ends in the middle of an actor");
   for (int i = 1; i <= 12; ++i)
     result.Findings.Add("Brush" + std::to_string(i), "is sheared");

@@ -52,7 +52,7 @@ TEST(ConversionRun, WritesTheGoldenScenes) {
   EXPECT_EQ(converted.Result.Brushes, 4);
   EXPECT_EQ(converted.Result.Faces, 9);
   EXPECT_EQ(converted.Result.Missing[ResourceKind::Texture], Texts{"not_there"});
-  EXPECT_EQ(converted.Result.Findings.Counts().at("brushes left out as subtractive"), 1);
+  EXPECT_EQ(converted.Result.Findings.Counts().at("brushes left out as subtractive").Count, 1);
 }
 
 TEST(ConversionRun, LineEndsDoNotMatter) {

@@ -88,7 +88,7 @@ TEST_F(SurroundingsTest, NewerLevelsInlineStaticMeshesAndThoseOfMovers) {
   EXPECT_EQ(Count("//Transform[@DEF='MSHT_Placed']/Inline[@DEF='MSH_Gate']"), 1U);
   EXPECT_EQ(Count("//Transform[starts-with(@DEF,'Mover_')]/Inline[@USE='MSH_Gate']"), 1U);
   EXPECT_EQ(Count("//Transform[starts-with(@DEF,'LiftMover_')]/Inline[@USE='MSH_Gate']"), 1U);
-  EXPECT_EQ(result_.Findings.Counts().at("static mesh actors left out that name no mesh"), 1);
+  EXPECT_EQ(result_.Findings.Counts().at("static mesh actors left out that name no mesh").Count, 1);
   settings_.CheckDoMeshes = false;
   Convert(level);
   EXPECT_EQ(Count("//Inline"), 0U);

@@ -100,8 +100,9 @@ TEST(Carve, ConcaveBrushesCarve) {
                                      {60, 60, 0}, {90, 60, 0}, {90, 90, 0}, {0, 90, 0}};
   const double area = 90 * 90 - 30 * 30;
   EXPECT_NEAR(Carve({MakePrism(CsgOperation::Subtract, outline, 40)}).EmptyVolume, area * 40, 1e-3);
-  const CarvedLevel block = Carve({SubtractBox({-100, -100, -100}, {200, 200, 200}),
-                                   MakePrism(CsgOperation::Add, outline, 40), SubtractBox({20, 20, -50}, {80, 70, 90})});
+  const CarvedLevel block =
+      Carve({SubtractBox({-100, -100, -100}, {200, 200, 200}), MakePrism(CsgOperation::Add, outline, 40),
+             SubtractBox({20, 20, -50}, {80, 70, 90})});
   EXPECT_NEAR(block.EmptyVolume, 300.0 * 300 * 300 - (area - 60 * 50 + 20 * 30) * 40, 1e-2);
 }
 
@@ -114,7 +115,8 @@ TEST(Carve, OtherKindsAreCutButDoNotCut) {
     EXPECT_NEAR(AreaOf(level, 0), 20 * 40 + 40 * 20 + 2 * 20 * 20, 1e-3) << "neither bottom nor what is in the wall";
   }
   // A sheet across the door between two rooms, larger than the door.
-  const CsgBrush sheet{CsgOperation::Add, CsgKind::Portal, {{{{100, 0, 0}, {100, 200, 0}, {100, 200, 50}, {100, 0, 50}}, 5}}};
+  const CsgBrush sheet{
+      CsgOperation::Add, CsgKind::Portal, {{{{100, 0, 0}, {100, 200, 0}, {100, 200, 50}, {100, 0, 50}}, 5}}};
   const CarvedLevel level = Carve({room, SubtractBox({100, 90, 0}, {220, 110, 30}), sheet});
   EXPECT_NEAR(AreaOf(level, 2), 20 * 30, 1e-3);
   EXPECT_EQ(level.Faces.back().Flags, 5U);
@@ -133,7 +135,8 @@ TEST(Carve, CornersBecomeCornersOfTheirNeighbours) {
       for (std::size_t k = 0; k < points.size(); ++k) {
         const Vector3 &a = points[k], &b = points[(k + 1) % points.size()];
         const double length = VectorLength(SubtractVector(a, b));
-        const double detour = VectorLength(SubtractVector(a, corner)) + VectorLength(SubtractVector(b, corner)) - length;
+        const double detour =
+            VectorLength(SubtractVector(a, corner)) + VectorLength(SubtractVector(b, corner)) - length;
         onEdges += detour < 1e-6;
       }
       EXPECT_TRUE(onEdges == 0 || std::find(points.begin(), points.end(), corner) != points.end());
