@@ -173,11 +173,14 @@ bool WriteReport(const std::filesystem::path& path, const std::vector<RunResult>
   return !file.fail();
 }
 
+/// One name for one file, however it is written.
+std::filesystem::path Identity(const std::filesystem::path& file) {
+  return std::filesystem::weakly_canonical(std::filesystem::absolute(file));
+}
+
 /// A report that would take the place of what is converted, or of a scene.
 bool WouldOverwrite(const std::filesystem::path& report, const std::vector<ConversionJob>& jobs) {
-  const auto same = [&](const std::filesystem::path& file) {
-    return std::filesystem::weakly_canonical(file) == std::filesystem::weakly_canonical(report);
-  };
+  const auto same = [&](const std::filesystem::path& file) { return Identity(file) == Identity(report); };
   return std::any_of(jobs.begin(), jobs.end(),
                      [&](const ConversionJob& job) { return same(job.InFile) || same(job.OutFile); });
 }
