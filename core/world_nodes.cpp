@@ -15,9 +15,8 @@ void WriteWorldInfo(SceneWriter& scene, const LevelRecord& info) {
 }
 
 void WriteFog(SceneContext& context, const ZoneBlock& zone, const std::string& actor) {
-  if (!zone.ColorInRange) context.Findings.Add(actor, "its fog colour is not within 0 to 255 and was clamped");
-  if (zone.DistanceFogEnd < 0)
-    context.Findings.Add(actor, "its fog ends at a distance below zero, which was taken as zero");
+  if (!zone.ColorInRange) context.Findings.Add(FindingCode::FogColorOutOfRange, actor);
+  if (zone.DistanceFogEnd < 0) context.Findings.Add(FindingCode::FogEndBelowZero, actor);
   const ColorRGB& color = zone.DistanceFogColor;
   SceneNode fog = context.Scene.Open("", "Fog");
   fog.Field(" color", FormatVec({color.R / 255.0, color.G / 255.0, color.B / 255.0}));
