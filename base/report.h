@@ -1,11 +1,11 @@
 #pragma once
 
-#include <concepts>
 #include <initializer_list>
 #include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -72,8 +72,13 @@ class Report {
   const std::map<std::string, CountedFinding>& Counts() const { return counts_; } ///< by text
 
  private:
-  static std::string DetailText(std::string_view text) { return std::string(text); }
-  static std::string DetailText(std::integral auto number) { return std::to_string(number); }
+  template <typename Detail>
+  static std::string DetailText(const Detail& detail) {
+    if constexpr (std::is_integral_v<Detail>)
+      return std::to_string(detail);
+    else
+      return std::string(std::string_view(detail));
+  }
   void Note(FindingCode code, std::string_view actor, std::string text);
 
   std::vector<Finding> findings_;
