@@ -1,0 +1,10 @@
+#pragma once
+
+#include "actors/scene_run.h"
+
+namespace quarvel {
+
+/// Places the meshes of static mesh actors, or in the older generation of the actors whose class has a mesh file.
+void PlaceMeshes(SceneRun& run);
+
+} // namespace quarvel
