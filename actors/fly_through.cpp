@@ -2,8 +2,10 @@
 
 #include "actors/script_writer.h"
 #include "actors/viewpoints.h"
+#include "base/ascii_text.h"
 #include "math/number_text.h"
 #include "math/rotation.h"
+#include "scene/avatar.h"
 
 #include <algorithm>
 
@@ -34,15 +36,20 @@ std::string WriteCamera(SceneContext& context, const std::string& name, const Mo
   return viewpoint;
 }
 
-/// A walking visitor would sink to the ground below the path; while the camera is bound they fly.
+/// A walking visitor would sink to the ground below the path: they fly from when the camera is bound until the flight
+/// is over, or they leave the camera.
 void WriteFlyingMode(SceneContext& context, const std::string& name, const std::string& viewpoint) {
+  if (!SameText(context.Settings.ListMovement, "walk")) return;
   SceneWriter& scene = context.Scene;
   const std::string def = scene.TakeName(name + "NAVINFO");
   SceneNode mode = scene.Open("", "NavigationInfo", def);
   mode.Strings(" type", "FLY");
   mode.Flag(" headlight", context.Settings.CheckHeadlight);
+  WriteAvatarSize(mode, " avatarSize");
+  WriteAvatarSpeed(mode, " speed");
   mode.Close();
   AddRoute(scene, viewpoint, "isBound", def, "set_bind");
+  AddRoute(scene, name + "TIMER", "isActive", def, "set_bind");
 }
 
 /// Lets the flight begin when its camera is bound, or `TextFlyThruDelay` seconds later, and end when it is unbound: a
@@ -113,25 +120,6 @@ void BindWhenLoaded(SceneContext& context, const std::string& viewpoint) {
   AddRoute(scene, filter, "inputTrue", viewpoint, "set_bind", scope);
 }
 
-/// The second generation's scene managers know their paths; without one the points themselves are the path.
-std::vector<Flight> PlanFlights(SceneRun& run, const std::vector<InterpolationPointRecord>& points) {
-  Report& findings = run.Context.Findings;
-  std::vector<Flight> flights;
-  if (!run.Level.LegacyFormat)
-    for (const SceneManagerRecord& scene : ReadAllShown(run, ActorFamily::SceneManager, ReadSceneManager)) {
-      Flight flight = FlightOfScene(scene, points, findings);
-      if (!flight.Segments.empty()) flights.push_back(std::move(flight));
-    }
-  return flights.empty() ? FlightsOfPoints(points, findings) : flights;
-}
-
-/// What else an event of the first generation does than to send visitors along a path, which is a flight anyway.
-void ReportSpecialEvents(const SceneRun& run) {
-  if (!run.Level.LegacyFormat) return;
-  for (const SpecialEventRecord& event : ReadAllShown(run, ActorFamily::SpecialEvent, ReadSpecialEvent))
-    run.Context.Findings.Add(FindingCode::SpecialEvent, event.Header.Name);
-}
-
 } // namespace
 
 void WriteFlyThrough(SceneContext& context, const std::vector<Flight>& flights) {
@@ -145,28 +133,6 @@ void WriteFlyThrough(SceneContext& context, const std::vector<Flight>& flights) 
     if (first.empty()) first = viewpoint;
   }
   BindWhenLoaded(context, first);
-}
-
-void WriteFlights(SceneRun& run) {
-  const auto points = ReadAllShown(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint);
-  const std::vector<Flight> flights = PlanFlights(run, points);
-  ReportSpecialEvents(run);
-  run.Context.User.ShowPass("Writing Interpolation Points");
-  WriteFlyThrough(run.Context, flights);
-  FlushBlock(run);
-  if (!run.Context.Settings.CheckOutputFlyThruViewpoints) return;
-  for (const InterpolationPointRecord& point : points) {
-    WriteViewpoint(run.Context, {point.Header, point.Location, point.Rotation});
-    FlushBlock(run);
-  }
-}
-
-void DeclareFlightPrototypes(SceneRun& run) {
-  const ConversionSettings& settings = run.Context.Settings;
-  if (!settings.CheckEnclose || !settings.CheckOutputFlyThru || run.Part.Kept == ScenePart::Kind::Sky) return;
-  if (ReadAllShown(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint).empty()) return;
-  DeclareBooleanFilter(run.Context);
-  FlushBlock(run);
 }
 
 } // namespace quarvel

@@ -162,19 +162,6 @@ std::string WriteLightFor(SceneContext& context, const LightRecord& light, const
   return plan.Name;
 }
 
-/// The brightest ambient light of the level and its zones; a brightness of 0 when there is none.
-ZoneBlock BrightestAmbience(const SceneRun& run) {
-  ZoneBlock brightest;
-  const auto keep = [&](const ZoneBlock& zone) {
-    if (zone.AmbientBrightness > brightest.AmbientBrightness) brightest = zone;
-  };
-  for (const LevelRecord& info : ReadAllShown(run, ActorFamily::Level, ReadLevel))
-    keep(info.Zone);
-  for (const ZoneRecord& zone : ReadAllShown(run, ActorFamily::Zone, ReadZone))
-    keep(zone.Zone);
-  return brightest;
-}
-
 } // namespace
 
 std::string LightDefName(const ActorHeader& header) {
@@ -186,7 +173,8 @@ std::string WriteLight(SceneContext& context, const LightRecord& light) { return
 
 void WriteTriggerLight(SceneContext& context, TriggerList& triggers, const TriggerLightRecord& light) {
   const std::string name = WriteLightFor(context, light, {.AlwaysWritten = true, .On = light.bInitiallyOn});
-  if (!name.empty()) NoteLink(triggers, light.Header.Tag, "isActive", name, "set_on");
+  if (!name.empty() && !NoteLink(triggers, light.Header.Tag, "isActive", name, "set_on"))
+    context.Findings.Add(FindingCode::NeverSwitched, light.Header.Name);
 }
 
 void WriteGlobalAmbientLight(SceneContext& context, const ZoneBlock& zone, const Bounds3& bounds) {
@@ -207,20 +195,6 @@ void WriteFlare(SceneContext& context, const DisplayRecord& flare) {
   if (!HasSprite(context, flare.Display, flare.Header.Name))
     return context.Findings.Count(FindingCode::FlaresWithoutTexture);
   WritePlacedSprite(context, flare.Display, flare.Location, context.Scene.TakeName(LightDefName(flare.Header)));
-}
-
-void WriteLights(SceneRun& run) {
-  const ZoneBlock ambience = BrightestAmbience(run);
-  if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Totals.Bounds);
-  FlushBlock(run);
-  ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Context, light); });
-  ForEachActor(run, ActorFamily::Flare, ReadDisplay,
-               [&](const DisplayRecord& flare) { WriteFlare(run.Context, flare); });
-}
-
-void WriteTriggerLights(SceneRun& run) {
-  ForEachActor(run, ActorFamily::TriggerLight, ReadTriggerLight,
-               [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Context, run.Triggers, light); });
 }
 
 } // namespace quarvel

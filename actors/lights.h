@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/scene_run.h"
+#include "actors/trigger_list.h"
 #include "scene/scene_context.h"
 #include "t3d/light_records.h"
 #include "t3d/world_records.h"
@@ -24,11 +24,5 @@ void WriteGlobalAmbientLight(SceneContext& context, const ZoneBlock& zone, const
 
 /// Writes the sprite of an actor that is nothing else.
 void WriteFlare(SceneContext& context, const DisplayRecord& flare);
-
-/// The level's ambient light, its lights, and its flares.
-void WriteLights(SceneRun& run);
-
-/// The lights that triggers switch. Their links are noted, not yet written.
-void WriteTriggerLights(SceneRun& run);
 
 } // namespace quarvel

@@ -134,14 +134,14 @@ void WriteTouchSensor(SceneContext& context, const BrushRecord& mover, const Wri
   AddRoute(context.Scene, sensor, "enterTime", timer, "startTime");
 }
 
-void WriteStart(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written,
-                bool loops) {
+/// Whether something starts the mover, in the end.
+bool WriteStart(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written) {
   const std::string timer = written.Name + "TIMER";
-  if (IsState(mover, "BumpOpenTimed")) return WriteTouchSensor(context, mover, written, timer);
-  if (NoteLink(triggers, mover.Header.Tag, "enterTime", timer, "startTime")) return;
-  if (IsState(mover, "StandOpenTimed") || IsState(mover, "BumpButton"))
-    return WriteTouchSensor(context, mover, written, timer);
-  if (!loops) context.Findings.Add(FindingCode::NeverTriggered, NameOf(mover));
+  const bool bumped = IsState(mover, "BumpOpenTimed");
+  if (!bumped && NoteLink(triggers, mover.Header.Tag, "enterTime", timer, "startTime")) return true;
+  if (!bumped && !IsState(mover, "StandOpenTimed") && !IsState(mover, "BumpButton")) return false;
+  WriteTouchSensor(context, mover, written, timer);
+  return true;
 }
 
 } // namespace
@@ -167,10 +167,12 @@ TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, double marg
 void WriteMover(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written) {
   const MoverAnimation track = AnimationOf(mover, context.Findings);
   if (!mover.AttachTag.empty()) context.Findings.Add(FindingCode::AttachedActorsStay, NameOf(mover), mover.AttachTag);
-  if (!track.AnimatePosition && !track.AnimateRotation)
-    return context.Findings.Add(FindingCode::NeverMoves, NameOf(mover));
   WriteInterpolators(context, written.Name, track);
-  WriteStart(context, triggers, mover, written, track.Loop);
+  const bool starts = WriteStart(context, triggers, mover, written) || track.Loop;
+  if (!track.AnimatePosition && !track.AnimateRotation)
+    context.Findings.Add(FindingCode::NeverMoves, NameOf(mover));
+  else if (!starts)
+    context.Findings.Add(FindingCode::NeverTriggered, NameOf(mover));
 }
 
 } // namespace quarvel

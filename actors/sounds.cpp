@@ -126,21 +126,9 @@ void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const Tri
   SceneNode place = OpenSoundPlace(context, sound.Location);
   const std::string clip = WriteSound(context, source);
   place.Close();
-  NoteLink(triggers, sound.Header.Tag, "enterTime", clip, "startTime");
+  if (!NoteLink(triggers, sound.Header.Tag, "enterTime", clip, "startTime"))
+    context.Findings.Add(FindingCode::NeverStarted, sound.Header.Name);
   NoteLink(triggers, sound.Header.Tag, "exitTime", clip, "stopTime");
-}
-
-void WriteAmbientSounds(SceneRun& run) {
-  ForEachActor(run, ActorFamily::AmbientSound, ReadAmbientSound,
-               [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Context, sound); });
-  ForEachActor(run, ActorFamily::DynamicAmbientSound, ReadDynamicAmbientSound,
-               [&](const DynamicAmbientSoundRecord& sound) { WriteRandomSounds(run.Context, sound); });
-}
-
-void WriteTriggeredSounds(SceneRun& run) {
-  ForEachActor(
-      run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
-      [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Context, run.Triggers, sound); });
 }
 
 } // namespace quarvel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "actors/scene_run.h"
+#include "actors/trigger_list.h"
 #include "scene/scene_context.h"
 #include "t3d/sound_records.h"
 
@@ -37,11 +37,5 @@ void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const Tri
 
 /// Opens the Transform that gives sounds their place.
 SceneNode OpenSoundPlace(SceneContext& context, const Vector3& location);
-
-/// The sounds that play on and on, and those that play at random.
-void WriteAmbientSounds(SceneRun& run);
-
-/// The sounds that triggers start. Their links are noted, not yet written.
-void WriteTriggeredSounds(SceneRun& run);
 
 } // namespace quarvel

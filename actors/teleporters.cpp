@@ -188,8 +188,4 @@ void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>
                          repeats(i));
 }
 
-void ConvertTeleporters(SceneRun& run) {
-  WriteTeleporters(run.Context, ReadAllShown(run, ActorFamily::Teleporter, ReadTeleporter), run.Level.Name);
-}
-
 } // namespace quarvel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "actors/scene_run.h"
 #include "scene/scene_context.h"
 #include "t3d/placement_records.h"
 
@@ -26,8 +25,5 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter);
 /// destination's viewpoint for whoever enters it. `levelName` is the level's file name without its extension.
 void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>& teleporters,
                       const std::string& levelName);
-
-/// All teleporters of the level.
-void ConvertTeleporters(SceneRun& run);
 
 } // namespace quarvel

@@ -9,14 +9,16 @@ namespace quarvel {
 namespace {
 
 /// Far beyond any real level; keeps a hostile one, where each leads to all, from taking minutes.
-constexpr std::size_t maxDispatchers = 256;
+constexpr std::size_t maxDispatchers = 256, maxSplitDispatchers = 1024;
+constexpr std::size_t stationSources = 64;
 
-/// What stands under the key, nothing for an empty one.
+/// What stands under the key; nothing for an empty one, or the editor's word for none.
 template <typename Value>
 const std::vector<Value>& LookUp(const std::map<std::string, std::vector<Value>>& map, std::string_view key) {
   static const std::vector<Value> nothing;
-  const auto at = map.find(LowerCase(key));
-  return key.empty() || at == map.end() ? nothing : at->second;
+  const std::string lower = LowerCase(key);
+  const auto at = map.find(lower);
+  return lower.empty() || lower == "none" || at == map.end() ? nothing : at->second;
 }
 
 } // namespace
@@ -26,7 +28,10 @@ void TriggerList::AddDispatcher(const DispatcherRecord& record, Report& findings
     findings.Count(FindingCode::TooManyDispatchers, maxDispatchers);
     return;
   }
-  DispatcherEntry entry{record.Header.Name, record.Header.Tag, record.OutEvents, {}, false, {}};
+  DispatcherEntry entry;
+  entry.Name = record.Header.Name;
+  entry.Tag = record.Header.Tag;
+  entry.OutEvents = record.OutEvents;
   double sum = 0; // each delay counts from the entry before it
   for (std::size_t i = 0; i < entry.Delays.size(); ++i) {
     if (record.OutDelays[i] < 0) findings.Add(FindingCode::DelayBelowZero, entry.Name);
@@ -40,33 +45,98 @@ void TriggerList::Connect(Report& findings) {
   for (std::size_t number = 0; number < Entries.size(); ++number)
     for (const std::string& event : Entries[number].Events)
       triggersByEvent_[LowerCase(event)].push_back(number);
+  IndexDispatchers();
+  std::vector<int> states(Dispatchers.size(), 0);
+  bool circles = false;
+  for (std::size_t number = 0; number < Dispatchers.size(); ++number)
+    if (!SensorsOf(Dispatchers[number].Tag).empty()) circles = FollowFrom(number, states, findings) || circles;
+  if (circles) SplitByTrigger(findings);
+  FindStations();
+}
+
+void TriggerList::IndexDispatchers() {
+  outputsByEvent_.clear();
+  dispatchersByTag_.clear();
   for (std::size_t number = 0; number < Dispatchers.size(); ++number) {
     dispatchersByTag_[LowerCase(Dispatchers[number].Tag)].push_back(number);
     for (std::size_t i = 0; i < Dispatchers[number].OutEvents.size(); ++i)
       outputsByEvent_[LowerCase(Dispatchers[number].OutEvents[i])].push_back({number, i});
   }
-  std::vector<int> states(Dispatchers.size(), 0);
-  for (std::size_t number = 0; number < Dispatchers.size(); ++number)
-    if (!LookUp(triggersByEvent_, Dispatchers[number].Tag).empty()) FollowFrom(number, states, findings);
 }
 
 /// Walks depth first along the events that the dispatcher sends on. One that comes back to a dispatcher on the way
-/// there closes a circle and is not followed.
-void TriggerList::FollowFrom(std::size_t dispatcher, std::vector<int>& states, Report& findings) {
+/// there closes a circle and is not followed. Returns whether there is one.
+bool TriggerList::FollowFrom(std::size_t dispatcher, std::vector<int>& states, Report& findings) {
   enum State { Unseen, OnTheWay, Done };
-  if (states[dispatcher] != Unseen) return;
+  if (states[dispatcher] != Unseen) return false;
   states[dispatcher] = OnTheWay;
   Dispatchers[dispatcher].IsReached = true;
+  bool circles = false;
   for (std::size_t i = 0; i < Dispatchers[dispatcher].OutEvents.size(); ++i)
     for (const std::size_t next : LookUp(dispatchersByTag_, Dispatchers[dispatcher].OutEvents[i])) {
       if (states[next] == OnTheWay) {
         findings.Add(FindingCode::DispatcherCircle, Dispatchers[dispatcher].Name);
+        circles = true;
         continue;
       }
       Dispatchers[next].Feeders.push_back({dispatcher, i});
-      FollowFrom(next, states, findings);
+      circles = FollowFrom(next, states, findings) || circles;
     }
   states[dispatcher] = Done;
+  return circles;
+}
+
+/// Where a circle has to be cut depends on where a trigger enters it, so that each dispatcher that triggers reach
+/// without another gets the ones behind it for itself.
+void TriggerList::SplitByTrigger(Report& findings) {
+  std::vector<DispatcherEntry> split;
+  for (const DispatcherEntry& first : Dispatchers) {
+    if (SensorsOf(first.Tag).empty()) continue;
+    TriggerList own; // what one trigger reaches
+    own.Dispatchers = Dispatchers;
+    for (DispatcherEntry& dispatcher : own.Dispatchers) {
+      dispatcher.IsReached = dispatcher.HearsTriggers = false;
+      dispatcher.Feeders.clear();
+    }
+    own.IndexDispatchers();
+    const auto start = static_cast<std::size_t>(&first - Dispatchers.data());
+    std::vector<int> states(Dispatchers.size(), 0);
+    own.FollowFrom(start, states, findings);
+    own.Dispatchers[start].HearsTriggers = true;
+    std::vector<std::size_t> numbers(Dispatchers.size(), 0); // of the reached ones, in `split`
+    std::size_t next = split.size();
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+      if (own.Dispatchers[i].IsReached) numbers[i] = next++;
+    if (next > maxSplitDispatchers) {
+      findings.Add(FindingCode::TooManyCircles, first.Name);
+      continue;
+    }
+    for (DispatcherEntry& dispatcher : own.Dispatchers) {
+      if (!dispatcher.IsReached) continue;
+      for (DispatcherOutput& feeder : dispatcher.Feeders)
+        feeder.Dispatcher = numbers[feeder.Dispatcher];
+      split.push_back(std::move(dispatcher));
+    }
+  }
+  Dispatchers = std::move(split);
+  IndexDispatchers();
+}
+
+void TriggerList::FindStations() {
+  std::vector<bool> done(Dispatchers.size(), false);
+  const auto visit = [&](const auto& self, std::size_t number) -> void {
+    if (done[number]) return;
+    done[number] = true;
+    for (const DispatcherOutput& feeder : Dispatchers[number].Feeders)
+      self(self, feeder.Dispatcher);
+    const TriggerSources sources = SourcesOfDispatcher(number);
+    std::size_t count = sources.Outputs.size();
+    for (const std::string& event : sources.Events)
+      count += SensorsOf(event).size();
+    Dispatchers[number].IsStation = count > stationSources;
+  };
+  for (std::size_t number = 0; number < Dispatchers.size(); ++number)
+    visit(visit, number);
 }
 
 std::vector<DispatcherOutput> TriggerList::OutputsFor(std::string_view tag) const {
@@ -76,39 +146,42 @@ std::vector<DispatcherOutput> TriggerList::OutputsFor(std::string_view tag) cons
   return outputs;
 }
 
-bool TriggerList::IsReached(std::string_view tag) const {
-  return !LookUp(triggersByEvent_, tag).empty() || !OutputsFor(tag).empty();
+const std::vector<std::size_t>& TriggerList::SensorsOf(std::string_view event) const {
+  return LookUp(triggersByEvent_, event);
 }
 
-std::vector<TriggerSource> TriggerList::SourcesOf(std::string_view tag) const {
-  return Collect(OutputsFor(tag), {std::string(tag)});
+bool TriggerList::IsReached(std::string_view tag) const { return !SensorsOf(tag).empty() || !OutputsFor(tag).empty(); }
+
+TriggerSources TriggerList::SourcesOf(std::string_view tag) const {
+  TriggerSources sources;
+  if (!SensorsOf(tag).empty()) sources.Events.insert(LowerCase(tag));
+  Collect(OutputsFor(tag), sources);
+  return sources;
 }
 
-std::vector<TriggerSource> TriggerList::SourcesOfDispatcher(std::size_t number) const {
-  return Collect(Dispatchers[number].Feeders, {Dispatchers[number].Tag});
+TriggerSources TriggerList::SourcesOfDispatcher(std::size_t number) const {
+  const DispatcherEntry& dispatcher = Dispatchers[number];
+  TriggerSources sources;
+  if (dispatcher.HearsTriggers && !SensorsOf(dispatcher.Tag).empty()) sources.Events.insert(LowerCase(dispatcher.Tag));
+  Collect(dispatcher.Feeders, sources);
+  return sources;
 }
 
-/// The sensors whose events are the Tags, and what is behind the outputs: one without a delay leads on to whatever
-/// comes to its dispatcher.
-std::vector<TriggerSource> TriggerList::Collect(std::vector<DispatcherOutput> outputs,
-                                                std::vector<std::string> tags) const {
-  std::set<TriggerSource> sources;
+/// Adds the outputs, but for one without a delay whatever comes to its dispatcher.
+void TriggerList::Collect(std::vector<DispatcherOutput> outputs, TriggerSources& sources) const {
   std::set<std::size_t> passed;
   while (!outputs.empty()) {
     const DispatcherOutput output = outputs.back();
     outputs.pop_back();
     const DispatcherEntry& dispatcher = Dispatchers[output.Dispatcher];
-    if (dispatcher.Delays[output.Entry] > 0) {
-      sources.insert({false, 0, output});
+    if (dispatcher.IsStation || dispatcher.Delays[output.Entry] > 0) {
+      sources.Outputs.insert(output);
     } else if (passed.insert(output.Dispatcher).second) {
       outputs.insert(outputs.end(), dispatcher.Feeders.begin(), dispatcher.Feeders.end());
-      tags.push_back(dispatcher.Tag);
+      if (dispatcher.HearsTriggers && !SensorsOf(dispatcher.Tag).empty())
+        sources.Events.insert(LowerCase(dispatcher.Tag));
     }
   }
-  for (const std::string& tag : tags)
-    for (const std::size_t entry : LookUp(triggersByEvent_, tag))
-      sources.insert({true, entry, {}});
-  return {sources.begin(), sources.end()};
 }
 
 } // namespace quarvel

@@ -36,13 +36,15 @@ struct DispatcherOutput {
   auto operator<=>(const DispatcherOutput&) const = default;
 };
 
-/// One Dispatcher actor.
+/// One Dispatcher actor, or where dispatchers form a circle, what it is for one of the triggers that enter it.
 struct DispatcherEntry {
   std::string Name; ///< of the actor
   std::string Tag;  ///< the event that it passes on
   std::array<std::string, 8> OutEvents;
   std::array<double, 8> Delays{};        ///< seconds from the event to each of them
+  bool HearsTriggers = true;             ///< triggers of the Tag come here, not only other dispatchers
   bool IsReached = false;                ///< some trigger's event comes here
+  bool IsStation = false;                ///< so much comes here that its script stands for all of it
   std::vector<DispatcherOutput> Feeders; ///< the outputs of other dispatchers that come here; never in a circle
 };
 
@@ -53,12 +55,10 @@ struct TriggerLink {
   std::string ToNode, ToField;
 };
 
-/// What sets a Tag off: a sensor, or a dispatcher's output that comes with a delay.
-struct TriggerSource {
-  bool IsSensor = true;
-  std::size_t Entry = 0;     ///< of a sensor
-  DispatcherOutput Output{}; ///< of a dispatcher
-  auto operator<=>(const TriggerSource&) const = default;
+/// What sets a Tag off: the sensors of events, and outputs of dispatchers, which come with a delay or from a station.
+struct TriggerSources {
+  std::set<std::string> Events; ///< in lower case
+  std::set<DispatcherOutput> Outputs;
 };
 
 /// Every trigger of a scene, and what is to be linked to them.
@@ -75,14 +75,19 @@ class TriggerList {
   /// True when some trigger's event is this Tag, or reaches it through dispatchers. Case does not count; an empty Tag
   /// is reached by nothing.
   bool IsReached(std::string_view tag) const;
-  /// Everything that sets off the Tag, or that comes to the dispatcher, in a fixed order, each once.
-  std::vector<TriggerSource> SourcesOf(std::string_view tag) const;
-  std::vector<TriggerSource> SourcesOfDispatcher(std::size_t number) const;
+  /// Everything that sets off the Tag, or that comes to the dispatcher.
+  TriggerSources SourcesOf(std::string_view tag) const;
+  TriggerSources SourcesOfDispatcher(std::size_t number) const;
+  /// The entries whose event this is, in file order.
+  const std::vector<std::size_t>& SensorsOf(std::string_view event) const;
 
  private:
   std::vector<DispatcherOutput> OutputsFor(std::string_view tag) const;
-  void FollowFrom(std::size_t dispatcher, std::vector<int>& states, Report& findings);
-  std::vector<TriggerSource> Collect(std::vector<DispatcherOutput> outputs, std::vector<std::string> tags) const;
+  void IndexDispatchers();
+  bool FollowFrom(std::size_t dispatcher, std::vector<int>& states, Report& findings);
+  void SplitByTrigger(Report& findings);
+  void FindStations();
+  void Collect(std::vector<DispatcherOutput> outputs, TriggerSources& sources) const;
 
   // By event or Tag in lower case.
   std::map<std::string, std::vector<std::size_t>> triggersByEvent_;

@@ -151,15 +151,4 @@ void WriteDefaultViewpoint(SceneContext& context, const PlacementRecord& place, 
   BindBySensor(context, def, context.Space.Position(place.Location), bounds);
 }
 
-void WriteStarts(SceneRun& run) {
-  ForEachActor(run, ActorFamily::PlayerStart, ReadPlacement,
-               [&](const PlacementRecord& start) { WriteViewpoint(run.Context, start); });
-}
-
-void WriteFirstView(SceneRun& run) {
-  const Bounds3& bounds = run.Totals.Bounds;
-  const auto starts = ReadAllShown(run, ActorFamily::PlayerStart, ReadPlacement);
-  WriteDefaultViewpoint(run.Context, starts.empty() ? PlaceAbove(bounds, run.Context.Space) : starts.front(), bounds);
-}
-
 } // namespace quarvel

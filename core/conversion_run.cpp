@@ -1,7 +1,9 @@
 #include "core/conversion_run.h"
 
 #include "core/level_source.h"
+#include "core/motion_passes.h"
 #include "core/run_passes.h"
+#include "core/run_state.h"
 #include "core/scene_framing.h"
 #include "core/sky_scene.h"
 #include "math/number_text.h"
@@ -75,68 +77,67 @@ void NoteFile(RunResult& result, fs::path& name, const fs::path& path) {
   result.FilesWritten.push_back(path);
 }
 
-void SaveDocument(SceneRun& run, RunResult& result, const fs::path& path, fs::path& name, XMLFaults& faults) {
+void SaveDocument(RunState& run, const fs::path& path, fs::path& name, XMLFaults& faults) {
   if (!SaveXML(run.Context.Scene.SceneDocument(), path, run.Context.Scene.Conforming(), faults))
     throw RunFailed{Display(path) + " cannot be written"};
-  NoteFile(result, name, path);
+  NoteFile(run.Result, name, path);
 }
 
-void ReportFaults(SceneRun& run, const XMLFaults& faults) {
-  Report& report = run.Context.Findings;
+void ReportFaults(RunState& run, const XMLFaults& faults) {
+  Report& report = run.Result.Findings;
   if (faults.Markup) report.Add(FindingCode::MarkupInDocument, "");
   if (faults.Characters) report.Add(FindingCode::CharactersInDocument, "");
   for (const std::string& quirk : run.Context.Scene.Quirks())
     report.Add(FindingCode::StrictViewersRefuse, quirk);
 }
 
-void CloseScene(SceneRun& run, const SceneFileNames& files, RunResult& result, SceneFileNames& written) {
+void CloseScene(RunState& run, const SceneFileNames& files, SceneFileNames& written) {
   run.Context.Scene.WriteReadyRoutes();
   FlushBlock(run);
-  run.Context.Scene.FinishRoutes(run.Context.Findings);
+  run.Context.Scene.FinishRoutes(run.Result.Findings);
   if (!run.File.Flush()) {
     std::error_code error;
     fs::remove(run.File.Path(), error); // half a scene is worse than none
     throw RunFailed{Display(run.File.Path()) + " cannot be written"};
   }
-  NoteFile(result, written.Text, run.File.Path());
+  NoteFile(run.Result, written.Text, run.File.Path());
   XMLFaults faults;
-  if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, result, files.Copy, written.Copy, faults);
-  SaveDocument(run, result, files.Document, written.Document, faults);
+  if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, written.Copy, faults);
+  SaveDocument(run, files.Document, written.Document, faults);
   ReportFaults(run, faults);
 }
 
 /// Writes one scene from its header to its end.
-void WriteScene(SceneRun& run, const SceneFileNames& files, RunResult& result, SceneFileNames& written) {
+void WriteScene(RunState& run, const SceneFileNames& files, SceneFileNames& written) {
   WriteTextHeader(run.Context.Scene, run.Context.Settings);
-  DeclarePrototypes(run);
+  WritePrototypes(run);
   SceneFrame frame(run.Context.Scene, run.Context.Settings, files.Document.stem().string());
   MakePasses(run);
   frame.CloseContent();
-  CloseScene(run, files, result, written);
-  result.Brushes += run.Totals.Brushes;
-  result.Faces += run.Totals.Faces;
-  result.UniqueMaterials += run.Context.Materials.UniqueMaterialCount();
+  CloseScene(run, files, written);
+  run.Result.UniqueMaterials += run.Context.Materials.UniqueMaterialCount();
 }
 
-void WriteSkyScene(const SkyScene& sky, SceneRun& world, RunResult& result) {
+void WriteSkyScene(const SkyScene& sky, RunState& world) {
   const ScenePart part{ScenePart::Kind::Sky, sky.Zone.Location};
-  SceneRun run(sky.Files.Text, sky.Settings, world.Level, part, nullptr, world.Context.Resources, world.Context.User,
-               result.Findings);
-  WriteScene(run, sky.Files, result, result.SkyScene);
+  RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Context.Resources, world.Context.User,
+               world.Result);
+  WriteScene(run, sky.Files, run.Result.SkyScene);
 }
 
-void WritePreloadScript(SceneRun& run, RunResult& result, const fs::path& outFile) {
+void WritePreloadScript(RunState& run, const fs::path& outFile) {
   if (!run.Context.Settings.CheckMakePreloadScript) return;
-  result.PreloadScript =
+  run.Result.PreloadScript =
       MakePreloadScript(run.Context.Resources.UsedTextureUrls(), run.Context.Settings.TextJavascriptURL);
   const fs::path path = fs::path(outFile).replace_filename(outFile.stem().string() + "Preload.js");
   TextFile file(path, TextCoding::AsIs);
-  file.Append(result.PreloadScript);
+  file.Append(run.Result.PreloadScript);
   if (!file.Flush()) throw RunFailed{Display(path) + " cannot be written"};
-  NoteFile(result, result.PreloadFile, path);
+  NoteFile(run.Result, run.Result.PreloadFile, path);
 }
 
-void WriteReports(SceneRun& run, RunResult& result, const fs::path& outFile) {
+void WriteReports(RunState& run, const fs::path& outFile) {
+  RunResult& result = run.Result;
   result.Missing = run.Context.Resources.Missing();
   const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, run.Context.Settings);
   result.Messages.insert(result.Messages.end(), lists.Messages.begin(), lists.Messages.end());
@@ -144,7 +145,7 @@ void WriteReports(SceneRun& run, RunResult& result, const fs::path& outFile) {
     run.Context.User.ShowMessage(message);
   result.MissingLists = lists.FilesWritten;
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
-  WritePreloadScript(run, result, outFile);
+  WritePreloadScript(run, outFile);
   std::vector<std::string> errors = lists.Errors;
   errors.insert(errors.end(), run.Context.Resources.Errors().begin(), run.Context.Resources.Errors().end());
   if (!errors.empty()) throw RunFailed{errors.front()};
@@ -166,11 +167,11 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
 
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
-  SceneRun run(files.Text, settings, level, part, sky ? &sky->Zone : nullptr, resources, user, result.Findings);
-  WriteScene(run, files, result, result.Scene);
-  result.Bounds = run.Totals.Bounds;
-  if (sky) WriteSkyScene(*sky, run, result);
-  WriteReports(run, result, outFile);
+  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, resources, user, result);
+  WriteScene(run, files, result.Scene);
+  result.Bounds = run.Bounds;
+  if (sky) WriteSkyScene(*sky, run);
+  WriteReports(run, outFile);
   user.ShowPass("Done");
   user.ShowFraction(1);
   user.ShowItem("Box: " + FormatVec(result.Bounds.Min) + " to " + FormatVec(result.Bounds.Max));

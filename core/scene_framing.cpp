@@ -1,5 +1,7 @@
 #include "core/scene_framing.h"
 
+#include "scene/avatar.h"
+
 #include <algorithm>
 
 namespace quarvel {
@@ -7,10 +9,6 @@ namespace quarvel {
 namespace {
 
 constexpr const char* webAddress = "https://quarvel.example.org/";
-
-// Metres a second. The two scenes differ on purpose unless they are to conform.
-constexpr const char* textSpeed = "1.5";
-constexpr const char* documentSpeed = "5.3";
 
 // The profile Immersive comprises level 2 of this component, but animated textures need PositionInterpolator2D.
 constexpr const char* interpolationLevel = "3";
@@ -47,8 +45,8 @@ SceneNode OpenGroup(SceneWriter& scene, const ConversionSettings& settings) {
   SceneNode navigation = scene.Open("", "NavigationInfo", {}, {.Scope = SceneScope::Document});
   navigation.Strings("type", MovementType(settings));
   navigation.Flag("headlight", settings.CheckHeadlight);
-  navigation.Field("avatarSize", ".5 1.6 0.75");
-  navigation.Field("speed", documentSpeed);
+  WriteAvatarSize(navigation, "avatarSize");
+  WriteAvatarSpeed(navigation, "speed");
   navigation.Close();
   return scene.Open("", "Group", {}, {.Scope = SceneScope::Document});
 }
@@ -69,10 +67,10 @@ void WriteTextHeader(SceneWriter& scene, const ConversionSettings& settings) {
   scene.Line("# ", webAddress);
   scene.Line("");
   SceneNode navigation = scene.Open("", "NavigationInfo", {}, {.Scope = SceneScope::Text});
-  navigation.List(" avatarSize", ".5, 1.6, 0.75", ListLayout::OneLine);
+  WriteAvatarSize(navigation, " avatarSize");
   navigation.Flag("headlight", settings.CheckHeadlight);
   navigation.Strings(" type", MovementType(settings));
-  navigation.Field(" speed", scene.Conforming() ? documentSpeed : textSpeed);
+  WriteAvatarSpeed(navigation, " speed");
   navigation.Close();
   scene.FlushLines();
 }

@@ -1,11 +1,13 @@
 #include "resources/url.h"
 
+#include "base/ascii_text.h"
 #include "base/text_coding.h"
 
 namespace quarvel {
 namespace {
 
 constexpr std::string_view Unreserved = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+constexpr std::string_view AddressCharacters = "/:?#=%@+,;!*()[]$"; // and "&", which a document has to escape
 constexpr std::string_view HexDigits = "0123456789ABCDEF";
 
 void AppendEncoded(char c, std::string& out) {
@@ -34,14 +36,11 @@ std::string Encode(std::string_view text, std::string_view alsoKept) {
 std::string EncodeUrlPath(std::string_view path) { return Encode(path, "/"); }
 
 std::string EncodeWebAddress(std::string_view address) {
-  const std::size_t first = address.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  address = address.substr(first, address.find_last_not_of(" \t") - first + 1);
-  return Encode(ToUtf8(address), "/:?#=%@+,;!*()[]$");
+  return Encode(ToUtf8(Trimmed(address)), std::string(AddressCharacters) + "&");
 }
 
 std::string UrlPrefix(std::string_view typed) {
-  std::string prefix = EncodeWebAddress(typed);
+  std::string prefix = Encode(ToUtf8(Trimmed(typed)), AddressCharacters);
   if (!prefix.empty() && prefix.back() != '/') prefix += '/';
   return prefix;
 }

@@ -133,7 +133,10 @@ SceneNode OpenTransform(SceneWriter& scene, const BrushPlacement& placement, con
 /// Makes a link of the brush's shapes.
 SceneNode OpenAnchor(SceneWriter& scene, const std::string& address) {
   SceneNode anchor = scene.Open(" ", "Anchor");
-  anchor.Strings("  url", address);
+  // The document is written as it stands unless it conforms, and no address can do with another character instead.
+  std::string inDocument = address;
+  if (!scene.Conforming()) ReplaceAll(inDocument, "&", "&amp;");
+  anchor.Strings("  url", PerScene{address, inDocument});
   anchor.Children("  ");
   return anchor;
 }
@@ -189,7 +192,9 @@ std::string WebAddress(const std::string& text) {
 
 bool IsIgnoredFace(const PolygonRecord& polygon, const ConversionSettings& settings) {
   if (polygon.Flags & (SurfaceInvisible | SurfaceFakeBackdrop)) return true;
-  return settings.CheckIgnore && (polygon.Texture.empty() || SameText(polygon.Texture, "DefaultTexture"));
+  if (!settings.CheckIgnore) return false;
+  return polygon.Texture.empty() || SameText(polygon.Texture, "None") || SameText(polygon.Texture, "DefaultTexture") ||
+         SameText(polygon.Texture, "Engine.DefaultTexture");
 }
 
 } // namespace quarvel

@@ -66,6 +66,11 @@ pugi::xml_node SceneNode::Element() const {
   return node.Scope == SceneScope::Text ? pugi::xml_node() : node.Element;
 }
 
+void SceneNode::Field(const char* line, const PerScene& value) {
+  TextField(line, value.InText);
+  AddAttribute(Element(), FieldName(line), std::string(value.InDocument));
+}
+
 void SceneNode::Field(const char* line, const std::string& value) {
   TextField(line, value);
   AddAttribute(Element(), FieldName(line), value);
@@ -92,15 +97,19 @@ void SceneNode::Strings(const char* line, const PerScene& value, Brackets bracke
 }
 
 void SceneNode::List(const char* line, const std::string& values, ListLayout layout) {
+  List(line, PerScene{values, values}, layout);
+}
+
+void SceneNode::List(const char* line, const PerScene& values, ListLayout layout) {
   if (InText() && layout == ListLayout::Lines) {
     const std::string_view indent(line, static_cast<std::size_t>(FieldName(line) - line));
     writer_->Line(line, " [");
-    writer_->Line(indent, "  ", values);
+    writer_->Line(indent, "  ", values.InText);
     writer_->Line(indent, "]");
   } else if (InText()) {
-    writer_->Line(line, " [", values, layout == ListLayout::OneLinePadded ? " ]" : "]");
+    writer_->Line(line, " [", values.InText, layout == ListLayout::OneLinePadded ? " ]" : "]");
   }
-  AddAttribute(Element(), FieldName(line), values);
+  AddAttribute(Element(), FieldName(line), std::string(values.InDocument));
 }
 
 void SceneNode::Code(const std::vector<std::string>& lines, std::string_view indent, std::string_view closingIndent) {

@@ -72,12 +72,14 @@ class SceneNode {
   ~SceneNode() noexcept(false); ///< closes the node, unless an exception is under way: that scene is never finished
 
   void Field(const char* line, const std::string& value);
+  void Field(const char* line, const PerScene& value);
   void Flag(const char* line, bool value);               ///< TRUE and FALSE in the text, true and false in the document
   void String(const char* line, std::string_view value); ///< an SFString
   /// An MFString with one entry: quoted in the text, bare in the document unless it conforms.
   void Strings(const char* line, std::string_view value, Brackets brackets = Brackets::None);
   void Strings(const char* line, const PerScene& value, Brackets brackets = Brackets::None);
   void List(const char* line, const std::string& values, ListLayout layout = ListLayout::Lines);
+  void List(const char* line, const PerScene& values, ListLayout layout);
   /// The `url` of a Script with its code, a line of it each; `indent` and `closingIndent` stand before the text's first
   /// and last line.
   void Code(const std::vector<std::string>& lines, std::string_view indent, std::string_view closingIndent);

@@ -60,7 +60,7 @@ struct ConversionSettings {
   // Movers and triggers
   bool CheckMovers = true;
   bool CheckShowTriggers = false;
-  NumberText TextMoverTriggerMargin{"32", 32}; ///< Unreal units
+  NumberText TextMoverTriggerMargin{"100", 100}; ///< Unreal units
 
   // Textures
   NumberText TextTexPanScale{"1", 1};

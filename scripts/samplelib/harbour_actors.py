@@ -110,19 +110,20 @@ def _sounds(town):
     town.actor("TriggeredAmbientSound", hammer, off, once, at=(1016, -816, 168), tag="hammer")
 
 
-def _size(radius, height):
-    return [("CollisionRadius", number(radius)), ("CollisionHeight", number(height))]
+def _size(radius):
+    """High enough for the eyes of a visitor on foot, who stands 48 units below the middle."""
+    return [("CollisionRadius", number(radius)), ("CollisionHeight", number(128))]
 
 
 def _triggers(town):
-    town.actor("Trigger", at=(-320, -592, 48), event="lift", late=_size(64, 48))
-    town.actor("ElevatorTrigger", ("GotoKeyframe", "1"), at=(-440, -592, 316), event="lift", late=_size(64, 48))
+    town.actor("Trigger", at=(-320, -592, 48), event="lift", late=_size(64))
+    town.actor("ElevatorTrigger", ("GotoKeyframe", "1"), at=(-440, -592, 316), event="lift", late=_size(64))
     town.in_zone("ZoneInfo", 2)
-    town.actor("Trigger", at=(-768, -480, 48), event="lantern", late=_size(128, 64))
+    town.actor("Trigger", at=(-768, -480, 48), event="lantern", late=_size(128))
     town.in_zone("LevelInfo", 1)
-    town.actor("Trigger", ("ReTriggerDelay", number(8)), at=(960, -160, 48), event="bridgecall", late=_size(128, 64))
-    town.actor("Trigger", ("ReTriggerDelay", number(8)), at=(960, 288, 48), event="bridgecall", late=_size(128, 64))
-    town.actor("Trigger", at=(1016, -784, 168), event="hammer")
+    town.actor("Trigger", ("ReTriggerDelay", number(8)), at=(960, -160, 48), event="bridgecall", late=_size(128))
+    town.actor("Trigger", ("ReTriggerDelay", number(8)), at=(960, 288, 48), event="bridgecall", late=_size(128))
+    town.actor("Trigger", at=(1016, -784, 168), event="hammer", late=_size(40))
     town.actor("Trigger", ("bInitiallyActive", "False"), at=(160, -400, 48), event="nobody")
     # The bell first, then the bridge.
     town.actor(
@@ -139,7 +140,7 @@ def _triggers(town):
         ("Events(1)", quoted("hammer")),
         ("triggerProbability", number(0.6)),
         at=(-64, -240, 48),
-        late=_size(96, 64),
+        late=_size(96),
     )
 
 
@@ -157,15 +158,15 @@ def _starts(town):
 
 def _teleporters(town):
     town.in_zone("ZoneInfo", 2)
-    town.actor("Teleporter", ("URL", quoted("gallery")), at=(-1056, -784, 44), turned=(0, 8192, 0), tag="store")
+    town.actor("Teleporter", ("URL", quoted("gallery")), at=(-1056, -784, 48), turned=(0, 8192, 0), tag="store")
     town.in_zone("LevelInfo", 1)
-    town.actor("Teleporter", ("URL", quoted("store")), at=(832, 640, 408), turned=(0, 2 * QUARTER, 0), tag="gallery")
+    town.actor("Teleporter", ("URL", quoted("store")), at=(832, 640, 416), turned=(0, 2 * QUARTER, 0), tag="gallery")
     # One that leads to another level.
     away = ("URL", quoted("Marsh.unr#ferry"))
-    town.actor("Teleporter", away, at=(1216, -384, 44), turned=(0, 2 * QUARTER, 0), tag="towngate")
+    town.actor("Teleporter", away, at=(1216, -384, 48), turned=(0, 2 * QUARTER, 0), tag="towngate")
     home = (("FavoriteNumber", "1"), ("URL", quoted("Quayside")))
-    town.actor("FavoritesTeleporter", *home, at=(720, 896, 44), turned=(0, -8192, 0), tag="mole")
-    town.actor("VisibleTeleporter", ("URL", quoted("mole")), at=(160, -640, 52), turned=(0, QUARTER, 0), tag="quayside")
+    town.actor("FavoritesTeleporter", *home, at=(720, 896, 48), turned=(0, -8192, 0), tag="mole")
+    town.actor("VisibleTeleporter", ("URL", quoted("mole")), at=(160, -640, 48), turned=(0, QUARTER, 0), tag="quayside")
 
 
 def _flights(town):

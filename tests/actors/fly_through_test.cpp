@@ -132,6 +132,17 @@ TEST_F(FlyThrough, TakesOffWhenItsCameraIsBound) {
   EXPECT_FALSE(Wrote("IndexedLineSet"));
 }
 
+TEST_F(FlyThrough, FliesOnlyForWalkersAndOnlyOnTheWay) {
+  WriteFlyThrough(Context(), Plan(triangle_));
+  EXPECT_TRUE(Wrote("DEF FlyThruNAVINFO NavigationInfo {\n type \"FLY\"\n headlight TRUE\n"
+                    " avatarSize [.5, 1.6, 0.75]\n speed 1.5\n}\n"))
+      << Text();
+  EXPECT_TRUE(Wrote("ROUTE FlyThruTIMER.isActive TO FlyThruNAVINFO.set_bind\n")) << "over when the flight is";
+  Settings.ListMovement = "fly";
+  WriteFlyThrough(Context(), Plan(triangle_));
+  EXPECT_FALSE(Wrote("FlyThru_2NAVINFO"));
+}
+
 TEST_F(FlyThrough, CanBeDelayedAndShown) {
   Settings.CheckConforming = Settings.CheckFlyThruDelay = Settings.CheckShowFlyThru = true;
   Settings.TextFlyThruDelay = {"2.5", 2.5};

@@ -198,6 +198,10 @@ TEST_F(Lights, ThatAreTriggeredAreSwitched) {
   EXPECT_TRUE(TextHas("  on FALSE\n"));
   WriteTriggersAndLinks(Context(), Linked);
   EXPECT_TRUE(Text().ends_with("ROUTE T.isActive TO Light0.set_on\n"));
+  EXPECT_TRUE(Findings.Findings().empty());
+  light.Header.Tag = "Nobody";
+  WriteTriggerLight(Context(), Linked, light);
+  EXPECT_TRUE(Reported("Light0", "no trigger reaches it"));
 }
 
 TEST_F(Lights, OfTheAmbienceReachTheWholeLevel) {

@@ -98,8 +98,8 @@ TEST_F(Movers, TakeBadNumbersWithAReport) {
 
 TEST_F(Movers, OpenWhenTheyAreTouched) {
   Write(Read(doorKeys));
-  // Grown by 64 each way: 164 by 464 by 124; half the depth is more than the width.
-  const std::size_t sensor = Text().find("DEF TriggerM ProximitySensor {\n center 50 30.0 200.0\n size 232 124 464\n");
+  // Grown by 200 each way: 300 by 600 by 260; half the depth is as much as the width.
+  const std::size_t sensor = Text().find("DEF TriggerM ProximitySensor {\n center 50 30.0 200.0\n size 300 260 600\n");
   const std::size_t route = Text().find("ROUTE TriggerM.enterTime TO Mover_1TIMER.startTime\n");
   EXPECT_NE(sensor, std::string::npos) << Text();
   EXPECT_LT(sensor, route);
@@ -122,6 +122,16 @@ TEST_F(Movers, ThatNothingStartsAreReported) {
   EXPECT_FALSE(Wrote("ProximitySensor"));
   EXPECT_TRUE(Reported("M", "never moves"));
   EXPECT_TRUE(Reported("M", "tagged lamp"));
+}
+
+TEST_F(Movers, WithoutKeysHaveAllButInterpolators) {
+  Write(Read("    NumKeys=1\r\n    MoveTime=3"));
+  EXPECT_TRUE(Wrote("DEF Mover_1TIMER TimeSensor {\n cycleInterval 6\n loop FALSE\n"));
+  EXPECT_TRUE(Wrote("DEF TriggerM ProximitySensor {"));
+  EXPECT_TRUE(Wrote("ROUTE TriggerM.enterTime TO Mover_1TIMER.startTime\n"));
+  EXPECT_FALSE(Wrote("Interpolator"));
+  EXPECT_TRUE(Reported("M", "no keys"));
+  EXPECT_FALSE(Reported("M", "no trigger"));
 }
 
 /// The corner of a brush under a Transform with this rotation and translation.

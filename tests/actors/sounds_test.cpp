@@ -124,6 +124,7 @@ TEST_F(Sounds, ThatAreTriggeredOnceOrOnFromTheStartDoNotWait) {
   record.bPlayOnceOnly = true;
   WriteTriggeredSound(Context(), Linked, record);
   EXPECT_FALSE(TextHas("Time"));
+  EXPECT_TRUE(Reported("A", "no trigger reaches it"));
   record.bPlayOnceOnly = false;
   record.bInitiallyOn = true;
   WriteTriggeredSound(Context(), Linked, record);

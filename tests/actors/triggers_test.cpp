@@ -133,6 +133,70 @@ TEST_F(Triggers, CutCirclesOfDispatchers) {
   EXPECT_TRUE(Reported("D2", "circle"));
 }
 
+TEST_F(Triggers, KeepTheirPathWhenACircleIsCutForAnother) {
+  const std::string level = ActorText("Trigger Name=A", "    Event=a") + ActorText("Trigger Name=B", "    Event=b") +
+                            ActorText("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b\r\n"
+                                                            "    OutEvents(1)=bell") +
+                            ActorText("Dispatcher Name=D2", "    Tag=b\r\n    OutDelays(0)=2\r\n    OutEvents(0)=a");
+  const Routes routes = RoutesTo(level, "bell");
+  for (const char* route : {"A.enterTime TO SCRIPTD1.set_enterTime", "B.enterTime TO SCRIPTD2.set_enterTime",
+                            "SCRIPTD2.enterTime0_changed TO SCRIPTD1_2.set_enterTime"})
+    EXPECT_EQ(std::count(routes.begin(), routes.end(), route), 1) << route;
+  EXPECT_EQ(routes.size(), 7U) << "and each of the two bells by a timer of its own";
+  EXPECT_TRUE(Reported("D2", "circle"));
+}
+
+TEST_F(Triggers, ThatComeAgainLaterDoNotReplaceOneAnother) {
+  const std::string level =
+      ActorText("Trigger Name=A", "    Event=go") +
+      ActorText("Dispatcher Name=D", "    Tag=go\r\n    OutEvents(0)=bell\r\n    OutDelays(1)=0.1\r\n"
+                                     "    OutEvents(1)=bell\r\n    OutDelays(2)=0.2\r\n    OutEvents(2)=bell");
+  const Routes routes = RoutesTo(level, "bell");
+  for (const char* route :
+       {"A.enterTime TO Target.startTime", "SCRIPTD.enterTime1_changed TO SCRIPTDTIMER1.startTime",
+        "SCRIPTDTIMER1.cycleTime TO Target.startTime", "SCRIPTDTIMER2.cycleTime TO Target.startTime"})
+    EXPECT_EQ(std::count(routes.begin(), routes.end(), route), 1) << route;
+  EXPECT_NE(Text().find("enterTime2_changed = value + 0.3;"), std::string::npos) << "no noise of the sum";
+  EXPECT_NE(Text().find("DEF SCRIPTDTIMER2 TimeSensor {"), std::string::npos);
+}
+
+TEST_F(Triggers, OfNoneLinkNothing) {
+  const std::string level = ActorText("Trigger Name=A", "    Event=None") +
+                            ActorText("Dispatcher Name=D", "    Tag=None\r\n    OutEvents(0)=bell");
+  EXPECT_EQ(RoutesTo(level, "None"), Routes{});
+  EXPECT_FALSE(NoteLink(Linked, "bell", "enterTime", "Target", "startTime"));
+}
+
+/// So many that each linked to each would fill the memory: by one event, through dispatchers, and with delays.
+TEST_F(Triggers, GrowWithTheirEndsNotWithTheProduct) {
+  std::string level;
+  for (int i = 0; i < 3000; ++i)
+    level += ActorText("Trigger Name=T" + std::to_string(i), "    Event=go");
+  for (int i = 0; i < 200; ++i) {
+    const std::string number = std::to_string(i);
+    level += ActorText("Dispatcher Name=D" + number, "    Tag=go\r\n    OutEvents(0)=fan" + number +
+                                                         "\r\n    OutDelays(1)=1\r\n    OutEvents(1)=go2");
+  }
+  Linked = ReadTriggers(Context(), {}, T3DLevel(level));
+  Scene().Define("Target");
+  for (int i = 0; i < 3000; ++i) {
+    NoteLink(Linked, "go", "enterTime", "Target", "startTime");
+    NoteLink(Linked, "go", "isActive", "Target", "set_on");
+    NoteLink(Linked, "go2", "enterTime", "Target", "startTime");
+    NoteLink(Linked, "fan" + std::to_string(i), "enterTime", "Target", "startTime");
+  }
+  WriteTriggersAndLinks(Context(), Linked);
+  EXPECT_LT(Scene().PendingRoutes().size(), 20000U);
+  EXPECT_TRUE(Reported("go", "one script passes it on"));
+  EXPECT_NE(Text().find("DEF RELAYgo Script {\neventIn  SFTime  set_enterTime\neventIn  SFBool  set_isActive\n"
+                        "eventOut SFTime  enterTime_changed\neventOut SFBool  isActive_changed\n"),
+            std::string::npos);
+  EXPECT_NE(Document().find("<Script DEF=\"RELAYgo\" "), std::string::npos);
+  for (const char* route :
+       {"ROUTE T2999.isActive TO RELAYgo.set_isActive\n", "ROUTE RELAYgo.isActive_changed TO Target.set_on\n"})
+    EXPECT_NE(Text().find(route), std::string::npos) << route;
+}
+
 TEST_F(Triggers, ThatNothingReachesDispatchNothing) {
   EXPECT_EQ(RoutesTo(ActorText("Dispatcher Name=D", "    Tag=a\r\n    OutEvents(0)=bell"), "bell"), Routes{});
 }

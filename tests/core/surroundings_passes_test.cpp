@@ -120,9 +120,9 @@ TEST_F(SurroundingsTest, ThePassesKeepTheirOrder) {
   std::vector<std::string> order;
   for (const pugi::xml_node node : document_.select_node("//Group").node().children())
     order.push_back(std::string(node.name()) + ":" + node.attribute("DEF").value());
-  const std::vector<std::string> expected{"Transform:MSHT_Urn",    "Transform:B",
-                                          "Transform:Mover_2",     "Transform:Hills",
-                                          "TimeSensor:TIMERUVPAN", "PositionInterpolator2D:POSINT2DUVPAN"};
+  const std::vector<std::string> expected{
+      "Transform:MSHT_Urn",       "Transform:B",     "Transform:Mover_2",     "TimeSensor:Mover_2TIMER",
+      "ProximitySensor:TriggerM", "Transform:Hills", "TimeSensor:TIMERUVPAN", "PositionInterpolator2D:POSINT2DUVPAN"};
   EXPECT_EQ(order, expected);
   std::size_t at = 0;
   for (const char* piece : {"DEF MSHT_Urn ", "DEF B Transform", "DEF Mover_2 ", "DEF Hills ", "DEF TIMERUVPAN ",

@@ -331,6 +331,7 @@ void ReadElement(const pugi::xml_node& element, int parent, ReadScene& scene) {
     node.Parent = parent;
     for (const pugi::xml_attribute& attribute : element.attributes()) {
       const std::string_view name = attribute.name();
+      if (name == "info" && *attribute.value() == 0) continue; // an empty list, which the text leaves out
       std::string& value = name == "DEF" ? node.Def : name == "USE" ? node.Use : node.Fields[std::string(name)];
       value = attribute.value();
     }

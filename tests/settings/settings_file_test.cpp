@@ -81,7 +81,7 @@ TEST(SettingsFile, HasTheKeysInTheirOrder) {
   EXPECT_TRUE(text.starts_with("[Quarvel]\nInFile=\nOutFile=\nScale=0.01904761905\nTextSearchPathTxt=\n")) << text;
   std::size_t at = 0;
   for (const char* line :
-       {"\nTab=0\nFormWidth=0\nFormHeight=0\nTextMoverTriggerMargin=32\n",
+       {"\nTab=0\nFormWidth=0\nFormHeight=0\nTextMoverTriggerMargin=100\n",
         "\nOptionContact=0\nOptionFlux=0\nOptionVRML97=-1\n",
         "\nCheckCreaseAngle=0\nTextCreaseAngle=30\nTextureDestDoCopy=1\nTextureDestOverwrite=0\nTextureUEd3Behavior="
         "0\n",

@@ -1,4 +1,4 @@
-#include "actors/scene_run.h"
+#include "core/run_state.h"
 
 #include <algorithm>
 #include <chrono>
@@ -6,21 +6,21 @@
 
 namespace quarvel {
 
-SceneRun::SceneRun(const std::filesystem::path& textFile, const ConversionSettings& settings, const T3DLevel& level,
+RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
                    const ScenePart& part, const SkyZoneRecord* sky, ResourceFiles& resources, RunInterface& user,
-                   Report& findings)
-    : Level(level), Part(part), Sky(sky),
-      File(textFile, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
-      Context(File, settings, resources, user, findings, level.LitColor), Numbers{user} {}
+                   RunResult& result)
+    : Level(level), Part(part), Sky(sky), Result(result),
+      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
+      Context(File, settings, resources, user, result.Findings, level.LitColor), Numbers{user} {}
 
-void StepOn(SceneRun& run) {
+void StepOn(RunState& run) {
   const double total = static_cast<double>(std::max<std::size_t>(run.Level.Actors.size(), 1));
   run.Context.User.ShowFraction(std::min(1.0, static_cast<double>(++run.ActorsDone) / total));
   run.Context.User.ProcessEvents();
   if (run.Context.User.StopRequested()) throw RunStopped();
 }
 
-void WaitWhilePaused(SceneRun& run) {
+void WaitWhilePaused(RunState& run) {
   while (!run.Context.User.RunActive()) {
     run.Context.User.ShowItem("Paused");
     run.Context.User.ProcessEvents();
@@ -28,5 +28,7 @@ void WaitWhilePaused(SceneRun& run) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
 }
+
+void FlushBlock(RunState& run) { run.Context.Scene.Flush(); }
 
 } // namespace quarvel

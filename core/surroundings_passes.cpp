@@ -1,6 +1,9 @@
-#include "actors/static_meshes.h"
+#include "core/surroundings_passes.h"
 
+#include "scene/texture_animation.h"
 #include "t3d/placement_records.h"
+#include "t3d/terrain_record.h"
+#include "terrain/terrain.h"
 
 #include <set>
 #include <string>
@@ -12,7 +15,7 @@ namespace quarvel {
 namespace {
 
 /// The classes of actors that have a mesh file, in the order of their first actors.
-std::vector<std::string> ClassesWithMesh(SceneRun& run) {
+std::vector<std::string> ClassesWithMesh(RunState& run) {
   std::vector<std::string> classes;
   std::set<std::string_view> known;
   for (const ActorBlock& actor : run.Level.Actors)
@@ -21,7 +24,7 @@ std::vector<std::string> ClassesWithMesh(SceneRun& run) {
   return classes;
 }
 
-void PlaceClassMeshes(SceneRun& run) {
+void PlaceClassMeshes(RunState& run) {
   for (const std::string& className : ClassesWithMesh(run))
     for (const ActorBlock* block : run.Level.ActorsOf(className)) {
       const auto actor = ReadShown(run.Part, run.Level, *block, ReadStaticMesh);
@@ -32,22 +35,38 @@ void PlaceClassMeshes(SceneRun& run) {
     }
 }
 
-void PlaceStaticMeshes(SceneRun& run) {
+void PlaceStaticMeshes(RunState& run) {
   ForEachActor(run, ActorFamily::StaticMesh, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
     if (NamesMesh(actor.StaticMesh))
       run.Context.Meshes.WritePlacedMesh(actor, actor.StaticMesh);
     else
-      run.Context.Findings.Count(FindingCode::MeshActorsWithoutMesh);
+      run.Result.Findings.Count(FindingCode::MeshActorsWithoutMesh);
   });
 }
 
 } // namespace
 
-void PlaceMeshes(SceneRun& run) {
+void ProcessMeshes(RunState& run) {
+  if (!run.Context.Settings.CheckDoMeshes) return;
+  run.Context.User.ShowPass("Processing meshes");
   if (run.Level.LegacyFormat)
     PlaceClassMeshes(run);
   else
     PlaceStaticMeshes(run);
+}
+
+void ProcessTerrain(RunState& run) {
+  if (!run.Context.Settings.CheckDoTerrain) return;
+  run.Context.User.ShowPass("Processing terrain");
+  ForEachActor(run, ActorFamily::Terrain, ReadTerrain,
+               [&](const TerrainRecord& terrain) { WriteTerrain(run.Context, terrain); });
+}
+
+void AnimateTextures(RunState& run) {
+  const double scale = run.Context.Settings.TextTexPanScale;
+  const TexturePanSpeeds speeds{scale * run.Level.TexUPanSpeed, scale * run.Level.TexVPanSpeed};
+  WriteTextureAnimations(run.Context.Scene, run.Context.Materials, speeds);
+  FlushBlock(run);
 }
 
 } // namespace quarvel
