@@ -97,11 +97,12 @@ void CarveBrush(const Taker& taker, const CsgBrush& brush, FaceCarver& carver, C
 }
 
 /// By the divergence theorem: a third of the flow of the position out of the empty space.
-double VolumeInside(const CarvedLevel& level, std::size_t faces) {
-  if (faces == 0) return 0;
+double VolumeInside(const CarvedLevel& level) {
+  if (level.Faces.empty()) return 0;
   const Vector3 middle = level.Mesh.Points.front();
   double sixfold = 0;
-  for (std::size_t i = 0; i < faces; ++i) {
+  for (std::size_t i = 0; i < level.Faces.size(); ++i) {
+    if (!level.Faces[i].IsStructural) continue;
     const std::vector<Vector3> points = PointsOf(level.Mesh, i);
     sixfold -= DotProduct(NewellVector(points), SubtractVector(points.front(), middle));
   }
@@ -173,6 +174,11 @@ void RemoveEmptyFaces(CarvedLevel& level) {
   level.Mesh.Starts = std::move(starts);
 }
 
+std::size_t CountStructural(const CarvedLevel& level) {
+  return static_cast<std::size_t>(
+      std::count_if(level.Faces.begin(), level.Faces.end(), [](const CarvedFace& face) { return face.IsStructural; }));
+}
+
 /// Unites what lies at the rims of narrow gaps and of faces that overlap a little.
 void CloseNarrowGaps(CarvedLevel& level) {
   PolygonMesh rims;
@@ -186,47 +192,52 @@ void CloseNarrowGaps(CarvedLevel& level) {
   UnitePoints(rims, widestGap);
   for (const auto& [point, rim] : rimOf)
     level.Mesh.Points[point] = rims.Points[rims.Corners[rim]];
-  WeldMesh(level.Mesh, WeldDistance);
+  WeldMesh(level.Mesh, WeldDistance, CountStructural(level));
   RemoveEmptyFaces(level);
+}
+
+/// Welds the faces, and closes what the tolerance left open.
+void CloseSurfaces(CarvedLevel& level) {
+  WeldMesh(level.Mesh, WeldDistance, CountStructural(level));
+  RemoveEmptyFaces(level);
+  level.OpenEdges = FindOpenEdges(level);
+  if (level.OpenEdges.empty()) return;
+  CarvedLevel closed = level;
+  CloseNarrowGaps(closed);
+  closed.OpenEdges = FindOpenEdges(closed);
+  if (closed.OpenEdges.size() < level.OpenEdges.size()) level = std::move(closed);
+  OpenEdgeLoops loops(level.OpenEdges);
+  for (std::vector<OpenEdge> loop = loops.Take(); !loop.empty(); loop = loops.Take())
+    FillGap(level, loop);
+  level.OpenEdges = FindOpenEdges(level);
+}
+
+void CarveFaces(const Workshop& workshop, std::span<const CsgBrush> brushes, CarvedLevel& level) {
+  std::vector<Bounds3> boxes;
+  for (const Carver& carver : workshop.Carvers)
+    boxes.push_back(carver.Box);
+  const BoxTree tree(std::move(boxes));
+  FaceCarver carver(workshop.Carvers, tree);
+  for (const bool structural : {true, false})
+    for (const Taker& taker : workshop.Takers)
+      if ((taker.Carver != FaceCarver::NoCarver) == structural)
+        CarveBrush(taker, brushes[static_cast<std::size_t>(taker.Brush)], carver, level);
 }
 
 } // namespace
 
 CarvedLevel CarveLevel(std::span<const CsgBrush> brushes) {
   CarvedLevel level;
-  Clock::time_point start = Clock::now();
-  const Workshop workshop = Prepare(brushes, level);
-  level.PrepareSeconds = SecondsSince(start);
-
-  start = Clock::now();
-  std::vector<Bounds3> boxes;
-  for (const Carver& carver : workshop.Carvers)
-    boxes.push_back(carver.Box);
-  const BoxTree tree(std::move(boxes));
-  FaceCarver carver(workshop.Carvers, tree);
-  std::size_t structural = 0;
-  for (const bool isStructural : {true, false}) {
-    for (const Taker& taker : workshop.Takers)
-      if ((taker.Carver != FaceCarver::NoCarver) == isStructural)
-        CarveBrush(taker, brushes[static_cast<std::size_t>(taker.Brush)], carver, level);
-    if (isStructural) structural = level.Faces.size();
-  }
-  level.EmptyVolume = VolumeInside(level, structural);
-  level.CarveSeconds = SecondsSince(start);
-
-  start = Clock::now();
-  WeldMesh(level.Mesh, WeldDistance);
-  RemoveEmptyFaces(level);
-  level.OpenEdges = FindOpenEdges(level);
-  if (!level.OpenEdges.empty()) {
-    CloseNarrowGaps(level);
-    level.OpenEdges = FindOpenEdges(level);
-  }
-  OpenEdgeLoops loops(level.OpenEdges);
-  for (std::vector<OpenEdge> loop = loops.Take(); !loop.empty(); loop = loops.Take())
-    FillGap(level, loop);
-  if (!level.OpenEdges.empty()) level.OpenEdges = FindOpenEdges(level);
-  level.WeldSeconds = SecondsSince(start);
+  const auto timed = [](double& seconds, auto step) {
+    const Clock::time_point start = Clock::now();
+    step();
+    seconds = SecondsSince(start);
+  };
+  Workshop workshop;
+  timed(level.PrepareSeconds, [&] { workshop = Prepare(brushes, level); });
+  timed(level.CarveSeconds, [&] { CarveFaces(workshop, brushes, level); });
+  level.EmptyVolume = VolumeInside(level);
+  timed(level.WeldSeconds, [&] { CloseSurfaces(level); });
   return level;
 }
 

@@ -9,6 +9,8 @@ namespace {
 
 /// With more carvers than this to go, the one in the middle comes first.
 constexpr std::size_t manyCarvers = 16;
+/// Of more parts than this each with each is too much.
+constexpr std::size_t mostJoined = 12;
 
 } // namespace
 
@@ -114,6 +116,18 @@ FaceCarver::Fate FaceCarver::Decide(Candidate piece, std::size_t from, std::size
   return !IsLost(piece) && IsSeen(piece) ? Fate::Whole : Fate::Gone;
 }
 
+/// Joins what a cut has parted without need.
+void FaceCarver::JoinKept(std::size_t from) {
+  for (std::size_t i = from; i + 1 < kept_.size() && kept_.size() - from <= mostJoined; ++i)
+    for (std::size_t k = i + 1; k < kept_.size(); ++k) {
+      const std::vector<Vector3> joined = JoinAlongEdge(store_.Points(kept_[i]), store_.Points(kept_[k]), normal_);
+      if (joined.empty()) continue;
+      kept_[i] = store_.Add(joined);
+      kept_.erase(kept_.begin() + static_cast<std::ptrdiff_t>(k));
+      k = i;
+    }
+}
+
 FaceCarver::Fate FaceCarver::DecideParts(const Candidate& piece, int carver, std::size_t firstPart, std::size_t from) {
   const std::size_t firstKept = kept_.size(), end = parts_.size(), to = near_.size();
   bool all = true;
@@ -130,6 +144,7 @@ FaceCarver::Fate FaceCarver::DecideParts(const Candidate& piece, int carver, std
     kept_.resize(firstKept);
     return Fate::Whole;
   }
+  JoinKept(firstKept);
   return kept_.size() > firstKept ? Fate::Cut : Fate::Gone;
 }
 

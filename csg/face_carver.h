@@ -47,6 +47,7 @@ class FaceCarver {
   std::size_t ListThose(const Candidate& piece, std::size_t from, std::size_t to);
   void BringMiddleToEnd(const Bounds3& box, std::size_t from);
   Fate Decide(Candidate piece, std::size_t from, std::size_t to);
+  void JoinKept(std::size_t from);
   Fate DecideParts(const Candidate& piece, int carver, std::size_t firstPart, std::size_t from);
 
   const std::vector<Carver>& carvers_;

@@ -25,6 +25,11 @@ bool IsConvex(std::span<const Vector3> points, const Vector3& normal) {
   return true;
 }
 
+/// True when the corner lies on the line of its neighbours.
+bool RunsStraight(const Vector3& before, const Vector3& at, const Vector3& after, const Vector3& normal) {
+  return std::fabs(TurnAt(before, at, after, normal)) < 0.0001 * VectorLength(SubtractVector(after, before));
+}
+
 bool IsInTriangle(const Vector3& p, const Vector3& a, const Vector3& b, const Vector3& c, const Vector3& normal) {
   return TurnAt(a, b, p, normal) >= 0 && TurnAt(b, c, p, normal) >= 0 && TurnAt(c, a, p, normal) >= 0;
 }
@@ -55,23 +60,6 @@ std::vector<Vector3> CutConvexPart(std::vector<Vector3>& points, const Vector3& 
   return rest;
 }
 
-/// The union of two polygons that share an edge, when it is convex; else empty.
-std::vector<Vector3> JoinAlongEdge(const std::vector<Vector3>& a, const std::vector<Vector3>& b,
-                                   const Vector3& normal) {
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    const auto from = std::find(b.begin(), b.end(), a[(i + 1) % a.size()]);
-    if (from == b.end()) continue;
-    const auto start = static_cast<std::size_t>(from - b.begin());
-    if (!(b[(start + 1) % b.size()] == a[i])) continue;
-    std::vector<Vector3> joined(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(i) + 1);
-    for (std::size_t k = 2; k < b.size(); ++k)
-      joined.push_back(b[(start + k) % b.size()]);
-    joined.insert(joined.end(), a.begin() + static_cast<std::ptrdiff_t>(i) + 1, a.end());
-    if (IsConvex(joined, normal)) return joined;
-  }
-  return {};
-}
-
 } // namespace
 
 Vector3 NewellVector(std::span<const Vector3> points) {
@@ -91,6 +79,29 @@ Plane3 PlaneOfPolygon(std::span<const Vector3> points) {
 }
 
 double AreaOfPolygon(std::span<const Vector3> points) { return VectorLength(NewellVector(points)) / 2; }
+
+std::vector<Vector3> JoinAlongEdge(std::span<const Vector3> a, std::span<const Vector3> b, const Vector3& normal) {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const std::size_t next = i + 1 == a.size() ? 0 : i + 1;
+    const auto from = std::find(b.begin(), b.end(), a[next]);
+    if (from == b.end()) continue;
+    const auto start = static_cast<std::size_t>(from - b.begin());
+    if (!(b[start + 1 == b.size() ? 0 : start + 1] == a[i])) continue;
+    // From the edge's end round the first polygon to its start, and on round the second.
+    std::vector<Vector3> joined;
+    joined.reserve(a.size() + b.size() - 2);
+    for (std::size_t k = 0; k < a.size(); ++k)
+      joined.push_back(a[(next + k) % a.size()]);
+    for (std::size_t k = 2; k < b.size(); ++k)
+      joined.push_back(b[(start + k) % b.size()]);
+    const std::size_t seam = a.size() - 1;
+    if (RunsStraight(joined[seam - 1], joined[seam], joined[(seam + 1) % joined.size()], normal))
+      joined.erase(joined.begin() + static_cast<std::ptrdiff_t>(seam));
+    if (RunsStraight(joined.back(), joined[0], joined[1], normal)) joined.erase(joined.begin());
+    return IsConvex(joined, normal) ? joined : std::vector<Vector3>();
+  }
+  return {};
+}
 
 std::vector<std::vector<Vector3>> ConvexParts(std::vector<Vector3> points, const Plane3& plane) {
   if (IsConvex(points, plane.Normal)) return {std::move(points)};

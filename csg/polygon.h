@@ -38,6 +38,10 @@ double AreaOfPolygon(std::span<const Vector3> points);
 /// Cuts a polygon, which lies in the plane, into convex ones without adding a corner; one that is convex stays whole.
 std::vector<std::vector<Vector3>> ConvexParts(std::vector<Vector3> points, const Plane3& plane);
 
+/// The union of two convex polygons in one plane that share an edge, when it is convex too; else empty. Corners where
+/// the shared edge ended and the outline runs straight are left out.
+std::vector<Vector3> JoinAlongEdge(std::span<const Vector3> a, std::span<const Vector3> b, const Vector3& normal);
+
 /// Convex polygons that come and go while one face is carved. Their corners lie in one list, so that none of them costs
 /// an allocation.
 class PieceStore {

@@ -4,71 +4,75 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <tuple>
-#include <unordered_map>
 
 namespace quarvel {
 
 namespace {
 
-/// A place for each of the points that were kept, by the cell of space that it lies in.
+/// The points that were kept, by the cell of space that they lie in.
 class PointGrid {
  public:
-  explicit PointGrid(double distance) : distance_(distance), cellSize_(std::max(distance * 8, 1e-6)) {}
+  PointGrid(double distance, std::size_t points)
+      : distance_(distance), cellSize_(std::max(distance * 32, 1e-6)), first_(std::bit_ceil(points * 2 + 1), none) {
+    kept.reserve(points / 2);
+    next_.reserve(points / 2);
+  }
 
   /// The number of a kept point that is near enough, else of the new one.
-  std::uint32_t Keep(const Vector3& point, std::vector<Vector3>& kept) {
-    const std::uint64_t own = CellOf(point);
-    std::uint32_t found = FindIn(own, point, kept);
+  std::uint32_t Keep(const Vector3& point) {
+    const std::size_t own = PlaceOf(point);
+    std::uint32_t found = FindIn(own, point);
     const Vector3 reach{distance_, distance_, distance_};
     const Vector3 low = SubtractVector(point, reach), high = AddVector(point, reach);
     for (int corner = 0; corner < 8 && found == none; ++corner) {
-      const std::uint64_t cell =
-          CellOf({corner & 1 ? low.X : high.X, corner & 2 ? low.Y : high.Y, corner & 4 ? low.Z : high.Z});
-      if (cell != own) found = FindIn(cell, point, kept);
+      const std::size_t place =
+          PlaceOf({corner & 1 ? low.X : high.X, corner & 2 ? low.Y : high.Y, corner & 4 ? low.Z : high.Z});
+      if (place != own) found = FindIn(place, point);
     }
     if (found != none) return found;
     const auto number = static_cast<std::uint32_t>(kept.size());
     kept.push_back(point);
-    const auto [at, isNew] = first_.try_emplace(own, number);
-    next_.push_back(isNew ? none : at->second);
-    at->second = number;
+    next_.push_back(first_[own]);
+    first_[own] = number;
     return number;
   }
+
+  std::vector<Vector3> kept;
 
  private:
   static constexpr std::uint32_t none = 0xffffffff;
 
-  std::uint64_t CellOf(const Vector3& p) const {
+  /// Cells may share a place.
+  std::size_t PlaceOf(const Vector3& p) const {
     const auto cell = [&](double value) {
       return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(value / cellSize_)));
     };
-    return (cell(p.X) * 0x9e3779b97f4a7c15ULL) ^ (cell(p.Y) * 0xc2b2ae3d27d4eb4fULL) ^
-           (cell(p.Z) * 0x165667b19e3779f9ULL);
+    const std::uint64_t hash =
+        (cell(p.X) * 0x9e3779b97f4a7c15ULL) ^ (cell(p.Y) * 0xc2b2ae3d27d4eb4fULL) ^ (cell(p.Z) * 0x165667b19e3779f9ULL);
+    return static_cast<std::size_t>((hash ^ (hash >> 32)) & (first_.size() - 1));
   }
 
-  std::uint32_t FindIn(std::uint64_t cell, const Vector3& point, const std::vector<Vector3>& kept) const {
-    const auto at = first_.find(cell);
-    if (at == first_.end()) return none;
-    for (std::uint32_t number = at->second; number != none; number = next_[number])
+  std::uint32_t FindIn(std::size_t place, const Vector3& point) const {
+    for (std::uint32_t number = first_[place]; number != none; number = next_[number])
       if (const Vector3 apart = SubtractVector(kept[number], point); DotProduct(apart, apart) <= distance_ * distance_)
         return number;
     return none;
   }
 
   double distance_, cellSize_;
-  std::unordered_map<std::uint64_t, std::uint32_t> first_; ///< a point of each cell
-  std::vector<std::uint32_t> next_;                        ///< the next of the same cell
+  std::vector<std::uint32_t> first_, next_; ///< a point of each place, and the next of the same place
 };
 
-/// Both directions of an edge, and each corner that starts one.
+/// A corner that starts an edge.
 struct EdgeUse {
-  std::uint32_t Low, High; ///< its ends
-  std::uint32_t Corner;    ///< where it starts in the corners of the mesh
-  bool operator<(const EdgeUse& other) const {
-    return std::tie(Low, High, Corner) < std::tie(other.Low, other.High, other.Corner);
-  }
+  std::uint64_t Ends;   ///< the numbers of both, the lower one first
+  std::uint32_t Corner; ///< where it stands in the corners of the mesh
+  std::uint32_t Low() const { return static_cast<std::uint32_t>(Ends >> 32); }
+  std::uint32_t High() const { return static_cast<std::uint32_t>(Ends); }
+  bool operator<(const EdgeUse& other) const { return Ends != other.Ends ? Ends < other.Ends : Corner < other.Corner; }
 };
 
 template <typename Counts>
@@ -80,18 +84,40 @@ std::vector<EdgeUse> ListEdges(const PolygonMesh& mesh, Counts counts) {
     const std::span<const std::uint32_t> corners = mesh.CornersOf(polygon);
     for (std::size_t i = 0; i < corners.size(); ++i) {
       const std::uint32_t from = corners[i], to = corners[i + 1 == corners.size() ? 0 : i + 1];
-      edges.push_back({std::min(from, to), std::max(from, to), mesh.Starts[polygon] + static_cast<std::uint32_t>(i)});
+      edges.push_back({(std::uint64_t{std::min(from, to)} << 32) | std::max(from, to),
+                       mesh.Starts[polygon] + static_cast<std::uint32_t>(i)});
     }
   }
   std::sort(edges.begin(), edges.end());
   return edges;
 }
 
+/// Calls `take` with each edge and its uses: the first, and behind the last.
+template <typename Take>
+void ForEachEdge(const std::vector<EdgeUse>& uses, Take take) {
+  for (std::size_t first = 0; first < uses.size();) {
+    std::size_t end = first;
+    while (end < uses.size() && uses[end].Ends == uses[first].Ends)
+      ++end;
+    if (uses[first].Low() != uses[first].High()) take(first, end);
+    first = end;
+  }
+}
+
+/// How much more often an edge is run through upward than downward.
+int BalanceOf(const PolygonMesh& mesh, const std::vector<EdgeUse>& uses, std::size_t first, std::size_t end) {
+  int balance = 0;
+  for (std::size_t i = first; i < end; ++i)
+    balance += mesh.Corners[uses[i].Corner] == uses[i].Low() ? 1 : -1;
+  return balance;
+}
+
 /// Finds the points that lie on an edge.
 class EdgeSplitter {
  public:
-  EdgeSplitter(const std::vector<Vector3>& points, double distance)
-      : points_(points), tree_(BoxesOf(points)), distance_(distance) {}
+  /// Only the points of `numbers` are looked at.
+  EdgeSplitter(const std::vector<Vector3>& points, std::vector<std::uint32_t> numbers, double distance)
+      : points_(points), numbers_(std::move(numbers)), tree_(BoxesOf(points, numbers_)), distance_(distance) {}
 
   /// Appends the points between the two, from the first to the second.
   void Split(std::uint32_t from, std::uint32_t to, std::vector<std::uint32_t>& between, int depth = 0) const {
@@ -115,11 +141,11 @@ class EdgeSplitter {
     std::uint32_t Number;
   };
 
-  static std::vector<Bounds3> BoxesOf(const std::vector<Vector3>& points) {
+  static std::vector<Bounds3> BoxesOf(const std::vector<Vector3>& points, const std::vector<std::uint32_t>& numbers) {
     std::vector<Bounds3> boxes;
-    boxes.reserve(points.size());
-    for (const Vector3& point : points)
-      boxes.push_back({point, point});
+    boxes.reserve(numbers.size());
+    for (const std::uint32_t number : numbers)
+      boxes.push_back({points[number], points[number]});
     return boxes;
   }
 
@@ -131,7 +157,8 @@ class EdgeSplitter {
     const Vector3 direction = ScaleVector(edge, 1 / length);
     double farthest = 0;
     tree_.Search([&](const Bounds3& box) { return MeetsLine(box, start, direction, length); },
-                 [&](std::uint32_t number) {
+                 [&](std::uint32_t place) {
+                   const std::uint32_t number = numbers_[place];
                    if (number == from || number == to) return;
                    const Vector3 offset = SubtractVector(points_[number], start);
                    const double along = DotProduct(offset, direction);
@@ -160,6 +187,7 @@ class EdgeSplitter {
   }
 
   const std::vector<Vector3>& points_;
+  std::vector<std::uint32_t> numbers_;
   BoxTree tree_;
   double distance_;
 };
@@ -182,33 +210,36 @@ void RemoveSpikes(std::vector<std::uint32_t>& corners) {
   if (corners.size() < 3) corners.clear();
 }
 
-} // namespace
+void SplitEdges(PolygonMesh& mesh, double distance, std::size_t enclosing) {
+  const std::vector<EdgeUse> uses = ListEdges(mesh, [](std::size_t) { return true; });
+  // Two polygons that share an edge have no need of a corner on it. The corners that are needed end an edge that is not
+  // shared.
+  const std::uint32_t enclosingEnd = mesh.Starts[enclosing];
+  const auto isShared = [&](std::size_t first, std::size_t end) {
+    std::size_t counted = first; // uses are in the order of the corners
+    while (counted < end && uses[counted].Corner < enclosingEnd)
+      ++counted;
+    if (counted == first) counted = end;
+    return counted - first == 2 && BalanceOf(mesh, uses, first, counted) == 0;
+  };
+  std::vector<std::uint32_t> ends;
+  ForEachEdge(uses, [&](std::size_t first, std::size_t end) {
+    if (!isShared(first, end)) ends.insert(ends.end(), {uses[first].Low(), uses[first].High()});
+  });
+  std::sort(ends.begin(), ends.end());
+  ends.erase(std::unique(ends.begin(), ends.end()), ends.end());
+  const EdgeSplitter splitter(mesh.Points, std::move(ends), distance);
 
-void UnitePoints(PolygonMesh& mesh, double distance) {
-  PointGrid grid(distance);
-  std::vector<Vector3> kept;
-  std::vector<std::uint32_t> newNumber;
-  newNumber.reserve(mesh.Points.size());
-  for (const Vector3& point : mesh.Points)
-    newNumber.push_back(grid.Keep(point, kept));
-  for (std::uint32_t& corner : mesh.Corners)
-    corner = newNumber[corner];
-  mesh.Points = std::move(kept);
-}
-
-void SplitEdges(PolygonMesh& mesh, double distance) {
-  const std::vector<EdgeUse> edges = ListEdges(mesh, [](std::size_t) { return true; });
-  const EdgeSplitter splitter(mesh.Points, distance);
   std::vector<std::uint32_t> between, firstOf(mesh.Corners.size()), endOf(mesh.Corners.size());
-  for (std::size_t i = 0; i < edges.size();) {
-    const EdgeUse& edge = edges[i];
-    const auto first = static_cast<std::uint32_t>(between.size());
-    if (edge.Low != edge.High) splitter.Split(edge.Low, edge.High, between);
-    for (; i < edges.size() && edges[i].Low == edge.Low && edges[i].High == edge.High; ++i) {
-      firstOf[edges[i].Corner] = first;
-      endOf[edges[i].Corner] = static_cast<std::uint32_t>(between.size());
+  ForEachEdge(uses, [&](std::size_t first, std::size_t end) {
+    if (isShared(first, end)) return;
+    const auto start = static_cast<std::uint32_t>(between.size());
+    splitter.Split(uses[first].Low(), uses[first].High(), between);
+    for (std::size_t i = first; i < end; ++i) {
+      firstOf[uses[i].Corner] = start;
+      endOf[uses[i].Corner] = static_cast<std::uint32_t>(between.size());
     }
-  }
+  });
 
   PolygonMesh split;
   split.Corners.reserve(mesh.Corners.size() + between.size());
@@ -233,9 +264,22 @@ void SplitEdges(PolygonMesh& mesh, double distance) {
   mesh.Starts = std::move(split.Starts);
 }
 
-void WeldMesh(PolygonMesh& mesh, double distance) {
+} // namespace
+
+void UnitePoints(PolygonMesh& mesh, double distance) {
+  PointGrid grid(distance, mesh.Points.size());
+  std::vector<std::uint32_t> newNumber;
+  newNumber.reserve(mesh.Points.size());
+  for (const Vector3& point : mesh.Points)
+    newNumber.push_back(grid.Keep(point));
+  for (std::uint32_t& corner : mesh.Corners)
+    corner = newNumber[corner];
+  mesh.Points = std::move(grid.kept);
+}
+
+void WeldMesh(PolygonMesh& mesh, double distance, std::size_t enclosing) {
   UnitePoints(mesh, distance);
-  SplitEdges(mesh, distance);
+  SplitEdges(mesh, distance, enclosing);
 }
 
 std::vector<Vector3> PointsOf(const PolygonMesh& mesh, std::size_t polygon) {
@@ -247,23 +291,19 @@ std::vector<Vector3> PointsOf(const PolygonMesh& mesh, std::size_t polygon) {
 }
 
 std::vector<OpenEdge> FindOpenEdges(const PolygonMesh& mesh, const std::function<bool(std::size_t)>& counts) {
-  const std::vector<EdgeUse> edges = ListEdges(mesh, counts);
+  const std::vector<EdgeUse> uses = ListEdges(mesh, counts);
   std::vector<OpenEdge> open;
-  for (std::size_t i = 0; i < edges.size();) {
-    const EdgeUse& edge = edges[i];
-    int balance = 0;
-    std::uint32_t forth = edge.Corner, back = edge.Corner;
-    for (; i < edges.size() && edges[i].Low == edge.Low && edges[i].High == edge.High; ++i) {
-      const bool upward = mesh.Corners[edges[i].Corner] == edge.Low;
-      balance += upward ? 1 : -1;
-      (upward ? forth : back) = edges[i].Corner;
-    }
-    if (balance == 0 || edge.Low == edge.High) continue;
-    const std::uint32_t corner = balance > 0 ? forth : back;
-    const auto polygon = std::upper_bound(mesh.Starts.begin(), mesh.Starts.end(), corner) - mesh.Starts.begin();
-    open.push_back({static_cast<std::uint32_t>(polygon - 1), balance > 0 ? edge.Low : edge.High,
-                    balance > 0 ? edge.High : edge.Low});
-  }
+  ForEachEdge(uses, [&](std::size_t first, std::size_t end) {
+    const int balance = BalanceOf(mesh, uses, first, end);
+    if (balance == 0) return;
+    const std::uint32_t from = balance > 0 ? uses[first].Low() : uses[first].High();
+    const std::uint32_t to = balance > 0 ? uses[first].High() : uses[first].Low();
+    while (mesh.Corners[uses[first].Corner] != from)
+      ++first;
+    const auto polygon =
+        std::upper_bound(mesh.Starts.begin(), mesh.Starts.end(), uses[first].Corner) - mesh.Starts.begin();
+    open.push_back({static_cast<std::uint32_t>(polygon - 1), from, to});
+  });
   return open;
 }
 

@@ -21,14 +21,12 @@ struct PolygonMesh {
   }
 };
 
-/// Unites points that are at most `distance` apart (the first of them stays) and makes every point that lies as near to
-/// an edge a corner of all polygons that have the edge. What then runs there and back is taken out: a polygon can end
-/// without corners. Points at the front of the list move least.
-void WeldMesh(PolygonMesh& mesh, double distance);
-/// Unites points only.
+/// Unites points that are at most `distance` apart (the first of them stays) and makes points that lie as near to an
+/// edge corners of the polygons that have the edge, unless two share it already. What then runs there and back is taken
+/// out: a polygon can end without corners. The first `enclosing` polygons share edges only among themselves.
+void WeldMesh(PolygonMesh& mesh, double distance, std::size_t enclosing);
+/// The first half of that.
 void UnitePoints(PolygonMesh& mesh, double distance);
-/// Makes points corners of the edges that they are near to, without moving any.
-void SplitEdges(PolygonMesh& mesh, double distance);
 
 /// The points of one polygon.
 std::vector<Vector3> PointsOf(const PolygonMesh& mesh, std::size_t polygon);

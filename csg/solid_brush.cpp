@@ -115,15 +115,56 @@ bool FitsFaces(const BrushTree& tree, const std::vector<FlatFace>& faces) {
   return misfit <= allowedMisfit * total;
 }
 
-/// Makes the space inside a closed mesh; false when there is none, because faces cross.
-bool MakeSolid(const PolygonMesh& mesh, PreparedBrush& brush) {
+/// The solid angle under which a triangle is seen, by van Oosterom and Strackee; positive from behind.
+double SolidAngle(const Vector3& a, const Vector3& b, const Vector3& c) {
+  const double la = VectorLength(a), lb = VectorLength(b), lc = VectorLength(c);
+  return 2 * std::atan2(DotProduct(a, CrossProduct(b, c)),
+                        la * lb * lc + DotProduct(a, b) * lc + DotProduct(b, c) * la + DotProduct(c, a) * lb);
+}
+
+/// How often the faces wind around a point: 1 inside, 0 outside.
+double WindingAround(const Vector3& point, const std::vector<FlatFace>& faces) {
+  double angle = 0;
+  for (const FlatFace& face : faces) {
+    const auto corner = [&](std::size_t i) { return SubtractVector(face.Points[i], point); };
+    for (std::size_t i = 1; i + 1 < face.Points.size(); ++i)
+      angle += SolidAngle(corner(0), corner(i), corner(i + 1));
+  }
+  return angle / (4 * Pi);
+}
+
+/// Compares the tree with the winding of the faces, at points spread over the brush's box and around it. Where faces
+/// nearly coincide a tree can take a wrong turn.
+bool FitsWinding(const BrushTree& tree, const std::vector<FlatFace>& faces, const Bounds3& box) {
+  constexpr int points = 256;
+  const Vector3 middle = BoundsCenter(box), size = SubtractVector(box.Max, box.Min);
+  int wrong = 0;
+  for (int i = 0; i < points; ++i) {
+    // A lattice of the plastic number's powers fills space evenly.
+    const auto part = [&](double step) { return std::fmod(0.5 + step * i, 1) - 0.5; };
+    const Vector3 place{part(0.8191725133961645), part(0.6710436067037893), part(0.5497004779019703)};
+    const Vector3 point = AddVector(middle, MultiplyVector(ScaleVector(place, i % 2 ? 1.01 : 3), size));
+    const double winding = WindingAround(point, faces);
+    wrong += std::fabs(winding - (tree.Contains(point) ? 1 : 0)) > 0.9;
+  }
+  return wrong <= points / 100;
+}
+
+/// Makes the space inside a closed mesh; false when there is none, because faces cross. `doubtful`: the mesh was
+/// mended.
+bool MakeSolid(const PolygonMesh& mesh, bool doubtful, PreparedBrush& brush) {
   std::vector<FlatFace> faces = MakeFaces(mesh);
+  doubtful = doubtful || faces.size() != mesh.Count();
   if (SixfoldVolume(faces, BoundsCenter(brush.Box)) < 0) TurnInsideOut(faces);
-  BrushTree tree(faces);
-  if (!FitsFaces(tree, faces)) return false;
-  brush.Faces = std::move(faces);
-  brush.Tree = std::move(tree);
-  return true;
+  for (const double factor : {1.0, 0.5, 2.0, 0.25}) {
+    BrushTree tree(faces, PlaneTolerance * factor);
+    if (FitsFaces(tree, faces) && (!doubtful || tree.IsConvex() || FitsWinding(tree, faces, brush.Box))) {
+      brush.Faces = std::move(faces);
+      brush.Tree = std::move(tree);
+      return true;
+    }
+  }
+  return false;
 }
 
 } // namespace
@@ -141,10 +182,10 @@ PreparedBrush PrepareBrush(const CsgBrush& brush) {
     // faces alone.
     for (const double gap : {0.0, WeldDistance, widestGap}) {
       PolygonMesh closed = mesh;
-      if (gap > 0) WeldMesh(closed, gap);
+      if (gap > 0) WeldMesh(closed, gap, closed.Count());
       if (!IsClosedMesh(closed)) continue;
       prepared.IsClosed = true;
-      if (MakeSolid(closed, prepared)) return prepared;
+      if (MakeSolid(closed, gap > 0, prepared)) return prepared;
     }
   }
   prepared.Faces = MakeFaces(mesh);
