@@ -27,6 +27,18 @@ enum class RunOutcome {
   Stopped, ///< the user asked the run to stop; the text scene is incomplete, the other outputs are not written
 };
 
+/// What carving made of the brushes of a level, and of its sky.
+struct CarvingResult {
+  bool Done = false; ///< false: no level was carved, and the rest says nothing
+  int Added = 0, Subtracted = 0, Semisolid = 0, NonSolid = 0, Portals = 0;
+  int Sheets = 0;         ///< brushes that are not closed
+  int SurfacesBefore = 0; ///< polygons of these brushes
+  int SurfacesAfter = 0;
+  int OpenEdges = 0;
+  double EmptyVolume = 0; ///< cubic scene units, which are metres
+  double PrepareSeconds = 0, CarveSeconds = 0, WeldSeconds = 0, WriteSeconds = 0;
+};
+
 /// What one run did.
 struct RunResult {
   RunOutcome Outcome = RunOutcome::Done;
@@ -45,6 +57,7 @@ struct RunResult {
   int Brushes = 0; ///< brushes and movers converted
   int Faces = 0;
   int UniqueMaterials = 0;
+  CarvingResult Carving;
   Bounds3 Bounds = InitBounds(); ///< of the brush geometry, in scene units
   Report Findings;
   double Seconds = 0;

@@ -1,8 +1,8 @@
 #include "core/run_passes.h"
 
-#include "actors/movers.h"
 #include "actors/triggers.h"
 #include "core/actor_passes.h"
+#include "core/brush_passes.h"
 #include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
 #include "scene/brush_geometry.h"
@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string>
 
 namespace quarvel {
@@ -26,68 +25,6 @@ struct MoverPass {
   const char* Then;
   bool NeedsPolygons = false; ///< nothing is known of such a class, but that one with polygons is a brush that moves
 };
-
-void ConvertBrush(RunState& run, const BrushRecord& brush) {
-  if (run.GeometryCount > 1) run.Context.Scene.Line(","); // between the children of the enclosing node
-  const WrittenBrush written = WriteBrush(run.Context, brush, run.GeometryCount++);
-  if (brush.IsMover) WriteMover(run.Context, run.Triggers, brush, written);
-  FlushBlock(run);
-  ++run.Result.Brushes;
-  run.Result.Faces += written.Faces;
-  JoinBounds(run.Bounds, written.Bounds);
-}
-
-bool IsChosen(const RunState& run, const BrushRecord& brush) {
-  return run.Context.Settings.CheckBuildBrush ? brush.CsgOper.empty() : IsAdditive(brush);
-}
-
-void SkipBrush(RunState& run, const BrushRecord& brush) {
-  run.Context.User.ShowItem("skipping brush");
-  if (brush.CsgOper == "CSG_Subtract")
-    run.Result.Findings.Count(FindingCode::SubtractiveBrushes);
-  else if (!brush.CsgOper.empty() && !IsAdditive(brush))
-    run.Result.Findings.Count(FindingCode::OtherBrushes, brush.CsgOper);
-}
-
-/// A file without actors may be one builder brush, as the editor saves it alone.
-void ConvertPolyLists(RunState& run) {
-  TextCursor cursor = 1;
-  BrushRecord brush;
-  while (ReadPolyList(run.Level.Text, cursor, brush, run.Numbers)) {
-    WaitWhilePaused(run);
-    ConvertBrush(run, brush);
-    StepOn(run);
-  }
-}
-
-/// The brush of an actor, if this scene shows it.
-std::optional<BrushRecord> ShownBrush(RunState& run, const ActorBlock& actor) {
-  const auto read = [&](const T3DLevel& level, const ActorBlock& block) {
-    return ReadBrush(level, block, run.Numbers);
-  };
-  return ReadShown(run.Part, run.Level, actor, read);
-}
-
-void ProcessBrushes(RunState& run) {
-  if (!run.Context.Settings.CheckDoGeometry) return;
-  run.Context.User.ShowPass("Processing Brushes");
-  if (run.Level.Actors.empty()) return ConvertPolyLists(run);
-  run.Context.User.ShowItem("getting brush");
-  for (const ActorBlock* actor : run.Level.ActorsOf(ActorFamily::Brush)) {
-    const auto brush = ShownBrush(run, *actor);
-    if (!brush) continue;
-    WaitWhilePaused(run);
-    run.Context.User.ShowItem("on brush ", run.GeometryCount);
-    const bool chosen = IsChosen(run, *brush);
-    if (chosen)
-      ConvertBrush(run, *brush);
-    else
-      SkipBrush(run, *brush);
-    StepOn(run);
-    if (chosen && run.Context.Settings.CheckBuildBrush) return;
-    run.Context.User.ShowItem("getting brush");
-  }
-}
 
 void ProcessMoverClass(RunState& run, const MoverPass& pass) {
   run.Context.User.ShowItem(pass.Getting);

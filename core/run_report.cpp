@@ -81,6 +81,17 @@ Json ObjectOf(const RunResult& result) {
   object["seconds"] = result.Seconds;
   object["outputs"] = OutputsOf(result);
   object["counts"] = {{"brushes", result.Brushes}, {"faces", result.Faces}, {"materials", result.UniqueMaterials}};
+  if (const CarvingResult& carving = result.Carving; carving.Done)
+    object["carving"] = {{"added", carving.Added},
+                         {"subtracted", carving.Subtracted},
+                         {"semisolid", carving.Semisolid},
+                         {"nonSolid", carving.NonSolid},
+                         {"zonePortals", carving.Portals},
+                         {"sheets", carving.Sheets},
+                         {"surfacesBefore", carving.SurfacesBefore},
+                         {"surfacesAfter", carving.SurfacesAfter},
+                         {"openEdges", carving.OpenEdges},
+                         {"emptyVolume", carving.EmptyVolume}};
   if (!IsEmpty(result.Bounds)) object["box"] = {{"min", Corner(result.Bounds.Min)}, {"max", Corner(result.Bounds.Max)}};
   object["findings"] = FindingsOf(result.Findings);
   object["leftOut"] = LeftOutOf(result.Findings);

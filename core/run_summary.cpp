@@ -45,6 +45,23 @@ void WriteFindings(std::ostream& out, const std::vector<Finding>& findings, bool
   if (shown < groups.size()) out << "  and " << groups.size() - shown << " more things to know (see --verbose)\n";
 }
 
+void WriteCarving(std::ostream& out, const CarvingResult& carving, bool inFull) {
+  if (!carving.Done) return;
+  const auto count = [](int number, std::string_view what) { return std::to_string(number) + " " + std::string(what); };
+  std::string brushes = count(carving.Added, "added, ") + count(carving.Subtracted, "subtracted, ") +
+                        count(carving.Semisolid, "semisolid, ");
+  if (carving.NonSolid > 0) brushes += count(carving.NonSolid, "non-solid, ");
+  if (carving.Portals > 0) brushes += count(carving.Portals, "zone portals, ");
+  WriteLine(out, "carved brushes: " + brushes + count(carving.Sheets, "sheets"));
+  WriteLine(out,
+            "surfaces: " + count(carving.SurfacesBefore, "before carving, ") + count(carving.SurfacesAfter, "after"));
+  WriteLine(out, "empty space: " + FormatFlt(carving.EmptyVolume) + " cubic metres");
+  if (inFull)
+    WriteLine(out, "carving took " + SecondsText(carving.PrepareSeconds) + " to prepare the brushes, " +
+                       SecondsText(carving.CarveSeconds) + " to cut their faces, " + SecondsText(carving.WeldSeconds) +
+                       " to weld them, " + SecondsText(carving.WriteSeconds) + " to write the scene");
+}
+
 } // namespace
 
 std::string CountText(std::size_t count, std::string_view one, std::string_view many) {
@@ -89,6 +106,7 @@ void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
     WriteLine(out, "wrote " + file.string());
   WriteLine(out, ContentText(result));
   if (!IsEmpty(result.Bounds)) WriteLine(out, "box: " + BoxText(result.Bounds));
+  WriteCarving(out, result.Carving, inFull);
   for (const auto& [what, counted] : result.Findings.Counts())
     WriteLine(out, what + ": " + std::to_string(counted.Count));
   for (const ResourceKind kind : ResourceKinds)

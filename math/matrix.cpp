@@ -49,6 +49,24 @@ Matrix4 TransposeMatrix(const Matrix4& m) {
   return transposed;
 }
 
+std::optional<Matrix4> InvertMatrix(const Matrix4& m) {
+  const auto minor = [&](int row, int column) {
+    const int r1 = (row + 1) % 3, r2 = (row + 2) % 3, c1 = (column + 1) % 3, c2 = (column + 2) % 3;
+    return m.At(r1, c1) * m.At(r2, c2) - m.At(r1, c2) * m.At(r2, c1);
+  };
+  const double determinant = m.At(0, 0) * minor(0, 0) + m.At(0, 1) * minor(0, 1) + m.At(0, 2) * minor(0, 2);
+  if (determinant == 0 || !std::isfinite(1 / determinant)) return std::nullopt;
+  Matrix4 inverse = IdentityMatrix();
+  for (int row = 0; row < 3; ++row)
+    for (int column = 0; column < 3; ++column)
+      inverse.At(row, column) = minor(column, row) / determinant;
+  const Vector3 moved = TransformPoint(inverse, {m.At(0, 3), m.At(1, 3), m.At(2, 3)});
+  inverse.At(0, 3) = -moved.X;
+  inverse.At(1, 3) = -moved.Y;
+  inverse.At(2, 3) = -moved.Z;
+  return inverse;
+}
+
 Matrix4 MakeConversionMatrix() { return RotationXMatrix(848.2300164692433 / 180); }
 
 } // namespace quarvel

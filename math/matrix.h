@@ -3,6 +3,7 @@
 #include "math/vector.h"
 
 #include <array>
+#include <optional>
 
 namespace quarvel {
 
@@ -29,6 +30,9 @@ inline Vector3 TransformPoint(const Matrix4& m, const Vector3& p) {
   return {m.M[0] * p.X + m.M[1] * p.Y + m.M[2] * p.Z + m.M[3], m.M[4] * p.X + m.M[5] * p.Y + m.M[6] * p.Z + m.M[7],
           m.M[8] * p.X + m.M[9] * p.Y + m.M[10] * p.Z + m.M[11]};
 }
+
+/// The matrix that undoes an affine one; nullopt when it flattens space.
+std::optional<Matrix4> InvertMatrix(const Matrix4& m);
 
 /// Maps Unreal's Z-up axes to the scene's Y-up axes: (x, y, z) to (x, z, -y), by three quarters of a turn about X.
 Matrix4 MakeConversionMatrix();

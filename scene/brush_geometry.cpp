@@ -48,9 +48,6 @@ std::vector<ChosenFace> ChooseFaces(SceneContext& context, const BrushRecord& br
   return faces;
 }
 
-/// Two-sided, masked and translucent surfaces are seen from behind.
-bool IsSolid(std::uint32_t flags) { return (flags & (SurfaceTwoSided | SurfaceMasked | SurfaceTranslucent)) == 0; }
-
 void WriteFaceSet(SceneContext& context, const FaceSet& set, const std::string& brushName, int number, bool mirrored) {
   SceneWriter& scene = context.Scene;
   const ConversionSettings& settings = context.Settings;
@@ -61,7 +58,7 @@ void WriteFaceSet(SceneContext& context, const FaceSet& set, const std::string& 
   SceneNode geometry = scene.Open("      geometry ", "IndexedFaceSet", "F_" + piece, {.Routed = false});
   if (settings.CheckCreaseAngle) geometry.Field("        creaseAngle", FormatFlt(settings.TextCreaseAngle * Pi / 180));
   geometry.Flag("        ccw", settings.CheckCCW != mirrored);
-  geometry.Flag("        solid", IsSolid(set.Flags));
+  geometry.Flag("        solid", IsSolidFace(set.Flags));
   scene.OneListNode("        coord ", "Coordinate", "C_" + piece, "point", PointList(set.Points));
   scene.OneListNode("        texCoord ", "TextureCoordinate", "TC_" + piece, "point",
                     TexturePointList(set.TexturePoints));

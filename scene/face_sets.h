@@ -8,6 +8,11 @@
 
 namespace quarvel {
 
+/// Two-sided, masked and translucent surfaces are seen from behind, others only from in front.
+inline bool IsSolidFace(std::uint32_t flags) {
+  return (flags & (SurfaceTwoSided | SurfaceMasked | SurfaceTranslucent)) == 0;
+}
+
 /// One face set to be written: faces of one texture entry, with the corners that they share.
 struct FaceSet {
   int TextureNumber = 0;

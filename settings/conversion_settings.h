@@ -48,6 +48,8 @@ struct ConversionSettings {
   bool CheckBreakUpBB = false;
   bool CheckIgnore = false;
   bool CheckTranslucentSolid = false;
+  bool CheckCarve = false;
+  bool CheckMergeLevel = false;
   bool CheckCCW = false;
   bool CheckAppendDash = false;
   bool CheckCreaseAngle = false;

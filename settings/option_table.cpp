@@ -236,6 +236,11 @@ Rows ExtraRows() {
   return {
       Check(FIELD(CheckConforming), "Conform to the standards", Tab::Output,
             "Write what today's viewers and validators ask for"),
+      Check(FIELD(CheckCarve), "Carve the rooms", Tab::Geometry,
+            "Carve the rooms out of the solid world as the game does, and write what is seen as few large shapes",
+            "CheckDoGeometry"),
+      Check(FIELD(CheckMergeLevel), "Merge all brushes", Tab::Geometry,
+            "Write all brushes that stay in place as few large shapes, which browsers load faster", "CheckDoGeometry"),
       Check(FIELD(CheckOutputStaticLights), "Output Static Lights", Tab::Lights,
             "Output Static Lights: also the many that never change; browsers show the first 8 lights only",
             "CheckDoLights"),

@@ -20,6 +20,8 @@ enum SurfaceFlag : std::uint32_t {
   SurfaceInvisible = 0x01,
   SurfaceMasked = 0x02,
   SurfaceTranslucent = 0x04,
+  SurfaceNonSolid = 0x08,
+  SurfaceSemisolid = 0x20,
   SurfaceFakeBackdrop = 0x80,
   SurfaceTwoSided = 0x100,
   SurfacePansU = 0x200,
@@ -29,6 +31,7 @@ enum SurfaceFlag : std::uint32_t {
   SurfaceSpecialLit = 0x100000,
   SurfaceUnlit = 0x400000,
   SurfaceHighShadowDetail = 0x800000,
+  SurfacePortal = 0x04000000,
   SurfaceShiny = 0x08000000,
 };
 

@@ -19,6 +19,7 @@ std::vector<PageSection> NamedSections() {
        {"CheckDoGeometry", "CheckBuildBrush", "CheckBreakUpBB", "CheckIgnore", "CheckCCW", "TextStartAtPoly"}},
       {Tab::Geometry, 1, "Face sets", {"OptionMeshes", "OptionIFSs", "CheckTranslucentSolid"}},
       {Tab::Geometry, 1, "Shading", {"CheckCreaseAngle", "+TextCreaseAngle"}},
+      {Tab::Geometry, 1, "Whole level", {"CheckCarve", "CheckMergeLevel"}},
       {Tab::Geometry, 0, "World", {"TextScale"}},
 
       {Tab::Textures, 0, "Image types", {"ListBMtypeOut", "ListMaskedBMtypeOut", "ListTerrainBMtypeOut"}},

@@ -73,6 +73,9 @@ TEST_F(RealLevels, AreTakenByStrictViewers) {
     }
     ExpectGoodScenes(Read(name), settings);
     ExpectGoodScenes(Read(name), ConformingX3D(settings));
+    ConversionSettings carving = settings;
+    carving.CheckCarve = carving.CheckMergeLevel = true;
+    ExpectGoodScenes(Read(name), carving);
   }
 }
 

@@ -85,7 +85,8 @@ TEST(SettingsFile, HasTheKeysInTheirOrder) {
         "\nOptionContact=0\nOptionFlux=0\nOptionVRML97=-1\n",
         "\nCheckCreaseAngle=0\nTextCreaseAngle=30\nTextureDestDoCopy=1\nTextureDestOverwrite=0\nTextureUEd3Behavior="
         "0\n",
-        "\nMeshDestPathBehavior=0\nMeshDestPrependPath=\n", "\n[QuarvelExtra]\nCheckConforming=0\n"}) {
+        "\nMeshDestPathBehavior=0\nMeshDestPrependPath=\n",
+        "\n[QuarvelExtra]\nCheckConforming=0\nCheckCarve=0\nCheckMergeLevel=0\n"}) {
     const std::size_t found = text.find(line, at);
     ASSERT_NE(found, text.npos) << line << text;
     at = found;

@@ -1,0 +1,159 @@
+#include "core/level_geometry.h"
+
+#include "core/brush_passes.h"
+#include "csg/carve.h"
+#include "scene/carved_level.h"
+#include "scene/merged_level.h"
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <vector>
+
+namespace quarvel {
+
+namespace {
+
+/// The brushes that make up the level, and their actors.
+struct GatheredBrushes {
+  std::vector<LevelBrush> Brushes;
+  std::vector<const ActorBlock*> Actors; ///< as many
+  std::vector<const ActorBlock*> Others; ///< that neither add nor subtract, as the builder brush
+};
+
+GatheredBrushes GatherBrushes(RunState& run) {
+  GatheredBrushes gathered;
+  for (const ActorBlock* actor : run.Level.ActorsOf(ActorFamily::Brush)) {
+    auto brush = ShownBrush(run, *actor);
+    if (!brush) continue;
+    WaitWhilePaused(run);
+    run.Context.User.ShowItem("getting brush");
+    StepOn(run);
+    if (!IsAdditive(*brush) && brush->CsgOper != "CSG_Subtract") {
+      gathered.Others.push_back(actor);
+      continue;
+    }
+    if (brush->DamagedPolygons > 0)
+      run.Result.Findings.Add(FindingCode::PolygonsWithoutEnd, brush->Header.Name, brush->DamagedPolygons);
+    gathered.Brushes.push_back(MakeLevelBrush(std::move(*brush)));
+    gathered.Actors.push_back(actor);
+  }
+  return gathered;
+}
+
+const char* ReasonOf(CarveFault fault) {
+  switch (fault) {
+  case CarveFault::NotClosed:
+    return "it has a gap";
+  case CarveFault::OutOfRange:
+    return "its corners lie out of range";
+  case CarveFault::Crossing:
+    break;
+  }
+  return "its faces cross one another";
+}
+
+void ReportRefused(RunState& run, const LevelBrush& brush, CarveFault fault) {
+  run.Result.Findings.Add(brush.Subtracts ? FindingCode::RoomNotCarved : FindingCode::BlockNotCarved, brush.Name,
+                          ReasonOf(fault));
+}
+
+void ReportOpenEdges(RunState& run, const std::vector<LevelBrush>& brushes, const CarvedLevel& level) {
+  std::map<int, int> edgesOf;
+  for (const OpenEdge& edge : level.OpenEdges)
+    ++edgesOf[level.Faces[edge.Polygon].Brush];
+  for (const auto& [brush, edges] : edgesOf)
+    run.Result.Findings.Add(FindingCode::OpenCarvedEdges, brushes[static_cast<std::size_t>(brush)].Name, edges);
+}
+
+void CountCarving(RunState& run, const CarvedLevel& level, std::size_t surfaces) {
+  CarvingResult& carving = run.Result.Carving;
+  const double scale = run.Context.Space.Scale();
+  carving.Done = true;
+  carving.Added += level.Counts.Added;
+  carving.Subtracted += level.Counts.Subtracted;
+  carving.Semisolid += level.Counts.Semisolid;
+  carving.NonSolid += level.Counts.NonSolid;
+  carving.Portals += level.Counts.Portals;
+  carving.Sheets += level.Counts.Sheets;
+  carving.SurfacesBefore += level.Counts.FacesBefore;
+  carving.SurfacesAfter += static_cast<int>(surfaces);
+  carving.OpenEdges += static_cast<int>(level.OpenEdges.size());
+  carving.EmptyVolume += level.EmptyVolume * scale * scale * scale;
+  carving.PrepareSeconds += level.PrepareSeconds;
+  carving.CarveSeconds += level.CarveSeconds;
+  carving.WeldSeconds += level.WeldSeconds;
+}
+
+void WriteSurfaces(RunState& run, const std::vector<LevelSurface>& surfaces) {
+  const auto start = std::chrono::steady_clock::now();
+  if (!surfaces.empty() && run.GeometryCount > 1) run.Context.Scene.Line(","); // between children
+  JoinBounds(run.Bounds, WriteMergedLevel(run.Context, surfaces));
+  FlushBlock(run);
+  if (!surfaces.empty()) ++run.GeometryCount;
+  run.Result.Faces += static_cast<int>(surfaces.size());
+  run.Result.Carving.WriteSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+CarvedLevel CarveBrushes(const std::vector<LevelBrush>& brushes) {
+  std::vector<CsgBrush> made;
+  made.reserve(brushes.size());
+  for (const LevelBrush& brush : brushes)
+    made.push_back(MakeCsgBrush(brush));
+  return CarveLevel(made);
+}
+
+void WriteCarved(RunState& run, const GatheredBrushes& gathered) {
+  run.Context.User.ShowItem("carving");
+  const CarvedLevel level = CarveBrushes(gathered.Brushes);
+  const std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, gathered.Brushes, level);
+  CountCarving(run, level, surfaces.size());
+  ReportOpenEdges(run, gathered.Brushes, level);
+  run.Result.Brushes += static_cast<int>(gathered.Brushes.size() - level.Refused.size());
+  WriteSurfaces(run, surfaces);
+  for (const RefusedBrush& refused : level.Refused) {
+    const auto number = static_cast<std::size_t>(refused.Brush);
+    ReportRefused(run, gathered.Brushes[number], refused.Fault);
+    const auto brush = ShownBrush(run, *gathered.Actors[number]);
+    if (!gathered.Brushes[number].Subtracts) ConvertBrush(run, *brush);
+  }
+}
+
+void WriteMerged(RunState& run, GatheredBrushes gathered) {
+  std::vector<LevelBrush> kept;
+  for (std::size_t i = 0; i < gathered.Brushes.size(); ++i) {
+    if (gathered.Brushes[i].Subtracts)
+      SkipBrush(run, *ShownBrush(run, *gathered.Actors[i]));
+    else
+      kept.push_back(std::move(gathered.Brushes[i]));
+  }
+  run.Result.Brushes += static_cast<int>(kept.size());
+  WriteSurfaces(run, MakeSurfaces(run.Context, kept));
+}
+
+} // namespace
+
+bool ProcessWholeLevel(RunState& run) {
+  const ConversionSettings& settings = run.Context.Settings;
+  if (!settings.CheckCarve && !settings.CheckMergeLevel) return false;
+  const auto doNothing = [&](const char* why) {
+    if (settings.CheckCarve) run.Result.Findings.Add(FindingCode::NothingCarved, "", why);
+    return false;
+  };
+  if (run.Level.Actors.empty()) return doNothing("the file has polygon lists only");
+  if (settings.CheckBuildBrush) return doNothing("only the builder brush is converted");
+  GatheredBrushes gathered = GatherBrushes(run);
+  const bool carves = std::any_of(gathered.Brushes.begin(), gathered.Brushes.end(),
+                                  [](const LevelBrush& brush) { return brush.Subtracts; });
+  if (!carves && !doNothing("no brush subtracts, so that all would be solid") && !settings.CheckMergeLevel)
+    return false;
+  for (const ActorBlock* actor : gathered.Others)
+    SkipBrush(run, *ShownBrush(run, *actor));
+  if (carves && settings.CheckCarve)
+    WriteCarved(run, gathered);
+  else
+    WriteMerged(run, std::move(gathered));
+  return true;
+}
+
+} // namespace quarvel
