@@ -15,7 +15,7 @@
 #include "t3d/level_check.h"
 
 #include <chrono>
-#include <fstream>
+#include <new>
 
 namespace quarvel {
 
@@ -57,30 +57,21 @@ void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMem
 }
 
 /// Outputs that turn out unwritable after all passes would cost the user the whole run.
-void CheckWritable(const fs::path& path) {
-  std::error_code error;
-  const bool existed = fs::exists(path, error);
-  const bool good = !fs::is_directory(path, error) && std::ofstream(path, std::ios::binary | std::ios::app).is_open();
-  if (good && !existed) fs::remove(path, error);
-  if (!good) throw RunFailed{Display(path) + " cannot be written"};
+void CheckWritable(const SceneOutputs& outputs, const fs::path& path) {
+  if (const std::string why = outputs.WhyNot(path); !why.empty())
+    throw RunFailed{Display(path) + " cannot be written: " + why};
 }
 
-void CheckOutputs(const SceneFileNames& files, const ConversionSettings& settings) {
-  CheckWritable(files.Text);
-  CheckWritable(files.Document);
-  if (settings.CheckXMLtoo) CheckWritable(files.Copy);
-}
-
-/// Remembers a file that was just written, under its name and in the list of all.
-void NoteFile(RunResult& result, fs::path& name, const fs::path& path) {
-  name = path;
-  result.FilesWritten.push_back(path);
+void CheckOutputs(const SceneOutputs& outputs, const SceneFileNames& files, const ConversionSettings& settings) {
+  CheckWritable(outputs, files.Text);
+  CheckWritable(outputs, files.Document);
+  if (settings.CheckXMLtoo) CheckWritable(outputs, files.Copy);
 }
 
 void SaveDocument(RunState& run, const fs::path& path, fs::path& name, XMLFaults& faults) {
-  if (!SaveXML(run.Context.Scene.SceneDocument(), path, run.Context.Scene.Conforming(), faults))
-    throw RunFailed{Display(path) + " cannot be written"};
-  NoteFile(run.Result, name, path);
+  TextFile& file = run.Outputs.Begin(path, TextCoding::AsIs, name);
+  if (!SaveXML(run.Context.Scene.SceneDocument(), file, run.Context.Scene.Conforming(), faults))
+    throw RunFailed{Display(path) + " cannot be written: " + file.Error()};
 }
 
 void ReportFaults(RunState& run, const XMLFaults& faults) {
@@ -95,12 +86,7 @@ void CloseScene(RunState& run, const SceneFileNames& files, SceneFileNames& writ
   run.Context.Scene.WriteReadyRoutes();
   FlushBlock(run);
   run.Context.Scene.FinishRoutes(run.Result.Findings);
-  if (!run.File.Flush()) {
-    std::error_code error;
-    fs::remove(run.File.Path(), error); // half a scene is worse than none
-    throw RunFailed{Display(run.File.Path()) + " cannot be written"};
-  }
-  NoteFile(run.Result, written.Text, run.File.Path());
+  if (!run.File.Flush()) throw RunFailed{Display(run.File.Path()) + " cannot be written: " + run.File.Error()};
   XMLFaults faults;
   if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, written.Copy, faults);
   SaveDocument(run, files.Document, written.Document, faults);
@@ -120,20 +106,35 @@ void WriteScene(RunState& run, const SceneFileNames& files, SceneFileNames& writ
 
 void WriteSkyScene(const SkyScene& sky, RunState& world) {
   const ScenePart part{ScenePart::Kind::Sky, sky.Zone.Location};
-  RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Context.Resources, world.Context.User,
-               world.Result);
+  RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Outputs, world.Result.SkyScene.Text,
+               world.Context.Resources, world.Context.User, world.Result);
   WriteScene(run, sky.Files, run.Result.SkyScene);
 }
 
-void WritePreloadScript(RunState& run, const fs::path& outFile) {
+/// Writes all scenes; they take their places when all are complete. A stop leaves the text scene as far as it is.
+void WriteScenes(RunState& run, const SceneFileNames& files, const std::optional<SkyScene>& sky) {
+  try {
+    WriteScene(run, files, run.Result.Scene);
+    run.Result.Bounds = run.Bounds;
+    if (sky) WriteSkyScene(*sky, run);
+  } catch (const RunStopped&) {
+    if (const std::string error = run.Outputs.CompleteStopped(run.Result); !error.empty()) throw RunFailed{error};
+    throw;
+  }
+  if (const std::string error = run.Outputs.Complete(run.Result); !error.empty()) throw RunFailed{error};
+}
+
+void WritePreloadScript(RunState& run, const fs::path& outFile, std::vector<std::string>& errors) {
   if (!run.Context.Settings.CheckMakePreloadScript) return;
   run.Result.PreloadScript =
       MakePreloadScript(run.Context.Resources.UsedTextureUrls(), run.Context.Settings.TextJavascriptURL);
   const fs::path path = fs::path(outFile).replace_filename(outFile.stem().string() + "Preload.js");
-  TextFile file(path, TextCoding::AsIs);
-  file.Append(run.Result.PreloadScript);
-  if (!file.Flush()) throw RunFailed{Display(path) + " cannot be written"};
-  NoteFile(run.Result, run.Result.PreloadFile, path);
+  if (const std::string why = WriteWholeFile(path, run.Result.PreloadScript); !why.empty()) {
+    errors.push_back(Display(path) + " cannot be written: " + why);
+    return;
+  }
+  run.Result.PreloadFile = path;
+  run.Result.FilesWritten.push_back(path);
 }
 
 void WriteReports(RunState& run, const fs::path& outFile) {
@@ -145,10 +146,17 @@ void WriteReports(RunState& run, const fs::path& outFile) {
     run.Context.User.ShowMessage(message);
   result.MissingLists = lists.FilesWritten;
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
-  WritePreloadScript(run, outFile);
-  std::vector<std::string> errors = lists.Errors;
-  errors.insert(errors.end(), run.Context.Resources.Errors().begin(), run.Context.Resources.Errors().end());
-  if (!errors.empty()) throw RunFailed{errors.front()};
+  result.FailedFiles = run.Context.Resources.Errors();
+  result.FailedFiles.insert(result.FailedFiles.end(), lists.Errors.begin(), lists.Errors.end());
+  WritePreloadScript(run, outFile, result.FailedFiles);
+}
+
+/// The scenes stand, but not all that belongs to them.
+void TellFailedFiles(RunResult& result) {
+  if (result.FailedFiles.empty()) return;
+  result.Outcome = RunOutcome::Failed;
+  const std::size_t more = result.FailedFiles.size() - 1;
+  result.Error = result.FailedFiles.front() + (more > 0 ? " (and " + std::to_string(more) + " more)" : "");
 }
 
 void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store,
@@ -160,18 +168,19 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
     result.Findings.Add(fault);
   const T3DLevel level(memory.T3DText, fs::path(memory.LoadedFileName).stem().string());
   if (const std::string why = WhyUnsupported(level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
-  CheckOutputs(files, settings);
+  SceneOutputs outputs(outFile);
+  CheckOutputs(outputs, files, settings);
 
   const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);
-  if (sky) CheckOutputs(sky->Files, sky->Settings);
+  if (sky) CheckOutputs(outputs, sky->Files, sky->Settings);
 
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
-  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, resources, user, result);
-  WriteScene(run, files, result.Scene);
-  result.Bounds = run.Bounds;
-  if (sky) WriteSkyScene(*sky, run);
+  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, outputs, result.Scene.Text, resources, user,
+               result);
+  WriteScenes(run, files, sky);
   WriteReports(run, outFile);
+  TellFailedFiles(result);
   user.ShowPass("Done");
   user.ShowFraction(1);
   user.ShowItem("Box: " + FormatVec(result.Bounds.Min) + " to " + FormatVec(result.Bounds.Max));
@@ -200,6 +209,9 @@ RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const Con
   } catch (const RunFailed& failure) {
     result.Outcome = RunOutcome::Failed;
     result.Error = failure.Error;
+  } catch (const std::bad_alloc&) {
+    result.Outcome = RunOutcome::Failed;
+    result.Error = "there is not enough memory to convert " + Display(inFile);
   } catch (const std::exception& failure) {
     result.Outcome = RunOutcome::Failed;
     result.Error = Display(inFile) + ": " + failure.what();

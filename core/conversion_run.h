@@ -49,7 +49,10 @@ struct RunResult {
   SceneFileNames SkyScene; ///< of the sky, where that is a scene of its own
   std::vector<std::filesystem::path> MissingLists;
   std::filesystem::path PreloadFile;
+  std::filesystem::path Incomplete;                ///< the text scene that a stop left unfinished
   std::vector<std::filesystem::path> FilesWritten; ///< all of them, in the order of writing
+  /// Every file that could not be written although the scenes were, one sentence each without a full stop.
+  std::vector<std::string> FailedFiles;
   std::vector<std::string> Messages;               ///< the message texts that a window shows in boxes
   PerKind<std::vector<std::string>> Missing;       ///< what was looked for and not found; sorted, each once
   std::string PreloadScript;                       ///< empty unless asked for

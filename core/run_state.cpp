@@ -7,10 +7,10 @@
 namespace quarvel {
 
 RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
-                   const ScenePart& part, const SkyZoneRecord* sky, ResourceFiles& resources, RunInterface& user,
-                   RunResult& result)
-    : Level(level), Part(part), Sky(sky), Result(result),
-      File(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs),
+                   const ScenePart& part, const SkyZoneRecord* sky, SceneOutputs& outputs,
+                   std::filesystem::path& textName, ResourceFiles& resources, RunInterface& user, RunResult& result)
+    : Level(level), Part(part), Sky(sky), Result(result), Outputs(outputs),
+      File(outputs.Begin(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs, textName)),
       Context(File, settings, resources, user, result.Findings, level.LitColor), Numbers{user} {}
 
 void StepOn(RunState& run) {

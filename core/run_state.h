@@ -4,6 +4,7 @@
 #include "actors/trigger_list.h"
 #include "base/run_interface.h"
 #include "core/conversion_run.h"
+#include "core/scene_outputs.h"
 #include "resources/resource_files.h"
 #include "scene/scene_context.h"
 #include "scene/text_file.h"
@@ -21,16 +22,18 @@ struct RunStopped {};
 /// What a run adds to the context in which its converters write one scene. A level whose sky is a scene of its own has
 /// two of them.
 struct RunState {
-  /// `sky` is the sky zone whose own scene this one is to inline, nullptr when there is none.
+  /// `sky` is the sky zone whose own scene this one is to inline, nullptr when there is none. `textName` gets the
+  /// name of the text scene when it stands.
   RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
-           const ScenePart& part, const SkyZoneRecord* sky, ResourceFiles& resources, RunInterface& user,
-           RunResult& result);
+           const ScenePart& part, const SkyZoneRecord* sky, SceneOutputs& outputs,
+           std::filesystem::path& textName, ResourceFiles& resources, RunInterface& user, RunResult& result);
 
   const T3DLevel& Level;
   const ScenePart Part;
   const SkyZoneRecord* const Sky;
   RunResult& Result;
-  TextFile File;
+  SceneOutputs& Outputs; ///< of the whole run
+  TextFile& File;
   SceneContext Context;
   TriggerList Triggers;
   NumberCheck Numbers;

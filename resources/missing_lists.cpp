@@ -3,8 +3,7 @@
 #include "base/ascii_text.h"
 #include "base/file_name.h"
 #include "base/level_text.h"
-
-#include <fstream>
+#include "base/output_file.h"
 
 namespace quarvel {
 
@@ -12,12 +11,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool WriteLines(const fs::path& file, const std::vector<std::string>& lines) {
-  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-  for (const std::string& line : lines)
-    stream << PrintableText(line) << LineEnd;
-  stream.close();
-  return !stream.fail();
+std::string LinesOf(const std::vector<std::string>& entries) {
+  std::string lines;
+  for (const std::string& entry : entries)
+    lines.append(PrintableText(entry)).append(LineEnd);
+  return lines;
 }
 
 void WriteList(const fs::path& file, const std::vector<std::string>& entries, const std::string& message,
@@ -28,8 +26,8 @@ void WriteList(const fs::path& file, const std::vector<std::string>& entries, co
     return;
   }
   const std::string name = Utf8Path(file);
-  if (!WriteLines(file, entries)) {
-    result.Errors.push_back(name + " could not be written");
+  if (const std::string why = WriteWholeFile(file, LinesOf(entries)); !why.empty()) {
+    result.Errors.push_back(name + " cannot be written: " + why);
     return;
   }
   result.FilesWritten.push_back(file);

@@ -4,7 +4,6 @@
 #include "base/text_coding.h"
 
 #include <algorithm>
-#include <fstream>
 
 namespace quarvel {
 
@@ -23,11 +22,6 @@ void AppendCoded(std::string& out, std::string_view text, TextCoding coding) {
   AppendWindows1252(out, text);
 }
 
-TextFile::TextFile(std::filesystem::path path, TextCoding coding) : path_(std::move(path)), coding_(coding) {
-  std::ofstream file(path_, std::ios::binary | std::ios::trunc);
-  good_ = file.is_open();
-}
-
 void TextFile::Append(std::string_view text) {
   AppendCoded(gathered_, text, coding_);
   if (gathered_.size() >= batchSize) Flush();
@@ -39,14 +33,9 @@ void TextFile::AppendLine(std::string_view text) {
 }
 
 bool TextFile::Flush() {
-  if (good_ && !gathered_.empty()) {
-    std::ofstream file(path_, std::ios::binary | std::ios::app);
-    file.write(gathered_.data(), static_cast<std::streamsize>(gathered_.size()));
-    file.close();
-    good_ = file.good();
-  }
+  if (!gathered_.empty()) file_.Append(gathered_);
   gathered_.clear();
-  return good_;
+  return file_.Error().empty();
 }
 
 } // namespace quarvel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/output_file.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -12,15 +14,12 @@ enum class TextCoding { AsIs, Utf8 };
 /// Appends `text` in that coding.
 void AppendCoded(std::string& out, std::string_view text, TextCoding coding);
 
-/// A scene file that grows block by block. It is never held open: blocks are gathered, and each batch of them opens the
-/// file, appends and closes it again.
+/// A scene file that grows block by block, beside its place until it is complete. It is never held open: blocks are
+/// gathered, and each batch of them opens the file, appends and closes it again.
 class TextFile {
  public:
-  /// Creates the file afresh, emptying an existing one.
-  TextFile(std::filesystem::path path, TextCoding coding);
-  ~TextFile() { Flush(); }
-  TextFile(const TextFile&) = delete;
-  TextFile& operator=(const TextFile&) = delete;
+  TextFile(std::filesystem::path path, TextCoding coding, AtLink atLink = AtLink::Replace)
+      : file_(std::move(path), atLink), coding_(coding) {}
 
   /// Appends the text as it stands.
   void Append(std::string_view text);
@@ -28,14 +27,16 @@ class TextFile {
   void AppendLine(std::string_view text);
   /// Writes what is still gathered. False when any write so far has failed; nothing is written after a failure.
   bool Flush();
+  /// Puts the file in its place, as far as it is written. Without this, what was there before stays.
+  bool Complete() { return Flush() && file_.Complete(); }
 
-  const std::filesystem::path& Path() const { return path_; }
+  const std::filesystem::path& Path() const { return file_.Path(); }
+  const std::string& Error() const { return file_.Error(); } ///< as in `OutputFile`
 
  private:
-  std::filesystem::path path_;
+  OutputFile file_;
   TextCoding coding_;
   std::string gathered_;
-  bool good_;
 };
 
 } // namespace quarvel

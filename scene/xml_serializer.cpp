@@ -115,9 +115,7 @@ void WriteXMLNode(const pugi::xml_node& node, TextFile& file, int depth, bool co
   file.Append(indent + "</" + node.name() + ">" + std::string(LineEnd));
 }
 
-bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming,
-             XMLFaults& faults) {
-  TextFile file(path, TextCoding::AsIs);
+bool SaveXML(const pugi::xml_document& document, TextFile& file, bool conforming, XMLFaults& faults) {
   for (const pugi::xml_node& node : document.children())
     WriteXMLNode(node, file, 0, conforming, faults);
   return file.Flush();

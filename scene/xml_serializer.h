@@ -15,8 +15,9 @@ struct XMLFaults {
 };
 
 /// Writes a document: one tag a line, one blank of indentation a level, attributes in single quotes. As held in the
-/// tree, or escaped and in UTF-8 when `conforming`. False when the file cannot be written.
-bool SaveXML(const pugi::xml_document& document, const std::filesystem::path& path, bool conforming, XMLFaults& faults);
+/// tree, or escaped and in UTF-8 when `conforming`. False when the file cannot be written; completing it is left to the
+/// caller.
+bool SaveXML(const pugi::xml_document& document, TextFile& file, bool conforming, XMLFaults& faults);
 
 /// Writes a node and everything below it, `depth` levels deep.
 void WriteXMLNode(const pugi::xml_node& node, TextFile& file, int depth, bool conforming, XMLFaults& faults);

@@ -1,12 +1,13 @@
 #include "settings/ini_store.h"
 
+#include "base/output_file.h"
+
 // Bytes are kept as they are; the library's default needs a conversion header that is not packaged with it.
 #define SI_NO_CONVERSION
 #include <SimpleIni.h>
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <system_error>
 
 namespace quarvel {
@@ -30,13 +31,6 @@ std::string ToLineValue(std::string_view value) {
 
 std::string_view FromLineValue(std::string_view line) {
   return IsQuoted(line) ? line.substr(1, line.size() - 2) : line;
-}
-
-std::string WriteFile(const fs::path& file, const std::string& text) {
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out.write(text.data(), static_cast<std::streamsize>(text.size()));
-  out.close();
-  return out ? "" : "cannot write the settings file " + file.string();
 }
 
 } // namespace
@@ -77,20 +71,12 @@ void IniStore::WriteText(std::string_view section, std::string_view key, std::st
 std::string IniStore::Save() {
   std::string text;
   content_->Ini.Save(text, false);
+  const std::string cannot = "cannot write the settings file " + file_.string() + ": ";
   std::error_code error;
-  // Behind a symbolic link, the file it leads to is the one to replace.
-  const fs::path target = fs::weakly_canonical(file_, error);
-  const fs::file_status before = fs::status(target, error);
-  const bool replaceable = before.type() == fs::file_type::regular || before.type() == fs::file_type::not_found;
-  if (!replaceable) return "cannot write the settings file " + file_.string();
-  fs::path temporary = target;
-  temporary += "." + std::to_string(std::random_device{}()) + ".tmp"; // two programs may save at the same time
-  if (std::string problem = WriteFile(temporary, text); !problem.empty()) return problem;
-  if (fs::exists(before)) fs::permissions(temporary, before.permissions(), error);
-  fs::rename(temporary, target, error);
-  if (!error) return {};
-  fs::remove(temporary, error);
-  return "cannot write the settings file " + file_.string();
+  const fs::file_type type = fs::status(file_, error).type();
+  if (type != fs::file_type::regular && type != fs::file_type::not_found) return cannot + "it is no ordinary file";
+  const std::string why = WriteWholeFile(file_, text, AtLink::Follow);
+  return why.empty() ? "" : cannot + why;
 }
 
 } // namespace quarvel

@@ -31,8 +31,13 @@ class TemporaryFolder {
     std::ofstream(path_ / name, std::ios::binary) << text;
   }
 
+  /// A file, or what is written so far of one that is not complete.
   std::string Read(const std::filesystem::path& name) const {
-    std::ifstream in(path_ / name, std::ios::binary);
+    std::filesystem::path file = path_ / name;
+    if (std::filesystem::is_directory(file.parent_path()) && !std::filesystem::exists(file))
+      for (const auto& entry : std::filesystem::directory_iterator(file.parent_path()))
+        if (entry.path().extension() == ".tmp") file = entry.path();
+    std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
 

@@ -12,7 +12,8 @@ class NodeWriter : public testing::Test {
  protected:
   std::string Document() const {
     XMLFaults faults;
-    EXPECT_TRUE(SaveXML(writer_.SceneDocument(), folder_.Path() / "scene.x3d", writer_.Conforming(), faults));
+    TextFile file(folder_.Path() / "scene.x3d", TextCoding::AsIs);
+    EXPECT_TRUE(SaveXML(writer_.SceneDocument(), file, writer_.Conforming(), faults) && file.Complete());
     return folder_.Read("scene.x3d");
   }
 

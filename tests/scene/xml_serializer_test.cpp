@@ -8,7 +8,8 @@ namespace {
 
 std::string Saved(const pugi::xml_document& document, bool conforming, XMLFaults& faults) {
   const TemporaryFolder folder;
-  EXPECT_TRUE(SaveXML(document, folder.Path() / "scene.x3d", conforming, faults));
+  TextFile file(folder.Path() / "scene.x3d", TextCoding::AsIs);
+  EXPECT_TRUE(SaveXML(document, file, conforming, faults) && file.Complete());
   return folder.Read("scene.x3d");
 }
 
@@ -69,9 +70,11 @@ TEST(XMLSerializer, TellsUtf8FromOtherBytes) {
 
 TEST(XMLSerializer, SaysWhenAFileCannotBeWritten) {
   XMLFaults faults;
-  EXPECT_FALSE(SaveXML(MadeDocument(""), "/nonexistent/scene.x3d", false, faults));
+  TextFile nowhere("/nonexistent/scene.x3d", TextCoding::AsIs), full("/dev/full", TextCoding::AsIs);
+  EXPECT_FALSE(SaveXML(MadeDocument(""), nowhere, false, faults));
+  EXPECT_FALSE(nowhere.Error().empty());
   if (std::filesystem::exists("/dev/full")) {
-    EXPECT_FALSE(SaveXML(MadeDocument(""), "/dev/full", false, faults));
+    EXPECT_FALSE(SaveXML(MadeDocument(""), full, false, faults));
   }
 }
 
