@@ -111,8 +111,8 @@ bool OutputFile::Fail(std::string reason) {
 bool OutputFile::Append(std::string_view bytes) {
   if (!error_.empty()) return false;
   if (direct_) {
-    const bool good = std::fwrite(bytes.data(), 1, bytes.size(), direct_.get()) == bytes.size() &&
-                      std::fflush(direct_.get()) == 0;
+    const bool good =
+        std::fwrite(bytes.data(), 1, bytes.size(), direct_.get()) == bytes.size() && std::fflush(direct_.get()) == 0;
     return good || Fail(Reason(errno));
   }
   std::FILE* const file = Open(temporary_, "r+b");

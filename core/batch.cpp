@@ -209,6 +209,7 @@ std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, cons
   for (const std::string& input : inputs)
     for (ConversionJob& job : JobsOfInput(input)) {
       if (job.Refusal.empty()) job.OutFile = OutputOf(job.InFile, output, isBatch);
+      job.OutputTyped = !output.empty() && !isBatch;
       jobs.push_back(std::move(job));
     }
   PassOverPackages(jobs);
@@ -226,6 +227,7 @@ std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const Co
     ConversionSettings runSettings = settings;
     runSettings.ComboInFileName = job.Input;
     runSettings.TextOutFileName = job.OutFile.string();
+    memory.TypedOutput = job.OutputTyped ? job.OutFile : fs::path();
     results.push_back(user.StopRequested()  ? StoppedResult(job)
                       : job.Refusal.empty() ? convert(job.InFile, job.OutFile, runSettings, store, memory, user)
                                             : RefusedResult(job));

@@ -15,7 +15,8 @@ struct ConversionJob {
   std::string Input; ///< what the user typed
   std::filesystem::path InFile;
   std::filesystem::path OutFile;
-  std::string Refusal; ///< why it cannot be converted, one sentence without a full stop; empty when it can
+  std::string Refusal;      ///< why it cannot be converted, one sentence without a full stop; empty when it can
+  bool OutputTyped = false; ///< the user named this very output: a link that stands there is followed
   /// The game's own file of the same level, which is not converted as there is a text of it; empty when there is none.
   std::filesystem::path PassedOver = {};
 };

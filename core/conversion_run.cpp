@@ -168,7 +168,7 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
     result.Findings.Add(fault);
   const T3DLevel level(memory.T3DText, fs::path(memory.LoadedFileName).stem().string());
   if (const std::string why = WhyUnsupported(level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
-  SceneOutputs outputs(outFile);
+  SceneOutputs outputs(memory.TypedOutput);
   CheckOutputs(outputs, files, settings);
 
   const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);

@@ -53,9 +53,9 @@ struct RunResult {
   std::vector<std::filesystem::path> FilesWritten; ///< all of them, in the order of writing
   /// Every file that could not be written although the scenes were, one sentence each without a full stop.
   std::vector<std::string> FailedFiles;
-  std::vector<std::string> Messages;               ///< the message texts that a window shows in boxes
-  PerKind<std::vector<std::string>> Missing;       ///< what was looked for and not found; sorted, each once
-  std::string PreloadScript;                       ///< empty unless asked for
+  std::vector<std::string> Messages;         ///< the message texts that a window shows in boxes
+  PerKind<std::vector<std::string>> Missing; ///< what was looked for and not found; sorted, each once
+  std::string PreloadScript;                 ///< empty unless asked for
 
   int Brushes = 0; ///< brushes and movers converted
   int Faces = 0;
@@ -72,6 +72,7 @@ struct RunMemory {
   std::string LoadedFileName;
   std::map<std::string, std::string> TextureNames; ///< what the level's package tells beyond the text
   std::vector<Finding> SourceFaults;               ///< what of that package could not be read
+  std::filesystem::path TypedOutput;               ///< the output, where the user named it; else empty
   std::map<std::string, std::string> SkyScenes;    ///< every sky scene written, and the level that it belongs to
 };
 

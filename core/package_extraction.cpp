@@ -2,6 +2,7 @@
 
 #include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/output_file.h"
 #include "base/text_coding.h"
 #include "images/image_file.h"
 #include "packages/sound_object.h"
@@ -90,13 +91,9 @@ class Extraction {
     if (!sound) return Fail(object, "cannot be read: it is damaged");
     if (!IsWave(sound->File)) return Fail(object, "is no WAVE sound");
     const fs::path file = FileOf(object, ".wav");
-    std::ofstream stream(file, std::ios::binary);
-    stream.write(reinterpret_cast<const char*>(sound->File.data()), static_cast<std::streamsize>(sound->File.size()));
-    stream.close();
-    if (stream) return result_.FilesWritten.push_back(file);
-    std::error_code ignored;
-    fs::remove(file, ignored);
-    Fail(object, "could not be written to " + Utf8Path(file));
+    if (const std::string why = WriteWholeFile(file, std::span<const std::uint8_t>(sound->File)); !why.empty())
+      return Fail(object, "could not be written to " + Utf8Path(file) + ": " + why);
+    result_.FilesWritten.push_back(file);
   }
 
   void Fail(std::size_t object, const std::string& reason) { result_.Errors.push_back(NameOf(object) + " " + reason); }

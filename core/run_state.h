@@ -25,8 +25,8 @@ struct RunState {
   /// `sky` is the sky zone whose own scene this one is to inline, nullptr when there is none. `textName` gets the
   /// name of the text scene when it stands.
   RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
-           const ScenePart& part, const SkyZoneRecord* sky, SceneOutputs& outputs,
-           std::filesystem::path& textName, ResourceFiles& resources, RunInterface& user, RunResult& result);
+           const ScenePart& part, const SkyZoneRecord* sky, SceneOutputs& outputs, std::filesystem::path& textName,
+           ResourceFiles& resources, RunInterface& user, RunResult& result);
 
   const T3DLevel& Level;
   const ScenePart Part;

@@ -1,5 +1,6 @@
 #include "images/image_file.h"
 
+#include "base/output_file.h"
 #include "images/bytes.h"
 #include "images/image_headers.h"
 #include "images/image_jpg.h"
@@ -140,15 +141,7 @@ std::vector<std::uint8_t> EncodeImage(const Image& image, ImageType type) {
 
 bool WriteImageFile(const Image& image, ImageType type, const fs::path& file) {
   const std::vector<std::uint8_t> bytes = EncodeImage(image, type);
-  if (bytes.empty()) return false;
-  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-  if (!stream) return false;
-  stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  if (!stream.fail()) return true;
-  std::error_code error;
-  fs::remove(file, error);
-  return false;
+  return !bytes.empty() && WriteWholeFile(file, std::span(bytes)).empty();
 }
 
 bool MayBeTransparent(const fs::path& file) {

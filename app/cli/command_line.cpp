@@ -126,15 +126,20 @@ class Reporter {
 
   void Finished(const ConversionJob& job, const RunResult& result) {
     user_.ClearLine();
-    if (result.Outcome == RunOutcome::Failed)
-      console_.Err << "quarvel: " << PrintableText(result.Error) << std::endl;
-    else if (result.Outcome == RunOutcome::Stopped)
-      console_.Err << "quarvel: stopped; " << PrintableText(job.InFile.string()) << " is not converted" << std::endl;
-    else if (!line_.Quiet)
-      WriteSummary(console_.Out, result, line_.Verbose);
+    if (result.Outcome == RunOutcome::Stopped) return Complain("stopped; " + StateOf(job, result));
+    for (const std::string& failed : result.FailedFiles)
+      Complain(failed);
+    if (result.Outcome == RunOutcome::Failed && result.FailedFiles.empty()) return Complain(result.Error);
+    if (!line_.Quiet) WriteSummary(console_.Out, result, line_.Verbose);
   }
 
  private:
+  static std::string StateOf(const ConversionJob& job, const RunResult& result) {
+    if (result.Incomplete.empty()) return job.InFile.string() + " is not converted";
+    return result.Incomplete.string() + " is incomplete";
+  }
+  void Complain(const std::string& text) { console_.Err << "quarvel: " << PrintableText(text) << std::endl; }
+
   const CommandLine& line_;
   const Console& console_;
   ConsoleInterface& user_;

@@ -16,7 +16,10 @@ void FormMain::Go() {
   files_->Remember();
   files_->SaveRecent(store_);
   const ConversionSettings settings = FormSettings();
-  Run(ListJobs({settings.ComboInFileName}, settings.TextOutFileName, settings));
+  std::vector<ConversionJob> jobs = ListJobs({settings.ComboInFileName}, settings.TextOutFileName, settings);
+  for (ConversionJob& job : jobs) // the window proposes the name beside the level by itself
+    job.OutputTyped = job.OutputTyped && job.OutFile != std::filesystem::path(job.InFile).replace_extension(".wrl");
+  Run(std::move(jobs));
 }
 
 /// Leads the user to what has to be put right first.
