@@ -31,7 +31,11 @@ void BoxTree::Build(std::size_t node, std::uint32_t from, std::uint32_t to) {
     const Bounds3& inner = boxes_[order_[i]];
     box.Min = {std::min(box.Min.X, inner.Min.X), std::min(box.Min.Y, inner.Min.Y), std::min(box.Min.Z, inner.Min.Z)};
     box.Max = {std::max(box.Max.X, inner.Max.X), std::max(box.Max.Y, inner.Max.Y), std::max(box.Max.Z, inner.Max.Z)};
-    GrowBounds(centers, BoundsCenter(inner));
+    const Vector3 center = AddVector(inner.Min, inner.Max); // twice it
+    centers.Min = {std::min(centers.Min.X, center.X), std::min(centers.Min.Y, center.Y),
+                   std::min(centers.Min.Z, center.Z)};
+    centers.Max = {std::max(centers.Max.X, center.X), std::max(centers.Max.Y, center.Y),
+                   std::max(centers.Max.Z, center.Z)};
   }
   nodes_[node].Box = box;
   if (to - from <= boxesInLeaf) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <numeric>
 #include <tuple>
 
 namespace quarvel {
@@ -75,20 +76,29 @@ struct EdgeUse {
   bool operator<(const EdgeUse& other) const { return Ends != other.Ends ? Ends < other.Ends : Corner < other.Corner; }
 };
 
+/// The edges of the polygons for which `counts` is true, in order. Sorted by their lower ends first, since those are as
+/// many as the points.
 template <typename Counts>
 std::vector<EdgeUse> ListEdges(const PolygonMesh& mesh, Counts counts) {
-  std::vector<EdgeUse> edges;
-  edges.reserve(mesh.Corners.size());
-  for (std::size_t polygon = 0; polygon < mesh.Count(); ++polygon) {
-    if (!counts(polygon)) continue;
-    const std::span<const std::uint32_t> corners = mesh.CornersOf(polygon);
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-      const std::uint32_t from = corners[i], to = corners[i + 1 == corners.size() ? 0 : i + 1];
-      edges.push_back({(std::uint64_t{std::min(from, to)} << 32) | std::max(from, to),
-                       mesh.Starts[polygon] + static_cast<std::uint32_t>(i)});
+  const auto forEach = [&](auto take) {
+    for (std::size_t polygon = 0; polygon < mesh.Count(); ++polygon) {
+      if (!counts(polygon)) continue;
+      const std::span<const std::uint32_t> corners = mesh.CornersOf(polygon);
+      for (std::size_t i = 0; i < corners.size(); ++i) {
+        const std::uint32_t from = corners[i], to = corners[i + 1 == corners.size() ? 0 : i + 1];
+        take(EdgeUse{(std::uint64_t{std::min(from, to)} << 32) | std::max(from, to),
+                     mesh.Starts[polygon] + static_cast<std::uint32_t>(i)});
+      }
     }
-  }
-  std::sort(edges.begin(), edges.end());
+  };
+  std::vector<std::uint32_t> firstOf(mesh.Points.size() + 1);
+  forEach([&](const EdgeUse& use) { ++firstOf[use.Low() + 1]; });
+  std::partial_sum(firstOf.begin(), firstOf.end(), firstOf.begin());
+  std::vector<EdgeUse> edges(firstOf.back());
+  std::vector<std::uint32_t> next(firstOf.begin(), firstOf.end() - 1);
+  forEach([&](const EdgeUse& use) { edges[next[use.Low()]++] = use; });
+  for (std::size_t point = 0; point + 1 < firstOf.size(); ++point)
+    std::sort(edges.begin() + firstOf[point], edges.begin() + firstOf[point + 1]);
   return edges;
 }
 
@@ -155,8 +165,10 @@ class EdgeSplitter {
     const double length = VectorLength(edge);
     if (length == 0) return 0;
     const Vector3 direction = ScaleVector(edge, 1 / length);
+    const auto invert = [](double part) { return std::fabs(part) < 1e-12 ? 1e12 : 1 / part; };
+    const Vector3 slowness{invert(direction.X), invert(direction.Y), invert(direction.Z)};
     double farthest = 0;
-    tree_.Search([&](const Bounds3& box) { return MeetsLine(box, start, direction, length); },
+    tree_.Search([&](const Bounds3& box) { return MeetsLine(box, start, slowness, length); },
                  [&](std::uint32_t place) {
                    const std::uint32_t number = numbers_[place];
                    if (number == from || number == to) return;
@@ -171,17 +183,14 @@ class EdgeSplitter {
     return farthest;
   }
 
-  bool MeetsLine(const Bounds3& box, const Vector3& start, const Vector3& direction, double length) const {
+  /// Whether the line passes through the box or near to it. `slowness` is one over its direction.
+  bool MeetsLine(const Bounds3& box, const Vector3& start, const Vector3& slowness, double length) const {
     double enter = 0, leave = length;
     for (double Vector3::*const axis : {&Vector3::X, &Vector3::Y, &Vector3::Z}) {
-      const double low = box.Min.*axis - distance_ - start.*axis, high = box.Max.*axis + distance_ - start.*axis;
-      const double slope = direction.*axis;
-      if (std::fabs(slope) < 1e-12) {
-        if (low > 0 || high < 0) return false;
-        continue;
-      }
-      enter = std::max(enter, std::min(low / slope, high / slope));
-      leave = std::min(leave, std::max(low / slope, high / slope));
+      const double a = (box.Min.*axis - distance_ - start.*axis) * slowness.*axis;
+      const double b = (box.Max.*axis + distance_ - start.*axis) * slowness.*axis;
+      enter = std::max(enter, std::min(a, b));
+      leave = std::min(leave, std::max(a, b));
     }
     return enter <= leave;
   }
