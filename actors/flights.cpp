@@ -117,6 +117,8 @@ Flight FlightOfScene(const SceneManagerRecord& scene, const std::vector<Interpol
   flight.Loop = scene.bLooping;
   flight.HasActions = true;
   if (scene.MissingActions > 0) findings.Add(FindingCode::MissingActions, flight.Source, scene.MissingActions);
+  for (const int gap : scene.ActionGaps)
+    findings.Add(FindingCode::GapInActions, flight.Source, gap);
   for (const SceneActionRecord& action : scene.Actions) {
     const PathPoint target = action.Kind == SceneActionKind::MoveCamera ? FindPoint(points, action.IntPoint) : nullptr;
     const double duration = std::clamp(action.Duration, 0.0, 1e6);

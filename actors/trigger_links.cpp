@@ -13,8 +13,8 @@ namespace quarvel {
 
 namespace {
 
-constexpr std::size_t directRoutes = 64;  // of one event; above that a relay grows with its ends, not their product
-constexpr double pulse = 0.1;             // seconds that a timer runs, which only has to start
+constexpr std::size_t directRoutes = 64; // of one event; above that a relay grows with its ends, not their product
+constexpr double pulse = 0.1;            // seconds that a timer runs, which only has to start
 
 /// What a sensor or a script sends on.
 struct LinkEnd {
@@ -33,7 +33,9 @@ struct Relay {
 const char* TypeOf(const std::string& field) { return field == "isActive" ? "SFBool" : "SFTime"; }
 std::string InputName(const std::string& field) { return "set_" + field; }
 std::string OutputName(const std::string& field) { return field + "_changed"; }
-std::string OutputName(const std::string& field, std::size_t entry) { return OutputName(field + std::to_string(entry)); }
+std::string OutputName(const std::string& field, std::size_t entry) {
+  return OutputName(field + std::to_string(entry));
+}
 
 /// Turns the noted links into routes, with the scripts that stand on the way.
 class LinkWriter {
@@ -113,7 +115,8 @@ class LinkWriter {
     for (const auto& [tag, links] : linkCounts_) {
       const TriggerSources& sources = sources_[tag];
       // Where one event alone comes here its own relay will do.
-      const bool relayed = sources.Events.size() + sources.Outputs.size() > 1 && CountOf(sources) * links > directRoutes;
+      const bool relayed =
+          sources.Events.size() + sources.Outputs.size() > 1 && CountOf(sources) * links > directRoutes;
       if (relayed) NameRelay(targetRelays_[tag], tag);
       for (const std::string& event : sources.Events)
         uses[event] += relayed ? 1 : links;
@@ -237,8 +240,8 @@ class LinkWriter {
   const TriggerList& triggers_;
   std::map<std::string, TriggerSources> sources_; ///< by the links' Tag in lower case
   std::map<std::string, std::size_t> linkCounts_;
-  std::map<std::size_t, std::set<ScriptOutput>> outputs_;        ///< by the dispatcher's number
-  std::set<std::pair<std::size_t, std::string>> inputs_;         ///< dispatcher, field
+  std::map<std::size_t, std::set<ScriptOutput>> outputs_; ///< by the dispatcher's number
+  std::set<std::pair<std::size_t, std::string>> inputs_;  ///< dispatcher, field
   std::map<std::size_t, std::string> scriptNames_;
   std::map<std::pair<std::size_t, ScriptOutput>, std::string> timers_;
   std::map<std::string, Relay> eventRelays_, targetRelays_; ///< by event or Tag in lower case

@@ -42,7 +42,10 @@ fs::path TemporaryBeside(const fs::path& target) {
   return target.parent_path() / name.data();
 }
 
-std::string WhyNotReplaceable(const fs::path& file) {
+/// The administrator may write every file, but one that is protected from everybody is to stay all the same.
+std::string WhyNotReplaceable(const fs::path& file, fs::perms permissions) {
+  constexpr fs::perms anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  if ((permissions & anyWrite) == fs::perms::none) return Reason(EACCES);
   std::FILE* const opened = Open(file, "r+b"); // changes nothing
   if (!opened) return Reason(errno);
   std::fclose(opened);
@@ -72,7 +75,7 @@ OutputFile::OutputFile(fs::path path, AtLink atLink)
   } else {
     if (status.type() == fs::file_type::regular) {
       permissions_ = status.permissions();
-      if (std::string why = WhyNotReplaceable(target_); !why.empty()) {
+      if (std::string why = WhyNotReplaceable(target_, permissions_); !why.empty()) {
         Fail(std::move(why));
         return;
       }

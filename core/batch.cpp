@@ -1,8 +1,10 @@
 #include "core/batch.h"
 
 #include "base/ascii_text.h"
+#include "base/file_identity.h"
 #include "base/file_name.h"
 #include "base/text_coding.h"
+#include "resources/missing_lists.h"
 
 #include <algorithm>
 #include <map>
@@ -41,7 +43,7 @@ bool IsList(std::string_view input) {
   return input.find(',') != input.npos && !fs::is_regular_file(InputPath(input), ignored);
 }
 
-std::vector<fs::path> FilesOfPattern(std::string_view typed) {
+std::vector<fs::path> FilesOfPattern(std::string_view typed, const std::function<bool()>& stop) {
   const std::string_view folderPart = FolderPart(typed);
   const std::string_view pattern = typed.substr(folderPart.size());
   const fs::path folder = folderPart.empty() ? fs::path(".") : InputPath(folderPart);
@@ -49,6 +51,7 @@ std::vector<fs::path> FilesOfPattern(std::string_view typed) {
   std::error_code error;
   const auto options = fs::directory_options::skip_permission_denied;
   for (fs::recursive_directory_iterator at(folder, options, error), end; !error && at != end; at.increment(error)) {
+    if (stop && stop()) break;
     std::error_code ignored;
     if (at->is_regular_file(ignored) && MatchesPattern(at->path().filename().string(), pattern))
       files.push_back(at->path().lexically_normal());
@@ -71,12 +74,12 @@ std::vector<fs::path> FilesOfList(std::string_view typed) {
 }
 
 /// The jobs of one input, without their outputs.
-std::vector<ConversionJob> JobsOfInput(const std::string& input) {
+std::vector<ConversionJob> JobsOfInput(const std::string& input, const std::function<bool()>& stop) {
   const bool isPattern = IsPattern(input);
-  const bool isList = !isPattern && IsList(input);
+  const bool isList = IsListOfFiles(input);
   if (!isPattern && !isList) return {{input, InputPath(input), {}, {}}};
   std::vector<ConversionJob> jobs;
-  for (const fs::path& file : isPattern ? FilesOfPattern(input) : FilesOfList(input))
+  for (const fs::path& file : isPattern ? FilesOfPattern(input, stop) : FilesOfList(input))
     jobs.push_back({input, file, {}, {}});
   if (jobs.empty())
     jobs.push_back({input, input, {}, (isPattern ? "no file matches " : "no file is named in ") + input});
@@ -102,53 +105,53 @@ void PassOverPackages(std::vector<ConversionJob>& jobs) {
 }
 
 fs::path OutputOf(const fs::path& inFile, const std::string& output, bool isBatch) {
-  if (!output.empty() && !isBatch) return WithPlatformSeparators(output);
+  const bool namesFolder = output.ends_with('/') || output.ends_with('\\');
+  if (!output.empty() && !isBatch && !namesFolder) return WithPlatformSeparators(output);
   fs::path outFile = inFile;
   outFile.replace_extension(".wrl");
-  return output.empty() ? outFile : WithPlatformSeparators(FolderPart(output)) / outFile.filename();
+  if (output.empty()) return outFile;
+  std::error_code ignored;
+  const bool isFolder = fs::is_directory(InputPath(output), ignored);
+  return (isFolder ? InputPath(output) : WithPlatformSeparators(FolderPart(output))) / outFile.filename();
 }
 
-/// One name for one file, however it is written.
-fs::path Identity(const fs::path& path) {
-  std::error_code error;
-  const fs::path absolute = fs::absolute(path, error);
-  fs::path canonical = fs::weakly_canonical(absolute, error);
-  return error ? absolute.lexically_normal() : canonical;
-}
-
-std::vector<fs::path> ScenesOf(const ConversionJob& job, const ConversionSettings& settings) {
-  const SceneFileNames names = DeriveSceneFileNames(job.OutFile, settings);
-  std::vector<fs::path> scenes{names.Text, names.Document};
-  if (settings.CheckXMLtoo) scenes.push_back(names.Copy);
-  return scenes;
+/// What a run may write under a name that nobody chose: lists of what is missing, the preload script.
+std::vector<fs::path> ReportsOf(const ConversionJob& job, const ConversionSettings& settings) {
+  std::vector<fs::path> reports = MissingListNames(job.OutFile);
+  if (settings.CheckMakePreloadScript) reports.push_back(PreloadScriptName(job.OutFile));
+  return reports;
 }
 
 using ScenesWritten = std::map<fs::path, fs::path>; // scene: the input it is made from
 
-std::string OverwritingRefusal(const ConversionJob& job, const std::vector<fs::path>& scenes,
-                               const std::set<fs::path>& inputs, const ScenesWritten& written) {
-  for (const fs::path& scene : scenes) {
-    const fs::path identity = Identity(scene);
-    const std::string refused = job.InFile.string() + " is not converted: its output " + scene.string();
-    if (inputs.contains(identity)) return refused + " would overwrite an input";
-    const auto earlier = written.find(identity);
+/// What is wrong with the outputs of a job, as the end of a sentence; empty when nothing is.
+std::string OverwritingRefusal(const ConversionJob& job, const ConversionSettings& settings, const BatchFiles& files,
+                               const ScenesWritten& written) {
+  for (const fs::path& scene : ScenesOf(job.OutFile, settings)) {
+    const std::string refused = "its output " + scene.string();
+    if (files.IsInput(scene)) return refused + " would overwrite an input";
+    const auto earlier = written.find(ResolvedPath(scene));
     if (earlier != written.end()) return refused + " is the output of " + earlier->second.string() + " already";
   }
+  for (const fs::path& report : ReportsOf(job, settings))
+    if (files.IsInput(report)) return "its report " + report.string() + " would overwrite an input";
   return {};
 }
 
 void RefuseOverwriting(std::vector<ConversionJob>& jobs, const ConversionSettings& settings) {
-  std::set<fs::path> inputs;
+  BatchFiles files;
   for (const ConversionJob& job : jobs)
-    inputs.insert(Identity(job.InFile));
+    files.AddInput(job.InFile);
   ScenesWritten written;
   for (ConversionJob& job : jobs) {
     if (!job.Refusal.empty() || job.InFile.empty()) continue;
-    const std::vector<fs::path> scenes = ScenesOf(job, settings);
-    job.Refusal = OverwritingRefusal(job, scenes, inputs, written);
-    if (!job.Refusal.empty()) continue;
-    for (const fs::path& scene : scenes)
-      written.emplace(Identity(scene), job.InFile);
+    job.Reason = OverwritingRefusal(job, settings, files, written);
+    if (!job.Reason.empty()) {
+      job.Refusal = job.InFile.string() + " is not converted: " + job.Reason;
+      continue;
+    }
+    for (const fs::path& scene : ScenesOf(job.OutFile, settings))
+      written.emplace(ResolvedPath(scene), job.InFile);
   }
 }
 
@@ -156,6 +159,7 @@ RunResult RefusedResult(const ConversionJob& job) {
   RunResult result;
   result.Outcome = RunOutcome::Failed;
   result.Error = job.Refusal;
+  result.Reason = job.Reason.empty() ? job.Refusal : job.Reason;
   result.InputFile = job.InFile;
   return result;
 }
@@ -202,12 +206,14 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
 
 bool NamesSeveralFiles(std::string_view input) { return IsPattern(input) || IsList(input); }
 
+bool IsListOfFiles(std::string_view input) { return !IsPattern(input) && IsList(input); }
+
 std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, const std::string& output,
-                                    const ConversionSettings& settings) {
+                                    const ConversionSettings& settings, const std::function<bool()>& stop) {
   std::vector<ConversionJob> jobs;
   const bool isBatch = inputs.size() > 1 || std::any_of(inputs.begin(), inputs.end(), NamesSeveralFiles);
   for (const std::string& input : inputs)
-    for (ConversionJob& job : JobsOfInput(input)) {
+    for (ConversionJob& job : JobsOfInput(input, stop)) {
       if (job.Refusal.empty()) job.OutFile = OutputOf(job.InFile, output, isBatch);
       job.OutputTyped = !output.empty() && !isBatch;
       jobs.push_back(std::move(job));
@@ -217,10 +223,24 @@ std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, cons
   return jobs;
 }
 
+bool IsFileOfJobs(const fs::path& file, const std::vector<ConversionJob>& jobs, const ConversionSettings& settings) {
+  const std::string identity = FileIdentity(file);
+  const auto isFile = [&](const fs::path& other) { return FileIdentity(other) == identity; };
+  return std::any_of(jobs.begin(), jobs.end(), [&](const ConversionJob& job) {
+    if (isFile(job.InFile)) return true;
+    if (!job.Refusal.empty()) return false;
+    const std::vector<fs::path> scenes = ScenesOf(job.OutFile, settings), reports = ReportsOf(job, settings);
+    return std::any_of(scenes.begin(), scenes.end(), isFile) || std::any_of(reports.begin(), reports.end(), isFile);
+  });
+}
+
 std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const ConversionSettings& settings,
                                 SettingsStore& store, RunMemory& memory, RunInterface& user, const BatchEvents& events,
                                 const Conversion& convert) {
   std::vector<RunResult> results;
+  memory.Files = {};
+  for (const ConversionJob& job : jobs)
+    memory.Files.AddInput(job.InFile);
   for (const ConversionJob& job : jobs) {
     if (events.Started) events.Started(job);
     user.ProcessEvents();
@@ -228,6 +248,7 @@ std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const Co
     runSettings.ComboInFileName = job.Input;
     runSettings.TextOutFileName = job.OutFile.string();
     memory.TypedOutput = job.OutputTyped ? job.OutFile : fs::path();
+    if (jobs.size() > 1) runSettings.CheckRescanFile = true; // the text in memory is one file's, not every file's
     results.push_back(user.StopRequested()  ? StoppedResult(job)
                       : job.Refusal.empty() ? convert(job.InFile, job.OutFile, runSettings, store, memory, user)
                                             : RefusedResult(job));

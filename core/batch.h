@@ -16,6 +16,7 @@ struct ConversionJob {
   std::filesystem::path InFile;
   std::filesystem::path OutFile;
   std::string Refusal;      ///< why it cannot be converted, one sentence without a full stop; empty when it can
+  std::string Reason = {};  ///< the same without the file's name
   bool OutputTyped = false; ///< the user named this very output: a link that stands there is followed
   /// The game's own file of the same level, which is not converted as there is a text of it; empty when there is none.
   std::filesystem::path PassedOver = {};
@@ -23,6 +24,8 @@ struct ConversionJob {
 
 /// Whether an input stands for several files, as `ListJobs` takes it: a pattern or a list.
 bool NamesSeveralFiles(std::string_view input);
+/// Whether it is a list, whose scenes a window puts beside its files, whatever its field for the output says.
+bool IsListOfFiles(std::string_view input);
 
 /// Turns what the user typed into files, in the order in which they are converted. An input is
 /// - a file name;
@@ -32,11 +35,16 @@ bool NamesSeveralFiles(std::string_view input);
 /// - a list "folder,first.t3d,second.t3d", of which empty items are skipped. (A file whose own name has a comma is a
 /// file.)
 /// "/" and "\" both separate folders. An empty `output` means each input's name with ".wrl" beside it. One file name is
-/// converted to `output` as it stands; in all other cases only the folder of `output` counts. Jobs that would overwrite
-/// an input or the scenes of an earlier job are refused, and so is a pattern that matches nothing. Of a level that is
-/// there as text (.t3d) and as the game's own file (.unr), in one folder, the text is converted.
+/// converted to `output` as it stands; in all other cases only the folder of `output` counts, or `output` itself where
+/// it is a folder. Jobs that would overwrite an input or the scenes of an earlier job are refused, and so is a pattern
+/// that matches nothing. Of a level that is there as text (.t3d) and as the game's own file (.unr), in one
+/// folder, the text is converted. Once `stop` is true, no more files are looked for.
 std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, const std::string& output,
-                                    const ConversionSettings& settings);
+                                    const ConversionSettings& settings, const std::function<bool()>& stop = {});
+
+/// Whether the jobs read or write the file, by whatever name.
+bool IsFileOfJobs(const std::filesystem::path& file, const std::vector<ConversionJob>& jobs,
+                  const ConversionSettings& settings);
 
 /// Told about each file of a batch; either may be empty.
 struct BatchEvents {

@@ -44,10 +44,13 @@ void SkipBrush(RunState& run, const BrushRecord& brush) {
 }
 
 std::optional<BrushRecord> ShownBrush(RunState& run, const ActorBlock& actor) {
-  const auto read = [&](const T3DLevel& level, const ActorBlock& block) {
-    return ReadBrush(level, block, run.Numbers);
-  };
-  return ReadShown(run.Part, run.Level, actor, read);
+  NumberCheck numbers; // those of what another scene shows are counted there
+  const auto read = [&](const T3DLevel& level, const ActorBlock& block) { return ReadBrush(level, block, numbers); };
+  auto brush = ReadShown(run.Part, run.Level, actor, read);
+  if (!brush) return brush;
+  if (run.Numbers.Places == 0) run.Numbers.FirstActor = numbers.FirstActor;
+  run.Numbers.Places += numbers.Places;
+  return brush;
 }
 
 void ProcessBrushes(RunState& run) {

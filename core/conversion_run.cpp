@@ -1,9 +1,11 @@
 #include "core/conversion_run.h"
 
+#include "base/file_identity.h"
 #include "core/level_source.h"
 #include "core/motion_passes.h"
 #include "core/run_passes.h"
 #include "core/run_state.h"
+#include "core/run_summary.h"
 #include "core/scene_framing.h"
 #include "core/sky_scene.h"
 #include "math/number_text.h"
@@ -14,6 +16,9 @@
 #include "settings/settings_file.h"
 #include "t3d/level_check.h"
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <chrono>
 #include <new>
 
@@ -26,15 +31,33 @@ namespace fs = std::filesystem;
 /// Thrown with one sentence when a run cannot go on; caught by the run alone.
 struct RunFailed {
   std::string Error;
+  std::string Reason{}; ///< the same without folders; empty when it names none
 };
 
 std::string Display(const fs::path& path) { return path.string(); }
 
+RunFailed InputFailed(const fs::path& inFile, const std::string& why) { return {Display(inFile) + " " + why, why}; }
+
+RunFailed OutputFailed(const fs::path& path, const std::string& why) {
+  return {Display(path) + " " + why, Display(path.filename()) + " " + why};
+}
+
+std::string WhyUnreadable(const fs::path& inFile) {
+  std::error_code error;
+  const fs::file_status status = fs::status(inFile, error);
+  if (status.type() == fs::file_type::not_found) return "does not exist";
+  if (fs::is_directory(status)) return "is a folder";
+  if (fs::exists(status) && !fs::is_regular_file(status)) return "cannot be read: it is a pipe or a device";
+  errno = 0;
+  const bool opens = !error && std::ifstream(inFile, std::ios::binary).is_open();
+  if (opens) return "cannot be read";
+  return "cannot be read: " + (error ? error.message() : SystemReason());
+}
+
 /// Reads the level of a game's own file.
 std::string LoadPackage(const fs::path& inFile, RunMemory& memory) {
   LevelSource source;
-  if (const std::string error = ReadLevelPackage(inFile, source); !error.empty())
-    throw RunFailed{Display(inFile) + " " + error};
+  if (const std::string error = ReadLevelPackage(inFile, source); !error.empty()) throw InputFailed(inFile, error);
   memory.TextureNames = std::move(source.TextureNames);
   memory.SourceFaults = std::move(source.Faults);
   return std::move(source.Text);
@@ -44,13 +67,13 @@ std::string LoadPackage(const fs::path& inFile, RunMemory& memory) {
 void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMemory& memory, RunInterface& user) {
   if (!settings.CheckRescanFile && !memory.T3DText.empty()) return;
   user.ShowPass("Reading file");
+  std::optional<std::string> text;
   std::error_code error;
-  if (!fs::exists(inFile, error)) throw RunFailed{Display(inFile) + " does not exist"};
-  if (fs::is_directory(inFile, error)) throw RunFailed{Display(inFile) + " is a folder"};
   memory.TextureNames.clear();
   memory.SourceFaults.clear();
-  std::optional<std::string> text = IsLevelPackage(inFile) ? LoadPackage(inFile, memory) : ReadWholeFile(inFile, user);
-  if (!text) throw RunFailed{Display(inFile) + " cannot be read"};
+  if (fs::is_regular_file(inFile, error))
+    text = IsLevelPackage(inFile) ? LoadPackage(inFile, memory) : ReadWholeFile(inFile, user);
+  if (!text) throw InputFailed(inFile, WhyUnreadable(inFile));
   if (user.StopRequested()) throw RunStopped(); // what was read may be a part only
   memory.T3DText = std::move(*text);
   memory.LoadedFileName = Display(inFile);
@@ -58,20 +81,36 @@ void LoadText(const fs::path& inFile, const ConversionSettings& settings, RunMem
 
 /// Outputs that turn out unwritable after all passes would cost the user the whole run.
 void CheckWritable(const SceneOutputs& outputs, const fs::path& path) {
-  if (const std::string why = outputs.WhyNot(path); !why.empty())
-    throw RunFailed{Display(path) + " cannot be written: " + why};
+  std::error_code error;
+  if (!path.parent_path().empty()) fs::create_directories(path.parent_path(), error);
+  if (error) throw OutputFailed(path, "cannot be written: its folder cannot be made: " + error.message());
+  if (const std::string why = outputs.WhyNot(path); !why.empty()) throw OutputFailed(path, "cannot be written: " + why);
 }
 
-void CheckOutputs(const SceneOutputs& outputs, const SceneFileNames& files, const ConversionSettings& settings) {
-  CheckWritable(outputs, files.Text);
-  CheckWritable(outputs, files.Document);
-  if (settings.CheckXMLtoo) CheckWritable(outputs, files.Copy);
+std::vector<fs::path> ScenesOf(const SceneFileNames& files, const ConversionSettings& settings) {
+  std::vector<fs::path> scenes{files.Text, files.Document};
+  if (settings.CheckXMLtoo) scenes.push_back(files.Copy);
+  return scenes;
+}
+
+/// Takes care that the scenes can be written and take no other file's place.
+void TakeOutputs(const SceneFileNames& files, const ConversionSettings& settings, const fs::path& inFile,
+                 BatchFiles& batch, BatchFiles::Kind kind, const SceneOutputs& outputs) {
+  for (const fs::path& scene : ScenesOf(files, settings)) {
+    const std::string refused = std::string("is not converted: its ") +
+                                (kind == BatchFiles::Kind::SkyScene ? "sky scene " : "output ") + Display(scene);
+    if (batch.IsInput(scene)) throw InputFailed(inFile, refused + " would overwrite an input");
+    if (const fs::path owner = batch.Claim(scene, inFile, kind); !owner.empty())
+      throw InputFailed(inFile, refused + " is an output of " + Display(owner) + " already");
+  }
+  for (const fs::path& scene : ScenesOf(files, settings))
+    CheckWritable(outputs, scene);
 }
 
 void SaveDocument(RunState& run, const fs::path& path, fs::path& name, XMLFaults& faults) {
   TextFile& file = run.Outputs.Begin(path, TextCoding::AsIs, name);
   if (!SaveXML(run.Context.Scene.SceneDocument(), file, run.Context.Scene.Conforming(), faults))
-    throw RunFailed{Display(path) + " cannot be written: " + file.Error()};
+    throw OutputFailed(path, "cannot be written: " + file.Error());
 }
 
 void ReportFaults(RunState& run, const XMLFaults& faults) {
@@ -86,11 +125,35 @@ void CloseScene(RunState& run, const SceneFileNames& files, SceneFileNames& writ
   run.Context.Scene.WriteReadyRoutes();
   FlushBlock(run);
   run.Context.Scene.FinishRoutes(run.Result.Findings);
-  if (!run.File.Flush()) throw RunFailed{Display(run.File.Path()) + " cannot be written: " + run.File.Error()};
+  if (!run.File.Flush()) throw OutputFailed(run.File.Path(), "cannot be written: " + run.File.Error());
   XMLFaults faults;
   if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, written.Copy, faults);
   SaveDocument(run, files.Document, written.Document, faults);
   ReportFaults(run, faults);
+}
+
+/// Whether there is anything to see, hear or meet below a node of the document.
+bool HasContent(const pugi::xml_node& node) {
+  constexpr std::array<std::string_view, 8> frame{"X3D",   "Scene",     "NavigationInfo", "WorldInfo",
+                                                  "Group", "Transform", "ProtoDeclare",   "ROUTE"};
+  for (const pugi::xml_node& child : node.children()) {
+    if (child.type() != pugi::node_element) continue;
+    if (std::find(frame.begin(), frame.end(), child.name()) == frame.end()) return true;
+    if (std::string_view(child.name()) != "ProtoDeclare" && HasContent(child)) return true;
+  }
+  return false;
+}
+
+/// A scene of nothing is no scene: the user has to know what the level is made of instead. That files are missing stops
+/// no run, though.
+void RefuseEmptyScene(RunState& run) {
+  const MissingResources missing = run.Context.Resources.Missing();
+  const bool lacksFiles = std::any_of(missing.begin(), missing.end(), [](const auto& names) { return !names.empty(); });
+  if (lacksFiles || HasContent(run.Context.Scene.SceneDocument())) return;
+  std::string why = "has nothing that arrives in a scene with these options; it holds " + ContentOf(run.Level);
+  for (const auto& [what, counted] : run.Result.Findings.Counts())
+    why += "; " + what + ": " + std::to_string(counted.Count);
+  throw InputFailed(run.Result.InputFile, why);
 }
 
 /// Writes one scene from its header to its end.
@@ -99,6 +162,7 @@ void WriteScene(RunState& run, const SceneFileNames& files, SceneFileNames& writ
   WritePrototypes(run);
   SceneFrame frame(run.Context.Scene, run.Context.Settings, files.Document.stem().string());
   MakePasses(run);
+  if (run.Part.Kept != ScenePart::Kind::Sky) RefuseEmptyScene(run);
   frame.CloseContent();
   CloseScene(run, files, written);
   run.Result.UniqueMaterials += run.Context.Materials.UniqueMaterialCount();
@@ -107,7 +171,8 @@ void WriteScene(RunState& run, const SceneFileNames& files, SceneFileNames& writ
 void WriteSkyScene(const SkyScene& sky, RunState& world) {
   const ScenePart part{ScenePart::Kind::Sky, sky.Zone.Location};
   RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Outputs, world.Result.SkyScene.Text,
-               world.Context.Resources, world.Context.User, world.Result);
+               world.Context.Resources, world.Numbers, world.Context.User, world.Result);
+  run.ActorsDone = world.ActorsDone; // what is done never becomes less
   WriteScene(run, sky.Files, run.Result.SkyScene);
 }
 
@@ -118,7 +183,8 @@ void WriteScenes(RunState& run, const SceneFileNames& files, const std::optional
     run.Result.Bounds = run.Bounds;
     if (sky) WriteSkyScene(*sky, run);
   } catch (const RunStopped&) {
-    if (const std::string error = run.Outputs.CompleteStopped(run.Result); !error.empty()) throw RunFailed{error};
+    const std::string error = run.Outputs.CompleteStopped(run.Result);
+    if (!error.empty() && !fs::is_fifo(files.Text)) throw RunFailed{error}; // a pipe that was not opened is no failure
     throw;
   }
   if (const std::string error = run.Outputs.Complete(run.Result); !error.empty()) throw RunFailed{error};
@@ -128,7 +194,7 @@ void WritePreloadScript(RunState& run, const fs::path& outFile, std::vector<std:
   if (!run.Context.Settings.CheckMakePreloadScript) return;
   run.Result.PreloadScript =
       MakePreloadScript(run.Context.Resources.UsedTextureUrls(), run.Context.Settings.TextJavascriptURL);
-  const fs::path path = fs::path(outFile).replace_filename(outFile.stem().string() + "Preload.js");
+  const fs::path path = PreloadScriptName(outFile);
   if (const std::string why = WriteWholeFile(path, run.Result.PreloadScript); !why.empty()) {
     errors.push_back(Display(path) + " cannot be written: " + why);
     return;
@@ -137,13 +203,26 @@ void WritePreloadScript(RunState& run, const fs::path& outFile, std::vector<std:
   run.Result.FilesWritten.push_back(path);
 }
 
+/// Tells the user something that a window shows in a box, and the summary as a line.
+void Tell(RunState& run, const std::string& message) {
+  run.Result.Messages.push_back(message);
+  run.Context.User.ShowMessage(message);
+}
+
+void TellBadNumbers(RunState& run) {
+  const NumberCheck& numbers = run.Numbers;
+  if (numbers.Places == 0) return;
+  const std::string where = numbers.FirstActor.empty() ? "" : ", the first in " + numbers.FirstActor;
+  Tell(run, "Input file contains badly formatted numbers: " +
+                CountText(static_cast<std::size_t>(numbers.Places), "place", "places") + where);
+}
+
 void WriteReports(RunState& run, const fs::path& outFile) {
   RunResult& result = run.Result;
   result.Missing = run.Context.Resources.Missing();
   const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, run.Context.Settings);
-  result.Messages.insert(result.Messages.end(), lists.Messages.begin(), lists.Messages.end());
   for (const std::string& message : lists.Messages)
-    run.Context.User.ShowMessage(message);
+    Tell(run, message);
   result.MissingLists = lists.FilesWritten;
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
   result.FailedFiles = run.Context.Resources.Errors();
@@ -167,18 +246,19 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   for (const Finding& fault : memory.SourceFaults)
     result.Findings.Add(fault);
   const T3DLevel level(memory.T3DText, fs::path(memory.LoadedFileName).stem().string());
-  if (const std::string why = WhyUnsupported(level); !why.empty()) throw RunFailed{Display(inFile) + " " + why};
+  if (const std::string why = WhyUnsupported(level); !why.empty()) throw InputFailed(inFile, why);
   SceneOutputs outputs(memory.TypedOutput);
-  CheckOutputs(outputs, files, settings);
+  const std::optional<SkyScene> sky = PlanSkyScene(level, files, settings, result.Findings);
+  TakeOutputs(files, settings, inFile, memory.Files, BatchFiles::Kind::LevelScene, outputs);
+  if (sky) TakeOutputs(sky->Files, sky->Settings, inFile, memory.Files, BatchFiles::Kind::SkyScene, outputs);
 
-  const std::optional<SkyScene> sky = PlanSkyScene(level, inFile, files, settings, memory, result.Findings);
-  if (sky) CheckOutputs(outputs, sky->Files, sky->Settings);
-
-  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()));
+  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user);
+  NumberCheck numbers;
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
-  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, outputs, result.Scene.Text, resources, user,
-               result);
+  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, outputs, result.Scene.Text, resources, numbers,
+               user, result);
   WriteScenes(run, files, sky);
+  TellBadNumbers(run);
   WriteReports(run, outFile);
   TellFailedFiles(result);
   user.ShowPass("Done");
@@ -196,6 +276,14 @@ SceneFileNames DeriveSceneFileNames(const fs::path& outFile, const ConversionSet
           folder / (stem + ".xml")};
 }
 
+std::vector<fs::path> ScenesOf(const fs::path& outFile, const ConversionSettings& settings) {
+  return ScenesOf(DeriveSceneFileNames(outFile, settings), settings);
+}
+
+fs::path PreloadScriptName(const fs::path& outFile) {
+  return fs::path(outFile).replace_filename(outFile.stem().string() + "Preload.js");
+}
+
 RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings,
                       SettingsStore& store, RunMemory& memory, RunInterface& user) {
   RunResult result;
@@ -209,13 +297,16 @@ RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const Con
   } catch (const RunFailed& failure) {
     result.Outcome = RunOutcome::Failed;
     result.Error = failure.Error;
+    result.Reason = failure.Reason;
   } catch (const std::bad_alloc&) {
     result.Outcome = RunOutcome::Failed;
     result.Error = "there is not enough memory to convert " + Display(inFile);
   } catch (const std::exception& failure) {
     result.Outcome = RunOutcome::Failed;
-    result.Error = Display(inFile) + ": " + failure.what();
+    result.Reason = failure.what();
+    result.Error = Display(inFile) + ": " + result.Reason;
   }
+  if (result.Reason.empty()) result.Reason = result.Error;
   result.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   return result;
 }

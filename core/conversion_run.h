@@ -2,11 +2,11 @@
 
 #include "base/report.h"
 #include "base/run_interface.h"
+#include "core/batch_files.h"
 #include "math/vector.h"
 #include "settings/resource_kind.h"
 
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -42,7 +42,8 @@ struct CarvingResult {
 /// What one run did.
 struct RunResult {
   RunOutcome Outcome = RunOutcome::Done;
-  std::string Error; ///< one sentence without a full stop; empty unless `Failed`
+  std::string Error;  ///< one sentence without a full stop; empty unless `Failed`
+  std::string Reason; ///< the error as a row about the input has it: without folders
 
   std::filesystem::path InputFile;
   SceneFileNames Scene;    ///< as far as they were written; a path is empty where nothing was. So are those below
@@ -66,18 +67,24 @@ struct RunResult {
   double Seconds = 0;
 };
 
-/// What survives from one run to the next: the text last read, the file it came from, and what was written.
+/// What survives from one run to the next: the text last read, the file it came from, and the files of the batch.
 struct RunMemory {
   std::string T3DText;
   std::string LoadedFileName;
   std::map<std::string, std::string> TextureNames; ///< what the level's package tells beyond the text
   std::vector<Finding> SourceFaults;               ///< what of that package could not be read
   std::filesystem::path TypedOutput;               ///< the output, where the user named it; else empty
-  std::map<std::string, std::string> SkyScenes;    ///< every sky scene written, and the level that it belongs to
+  BatchFiles Files;
 };
 
 /// Derives the scenes' names from the requested output name, whose extension is replaced.
 SceneFileNames DeriveSceneFileNames(const std::filesystem::path& outFile, const ConversionSettings& settings);
+
+/// Every scene that a run with this output name writes for its level.
+std::vector<std::filesystem::path> ScenesOf(const std::filesystem::path& outFile, const ConversionSettings& settings);
+
+/// Where a run writes the script that preloads the images.
+std::filesystem::path PreloadScriptName(const std::filesystem::path& outFile);
 
 /// Converts one T3D file into one scene. The settings are saved to `store` first. Nothing is thrown: what goes wrong is
 /// in the result. An empty `inFile` does nothing.

@@ -20,9 +20,9 @@ namespace {
 /// One class of movers, and the item texts that its sub-pass shows.
 struct MoverPass {
   std::string_view ClassName;
-  const char* Getting;
+  const char* Getting; ///< before the first
   const char* On;
-  const char* Then;
+  const char* Then;           ///< behind each, before the next
   bool NeedsPolygons = false; ///< nothing is known of such a class, but that one with polygons is a brush that moves
 };
 
@@ -35,21 +35,21 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
     WaitWhilePaused(run);
     run.Context.User.ShowItem(pass.On, run.GeometryCount);
     if (mover.TooManyKeys)
-      run.Result.Findings.Add(FindingCode::TooManyKeys, mover.Header.Name, mover.NumKeys, MaxKeys);
+      run.Result.Findings.Add(FindingCode::TooManyKeys, mover.Header.Name, mover.NumKeysText, MaxKeys);
     else if (pass.NeedsPolygons && mover.Polygons.empty() && !HasMeshForPolygons(mover, run.Context.Settings))
       run.Result.Findings.Count(FindingCode::MoversWithoutPolygons, mover.Header.Class);
     else
       ConvertBrush(run, mover);
     StepOn(run);
+    run.Context.User.ShowItem(pass.Then);
   }
-  run.Context.User.ShowItem(pass.Then);
 }
 
 void ProcessMovers(RunState& run) {
   if (!run.Context.Settings.CheckMovers) return;
   run.Context.User.ShowPass("Processing Movers");
   const std::array<MoverPass, 4> passes{{
-      {"Mover", "getting mover", "on mover ", ""},
+      {"Mover", "getting mover", "on mover ", "getting mover"},
       {"LoopMover", "getting mover", "on loopingmover ", "getting looper"},
       {"RotatingMover", "getting looper", "on rotatingmover ", "getting rotator"},
       {"AttachMover", "getting rotator", "on attachmover ", "getting attacher"},
@@ -60,7 +60,7 @@ void ProcessMovers(RunState& run) {
     return std::none_of(passes.begin(), passes.end(), [&](const MoverPass& pass) { return pass.ClassName == name; });
   };
   for (const std::string_view className : run.Level.ClassesOf(ActorFamily::Mover))
-    if (isOwn(className)) ProcessMoverClass(run, {className, "getting mover", "on mover ", "", true});
+    if (isOwn(className)) ProcessMoverClass(run, {className, "getting mover", "on mover ", "getting mover", true});
 }
 
 } // namespace

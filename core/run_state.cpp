@@ -8,10 +8,11 @@ namespace quarvel {
 
 RunState::RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
                    const ScenePart& part, const SkyZoneRecord* sky, SceneOutputs& outputs,
-                   std::filesystem::path& textName, ResourceFiles& resources, RunInterface& user, RunResult& result)
+                   std::filesystem::path& textName, ResourceFiles& resources, NumberCheck& numbers, RunInterface& user,
+                   RunResult& result)
     : Level(level), Part(part), Sky(sky), Result(result), Outputs(outputs),
       File(outputs.Begin(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs, textName)),
-      Context(File, settings, resources, user, result.Findings, level.LitColor), Numbers{user} {}
+      Context(File, settings, resources, user, result.Findings, level.LitColor), Numbers(numbers) {}
 
 void StepOn(RunState& run) {
   const double total = static_cast<double>(std::max<std::size_t>(run.Level.Actors.size(), 1));

@@ -26,7 +26,7 @@ struct RunState {
   /// name of the text scene when it stands.
   RunState(const SceneFileNames& files, const ConversionSettings& settings, const T3DLevel& level,
            const ScenePart& part, const SkyZoneRecord* sky, SceneOutputs& outputs, std::filesystem::path& textName,
-           ResourceFiles& resources, RunInterface& user, RunResult& result);
+           ResourceFiles& resources, NumberCheck& numbers, RunInterface& user, RunResult& result);
 
   const T3DLevel& Level;
   const ScenePart Part;
@@ -36,7 +36,7 @@ struct RunState {
   TextFile& File;
   SceneContext Context;
   TriggerList Triggers;
-  NumberCheck Numbers;
+  NumberCheck& Numbers; ///< of the whole run
 
   int GeometryCount = 1;         ///< the number of the next brush or mover
   Bounds3 Bounds = InitBounds(); ///< of the brushes and movers, in scene units

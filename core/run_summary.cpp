@@ -62,6 +62,11 @@ void WriteCarving(std::ostream& out, const CarvingResult& carving, bool inFull) 
                        " to weld them, " + SecondsText(carving.WriteSeconds) + " to write the scene");
 }
 
+std::size_t CountOf(const std::vector<RunResult>& results, RunOutcome outcome) {
+  return static_cast<std::size_t>(std::count_if(results.begin(), results.end(),
+                                                [&](const RunResult& result) { return result.Outcome == outcome; }));
+}
+
 } // namespace
 
 std::string CountText(std::size_t count, std::string_view one, std::string_view many) {
@@ -94,10 +99,17 @@ std::vector<ActorsOfReason> GroupByReason(const std::vector<Finding>& findings) 
   return groups;
 }
 
+bool IsAboutMissingFiles(std::string_view message) { return message.starts_with("There were missing "); }
+
+std::string BatchHeadline(const std::vector<RunResult>& results, std::size_t jobs) {
+  const std::size_t converted = CountOf(results, RunOutcome::Done);
+  if (CountOf(results, RunOutcome::Stopped) > 0) return "Stopped";
+  if (converted == jobs) return "Done";
+  return converted == 0 ? "Not converted" : std::to_string(converted) + " of " + std::to_string(jobs) + " converted";
+}
+
 std::string BatchSummary(const std::vector<RunResult>& results, std::size_t jobs) {
-  const auto converted = std::count_if(results.begin(), results.end(),
-                                       [](const RunResult& result) { return result.Outcome == RunOutcome::Done; });
-  return std::to_string(converted) + " of " + CountText(jobs, "file", "files") + " converted";
+  return std::to_string(CountOf(results, RunOutcome::Done)) + " of " + CountText(jobs, "file", "files") + " converted";
 }
 
 void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {

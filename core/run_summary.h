@@ -33,6 +33,12 @@ std::vector<ActorsOfReason> GroupByReason(const std::vector<Finding>& findings);
 /// Tells what a finished run wrote, what it left out and what it missed. Long lists are cut unless `inFull`.
 void WriteSummary(std::ostream& out, const RunResult& result, bool inFull);
 
+/// Whether a message of a run tells of a list of missing files.
+bool IsAboutMissingFiles(std::string_view message);
+
+/// What became of a batch, in a word or two: "Done", "Stopped", "1 of 5 converted", "Not converted".
+std::string BatchHeadline(const std::vector<RunResult>& results, std::size_t jobs);
+
 /// "2 of 3 files converted".
 std::string BatchSummary(const std::vector<RunResult>& results, std::size_t jobs);
 

@@ -23,8 +23,8 @@ ConversionSettings SkySettings(const ConversionSettings& settings) {
 
 } // namespace
 
-std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const fs::path& inFile, const SceneFileNames& files,
-                                     const ConversionSettings& settings, RunMemory& memory, Report& findings) {
+std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const SceneFileNames& files,
+                                     const ConversionSettings& settings, Report& findings) {
   const auto& zones = level.ActorsOf(ActorFamily::SkyZone);
   if (!settings.CheckSkyZone || zones.empty()) return std::nullopt;
   SkyScene sky;
@@ -36,9 +36,6 @@ std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const fs::path& inFi
     findings.Add(FindingCode::SkyStaysInScene, sky.Zone.Header.Name);
     return std::nullopt;
   }
-  std::string& owner = memory.SkyScenes[fs::absolute(sky.Files.Text).string()];
-  if (!owner.empty() && owner != inFile.string()) findings.Add(FindingCode::SkyTakesPlace, sky.Zone.Header.Name, owner);
-  owner = inFile.string();
   sky.Settings = SkySettings(settings);
   return sky;
 }

@@ -17,9 +17,8 @@ struct SkyScene {
 };
 
 /// The sky scene that a run is to write: with `CheckSkyZone`, for the first sky zone. None when it would take the place
-/// of the level's own scene. That it takes the place of another level's sky is reported.
-std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const std::filesystem::path& inFile,
-                                     const SceneFileNames& files, const ConversionSettings& settings, RunMemory& memory,
-                                     Report& findings);
+/// of the level's own scene.
+std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const SceneFileNames& files,
+                                     const ConversionSettings& settings, Report& findings);
 
 } // namespace quarvel

@@ -31,11 +31,11 @@ bool ByKeyThenPath(const IndexedFile& a, const IndexedFile& b) {
 /// where it has one below the roots.
 class FolderWalk {
  public:
-  FolderWalk(FileIndex& index, Walk walk) : index_(index), walk_(walk) {}
+  FolderWalk(FileIndex& index, Walk walk, RunInterface* user) : index_(index), walk_(walk), user_(user) {}
 
   void WalkRoot(std::size_t root) {
     pending_.push_back({root, {}, Canonical(index_.roots_[root])});
-    while (!pending_.empty()) {
+    while (!pending_.empty() && !stopped_) {
       const Folder folder = std::move(pending_.back());
       pending_.pop_back();
       ReadFolder(folder);
@@ -63,9 +63,18 @@ class FolderWalk {
     if (error) index_.unreadable_.push_back(folder.Relative.empty() ? index_.roots_[folder.Root] : folder.Relative);
     for (; !error && at != fs::directory_iterator(); at.increment(error)) {
       if (index_.files_.size() >= FileIndex::MaxFiles) index_.complete_ = false;
-      if (!index_.complete_) return;
+      if (!index_.complete_ || IsStopped()) return;
       TakeEntry(folder, *at);
     }
+  }
+
+  bool IsStopped() {
+    constexpr unsigned entriesBetweenLooks = 64;
+    if (user_ && entries_++ % entriesBetweenLooks == 0) {
+      user_->ProcessEvents();
+      stopped_ = stopped_ || user_->StopRequested();
+    }
+    return stopped_;
   }
 
   void TakeEntry(const Folder& folder, const fs::directory_entry& entry) {
@@ -100,13 +109,16 @@ class FolderWalk {
 
   FileIndex& index_;
   Walk walk_;
+  RunInterface* user_;
+  unsigned entries_ = 0;
+  bool stopped_ = false;
   std::vector<Folder> pending_;
   std::vector<Folder> links_;
   std::set<fs::path::string_type> seen_;
 };
 
-FileIndex::FileIndex(std::vector<fs::path> roots, Walk walk) : roots_(std::move(roots)) {
-  FolderWalk folders(*this, walk);
+FileIndex::FileIndex(std::vector<fs::path> roots, Walk walk, RunInterface* user) : roots_(std::move(roots)) {
+  FolderWalk folders(*this, walk, user);
   for (std::size_t root = 0; root < roots_.size(); ++root)
     folders.WalkRoot(root);
   std::sort(files_.begin(), files_.end(), ByKeyThenPath);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/run_interface.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <span>
@@ -29,7 +31,8 @@ class FileIndex {
   static constexpr std::size_t MaxFiles = 500'000;
 
   FileIndex() = default;
-  explicit FileIndex(std::vector<std::filesystem::path> roots, Walk walk = Walk::Tree);
+  /// `user`, if given, may process events on the way and end the walk.
+  explicit FileIndex(std::vector<std::filesystem::path> roots, Walk walk = Walk::Tree, RunInterface* user = nullptr);
 
   /// The files with this base name, compared without regard to case; ordered by root, then by path.
   std::span<const IndexedFile> Find(std::string_view baseName) const;

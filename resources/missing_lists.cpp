@@ -36,14 +36,21 @@ void WriteList(const fs::path& file, const std::vector<std::string>& entries, co
 
 } // namespace
 
+std::vector<fs::path> MissingListNames(const fs::path& outFile) {
+  std::vector<fs::path> files;
+  for (const ResourceKind kind : ResourceKinds)
+    files.push_back(fs::path(outFile).replace_extension() += InfoOf(kind).ListEnding);
+  return files;
+}
+
 MissingListsResult WriteMissingLists(const fs::path& outFile, const MissingResources& missing,
                                      const ConversionSettings& settings) {
+  const std::vector<fs::path> files = MissingListNames(outFile);
   MissingListsResult result;
   for (const ResourceKind kind : ResourceKinds) {
     const ResourceKindInfo& info = InfoOf(kind);
-    fs::path file = fs::path(outFile).replace_extension();
-    file += info.ListEnding;
-    WriteList(file, info.IsReported(settings) ? missing[kind] : std::vector<std::string>(),
+    WriteList(files[static_cast<std::size_t>(kind)],
+              info.IsReported(settings) ? missing[kind] : std::vector<std::string>(),
               "There were missing " + std::string(info.Many) + ". Please see ", result);
   }
   return result;

@@ -18,6 +18,9 @@ struct MissingListsResult {
   std::vector<std::string> Errors;   ///< lists that could not be written, one sentence each without a full stop
 };
 
+/// The names of the three lists: "levelMissingTextures.txt", ...
+std::vector<std::filesystem::path> MissingListNames(const std::filesystem::path& outFile);
+
 /// Writes "levelMissingTextures.txt", "levelMissingSounds.txt" and "levelMissingMeshes.txt" beside the output
 /// "level.wrl", one entry a line. A list with nothing in it, or that the settings do not ask for, is not written, and
 /// one of an earlier run is removed.

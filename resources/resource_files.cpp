@@ -46,12 +46,12 @@ bool ResourceFiles::FoldedLess::operator()(const std::string& a, const std::stri
 }
 
 ResourceFiles::ResourceFiles(const ConversionSettings& settings, const fs::path& inputFile, const fs::path& textScene,
-                             Report& report, const fs::path& programData)
+                             Report& report, const fs::path& programData, RunInterface* user)
     : settings_(settings), inputFolder_(AbsolutePath(inputFile).parent_path()), programData_(programData),
       sceneFolder_(AbsolutePath(textScene).parent_path()), sceneFolderAsGiven_(textScene.parent_path()),
-      report_(report), destinations_(DestinationOf(settings, ResourceKind::Texture, sceneFolder_),
-                                     DestinationOf(settings, ResourceKind::Sound, sceneFolder_),
-                                     DestinationOf(settings, ResourceKind::Mesh, sceneFolder_)),
+      report_(report), user_(user), destinations_(DestinationOf(settings, ResourceKind::Texture, sceneFolder_),
+                                                  DestinationOf(settings, ResourceKind::Sound, sceneFolder_),
+                                                  DestinationOf(settings, ResourceKind::Mesh, sceneFolder_)),
       copier_(report) {
   ClaimSceneFiles(textScene);
 }
@@ -71,7 +71,7 @@ bool ResourceFiles::IsSceneFile(const fs::path& file) const { return copier_.Fol
 const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
   const auto known = indexes_.find(folders);
   if (known != indexes_.end()) return known->second;
-  FileIndex index(folders);
+  FileIndex index(folders, Walk::Tree, user_);
   for (const fs::path& folder : index.Unreadable())
     report_.Add(FindingCode::UnreadableFolder, Utf8Path(folder));
   if (!index.Complete()) report_.Add(FindingCode::TooManyFiles, Utf8Path(folders.front()), FileIndex::MaxFiles);

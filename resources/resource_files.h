@@ -53,9 +53,11 @@ class ResourceFiles {
  public:
   /// Relative paths are taken from the current folder. The scene's folder is `textScene`'s; an empty search path, or
   /// one of which no folder exists, means the folder of `inputFile`.
-  /// `programData` holds the files that the program brings along, empty for none.
+  /// `programData` holds the files that the program brings along, empty for none. `user`, if given, may process events
+  /// while a library is walked, and end the walk.
   ResourceFiles(const ConversionSettings& settings, const std::filesystem::path& inputFile,
-                const std::filesystem::path& textScene, Report& report, const std::filesystem::path& programData = {});
+                const std::filesystem::path& textScene, Report& report, const std::filesystem::path& programData = {},
+                RunInterface* user = nullptr);
   ResourceFiles(const ResourceFiles&) = delete;
   ResourceFiles& operator=(const ResourceFiles&) = delete;
 
@@ -129,6 +131,7 @@ class ResourceFiles {
   std::filesystem::path sceneFolder_;
   std::filesystem::path sceneFolderAsGiven_;
   Report& report_;
+  RunInterface* user_;
 
   PerKind<Destination> destinations_;
   FileCopier copier_;

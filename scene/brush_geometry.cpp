@@ -6,6 +6,7 @@
 #include "scene/face_sets.h"
 #include "scene/geometry_fields.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace quarvel {
@@ -141,6 +142,9 @@ SceneNode OpenAnchor(SceneWriter& scene, const std::string& address) {
 void ReportOddities(SceneContext& context, const BrushRecord& brush, const std::string& name) {
   const std::string& actor = brush.Header.Name.empty() ? name : brush.Header.Name;
   if (brush.DamagedPolygons > 0) context.Findings.Add(FindingCode::PolygonsWithoutEnd, actor, brush.DamagedPolygons);
+  const auto flat = std::count_if(brush.Polygons.begin(), brush.Polygons.end(),
+                                  [](const PolygonRecord& polygon) { return polygon.Vertices.size() < 3; });
+  if (flat > 0) context.Findings.Add(FindingCode::FlatPolygons, actor, flat);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and converts a level:
 #   demo.sh [LEVEL.t3d [OUTPUT_FOLDER]]       without arguments the sample level, into build/demo
+# QUARVEL_PROGRAM names a program that is built already.
 set -euo pipefail
 here=$PWD
 cd "$(dirname "$0")/.."
@@ -20,17 +21,22 @@ if [ ! -r "$level" ]; then echo "demo.sh: cannot read $level" >&2; exit 2; fi
 output=$root/build/demo
 if [ $# -gt 1 ]; then output=$(absolute "$2"); fi
 
-./scripts/build.sh release --target quarvel
-mkdir -p "$output"
+program=${QUARVEL_PROGRAM:-}
+if [ -z "$program" ]; then
+  ./scripts/build.sh release --target quarvel
+  program=$root/build/release/app/quarvel
+fi
 base=$(basename "$level")
 scene=$output/${base%.*}
-"$root/build/release/app/quarvel" "${resources[@]}" "$level" "$scene.wrl"
+# Without CheckConforming the .x3d is one that strict viewers refuse.
+"$program" --set CheckConforming=1 "${resources[@]}" "$level" "$scene.wrl"
 
 cat <<MESSAGE
 
 The scene is ready:
   $scene.wrl    VRML97
   $scene.x3d    X3D
-Open either in any viewer for VRML or X3D, for instance view3dscene (apt install view3dscene), or drop the .x3d into
-a web page that loads X_ITE or X3DOM.
+Look at it with a viewer for VRML or X3D:
+  sudo apt install view3dscene && view3dscene "$scene.wrl"
+or in a browser: README.md, "Look at it", has the page.
 MESSAGE

@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
 # Installs what building and testing needs and this machine lacks. Calls apt only when something is missing.
-#   install_dependencies.sh [PACKAGE...]      further packages to have, for instance clang-format
+#   install_dependencies.sh [--without-window] [PACKAGE...]    further packages to have, for instance clang-format
 set -euo pipefail
+
+window=(qt6-base-dev)
+if [ "${1:-}" = --without-window ]; then
+  window=()
+  shift
+fi
 
 # "a|b": either satisfies, the first is installed.
 needed=(build-essential g++ cmake ninja-build
         libpugixml-dev libsimpleini-dev libcli11-dev nlohmann-json3-dev libutf8proc-dev libpng-dev zlib1g-dev
         "libjpeg-dev|libjpeg62-turbo-dev|libjpeg-turbo8-dev" libembree-dev libstb-dev
-        qt6-base-dev libgtest-dev libbenchmark-dev "$@")
+        "${window[@]}" libgtest-dev libbenchmark-dev "$@")
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
   cat >&2 <<'MESSAGE'

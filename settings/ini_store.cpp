@@ -1,5 +1,7 @@
 #include "settings/ini_store.h"
 
+#include "base/ascii_text.h"
+#include "base/file_identity.h"
 #include "base/output_file.h"
 
 // Bytes are kept as they are; the library's default needs a conversion header that is not packaged with it.
@@ -46,6 +48,10 @@ IniStore::IniStore(fs::path file) : file_(std::move(file)), content_(std::make_u
 
 IniStore::~IniStore() = default;
 
+std::string IniStore::Problem(const std::string& what, const std::string& reason) const {
+  return what + " the settings file " + file_.string() + ": " + reason;
+}
+
 std::string IniStore::Load() {
   std::error_code error;
   const fs::file_status status = fs::status(file_, error);
@@ -54,9 +60,39 @@ std::string IniStore::Load() {
   // Saving would replace a device by a file.
   if (status.type() != fs::file_type::regular) return "the settings file " + file_.string() + " is not a readable file";
   std::ifstream in(file_, std::ios::binary);
+  if (!in) return Problem("cannot read", SystemReason());
   const std::string text{std::istreambuf_iterator<char>(in), {}};
-  if (!in || content_->Ini.LoadData(text) < 0) return "cannot read the settings file " + file_.string();
+  if (!in || content_->Ini.LoadData(text) < 0) return Problem("cannot read", SystemReason());
+  NoteLines(text);
   return {};
+}
+
+void IniStore::NoteLines(std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  std::string section;
+  int number = 0;
+  for (std::size_t from = 0; from < text.size(); ++number) {
+    const std::size_t end = std::min(text.find('\n', from), text.size());
+    std::string_view line = text.substr(from, end - from);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    line = Trimmed(line);
+    from = end + 1;
+    isBlank_ = isBlank_ && line.empty();
+    const std::size_t equals = line.find('=');
+    if (line.starts_with('['))
+      section = LowerCase(line.substr(1, line.find(']') - 1));
+    else if (equals != line.npos)
+      lines_[{section, LowerCase(Trimmed(line.substr(0, equals)))}] = number + 1;
+  }
+}
+
+bool IniStore::HasSection(std::string_view section) const {
+  return content_->Ini.GetSectionSize(std::string(section).c_str()) >= 0;
+}
+
+std::string IniStore::PlaceOf(std::string_view section, std::string_view key) const {
+  const auto found = lines_.find({LowerCase(section), LowerCase(key)});
+  return found == lines_.end() ? std::string() : file_.string() + ", line " + std::to_string(found->second);
 }
 
 std::string IniStore::ReadText(std::string_view section, std::string_view key, std::string_view fallback) const {

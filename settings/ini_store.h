@@ -3,8 +3,10 @@
 #include "settings/settings_store.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace quarvel {
 
@@ -20,16 +22,27 @@ class IniStore : public SettingsStore {
   /// cannot be read) in one sentence without a full stop, or an empty string.
   [[nodiscard]] std::string Load();
 
+  /// Whether the file holds no text at all.
+  bool IsBlank() const { return isBlank_; }
+  bool HasSection(std::string_view section) const;
+
   std::string ReadText(std::string_view section, std::string_view key, std::string_view fallback) const override;
   void WriteText(std::string_view section, std::string_view key, std::string_view value) override;
 
-  /// Replaces the file in one step, so that it is never seen half written.
+  std::string PlaceOf(std::string_view section, std::string_view key) const override;
+
+  /// Replaces the file in one step, so that it is never seen half written. A file that is write-protected stays.
   [[nodiscard]] std::string Save() override;
 
  private:
   struct Content;
 
+  void NoteLines(std::string_view text);
+  std::string Problem(const std::string& what, const std::string& reason) const;
+
   std::filesystem::path file_;
+  bool isBlank_ = true;
+  std::map<std::pair<std::string, std::string>, int> lines_; ///< by section and key in lower case
   std::unique_ptr<Content> content_;
 };
 

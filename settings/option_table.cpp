@@ -86,8 +86,9 @@ OptionInfo Integer(std::string control, OptionField field, std::string caption, 
 }
 
 OptionInfo List(std::string control, OptionField field, std::string caption, Tab tab,
-                std::span<const std::string_view> items, std::string help) {
-  OptionInfo option = Make(Kind::List, std::move(control), field, std::move(caption), tab, std::move(help), {});
+                std::span<const std::string_view> items, std::string help, std::string dependsOn = {}) {
+  OptionInfo option =
+      Make(Kind::List, std::move(control), field, std::move(caption), tab, std::move(help), std::move(dependsOn));
   option.Items = items;
   return option;
 }
@@ -115,8 +116,8 @@ Rows FileAndPathRows() {
            "Folders with meshes, joined with ';'; empty for the folder of the level", "CheckDoMeshes"),
       List(FIELD(ListBMtypeOut), "Ordinary textures", Tab::Textures, imageTypes, "Image type of ordinary textures"),
       List(FIELD(ListMaskedBMtypeOut), "Masked textures", Tab::Textures, imageTypes, "Image type of masked textures"),
-      List(FIELD(ListTerrainBMtypeOut), "Terrain textures", Tab::Textures, imageTypes,
-           "Image type of terrain textures"),
+      List(FIELD(ListTerrainBMtypeOut), "Terrain textures", Tab::Textures, imageTypes, "Image type of terrain textures",
+           "CheckDoTerrain"),
   };
 }
 
@@ -147,7 +148,8 @@ Rows ContentRows() {
       Integer(FIELD(FormWidth), "", Tab::None, count, "Width of the window in pixels; 0 for the usual one"),
       Integer(FIELD(FormHeight), "", Tab::None, count, "Height of the window in pixels; 0 for the usual one"),
       Number(FIELD(TextMoverTriggerMargin), "Space around triggers", Tab::MoversAndTriggers, notNegative,
-             "Put this much space around triggers to make ProximitySensors. Larger ones are easier to 'hit'"),
+             "Put this much space around triggers to make ProximitySensors. Larger ones are easier to 'hit'",
+             "CheckMovers"),
       Check(FIELD(CheckOutputPlayerStarts), "Player starts", Tab::Viewpoints,
             "Write a viewpoint for every player start"),
       Check(FIELD(CheckOutputFlyThruViewpoints), "Viewpoints on the way", Tab::Viewpoints,

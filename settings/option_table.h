@@ -26,6 +26,10 @@ enum class OptionPlace {
   ExtraSection, ///< section "QuarvelExtra"
 };
 
+/// The sections of the settings file.
+inline constexpr std::string_view MainSectionName = "Quarvel";
+inline constexpr std::string_view ExtraSectionName = "QuarvelExtra";
+
 /// The page of the window that shows the option.
 enum class OptionTab {
   Files,

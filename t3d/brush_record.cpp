@@ -134,6 +134,7 @@ void ReadMotion(const TextBlock& block, BrushRecord& brush) {
   GetKeyValue(block, "bBounce=", brush.bBounce);
   GetKeyValue(block, "bRotateToDesired=", brush.bRotateToDesired);
   GetKeyValue(block, "NumKeys=", brush.NumKeys);
+  brush.NumKeysText = GetStringValue(block, "NumKeys=");
   brush.NumKeysCopy = brush.NumKeys;
   GetKeyValue(block, "MoveTime=", brush.MoveTime);
   GetKeyValue(block, "bUseTriggered=", brush.bUseTriggered);
@@ -193,6 +194,7 @@ BrushRecord ReadBrush(const T3DLevel& level, const ActorBlock& actor, NumberChec
     ReadKeys(block, brush);
   }
   ReadSoundBlock(block, brush.Sound);
+  check.Actor = brush.Header.Name;
   ReadPolygons(level.Text, actor.From, actor.To, brush, check);
   return brush;
 }

@@ -79,6 +79,7 @@ struct BrushRecord {
   std::array<Rotator3, MaxKeys> KeyRot{};
   bool HasKeyPos = false, HasKeyRot = false;
   bool TooManyKeys = false; ///< NumKeys is above MaxKeys: no key was read
+  std::string NumKeysText;  ///< as it stands in the level, which may be any number
   int UnusedKeys = 0;       ///< keys in the text that NumKeys does not count
   double StayOpenTime = 4, DelayTime = 0;
   std::string MoverGlideType = "MV_GlideByTime";

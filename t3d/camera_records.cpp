@@ -3,6 +3,10 @@
 #include "base/reference.h"
 #include "t3d/record_reading.h"
 
+#include <cctype>
+#include <charconv>
+#include <map>
+
 namespace quarvel {
 
 namespace {
@@ -67,11 +71,34 @@ bool ReadAction(const TextBlock& actor, std::string_view name, SceneActionRecord
   return false;
 }
 
+/// The entries "Actions(n)=..." by their index.
+std::map<int, std::string_view> ActionReferences(const TextBlock& block) {
+  constexpr std::string_view key = "Actions(";
+  std::map<int, std::string_view> references;
+  TextCursor at = FindText(block.Text(), key, block.From(), block.To());
+  while (at != 0) {
+    const TextCursor start = at;
+    const bool beginsLine = start > 1 && std::isspace(static_cast<unsigned char>(block.Text()[start - 2u]));
+    const std::string_view line = ReadLineAt(block.Text(), at);
+    int index = -1;
+    const auto [end, error] = std::from_chars(line.data() + key.size(), line.data() + line.size(), index);
+    const std::string_view rest(end, static_cast<std::size_t>(line.data() + line.size() - end));
+    if (beginsLine && error == std::errc{} && index >= 0 && rest.starts_with(")="))
+      references.emplace(index, rest.substr(2));
+    at = FindText(block.Text(), key, start + static_cast<TextCursor>(key.size()), block.To());
+  }
+  return references;
+}
+
 void ReadActions(const TextBlock& block, SceneManagerRecord& manager) {
-  std::string reference;
-  for (int index = 0; GetKeyValue(block, IndexedKey(" Actions", index), reference); ++index) {
+  constexpr std::size_t gapsTold = 10;
+  int next = 0;
+  for (const auto& [index, reference] : ActionReferences(block)) {
+    for (; next < index && manager.ActionGaps.size() < gapsTold; ++next)
+      manager.ActionGaps.push_back(next);
+    next = index + 1;
     SceneActionRecord action;
-    if (ReadAction(block, ReferenceName(reference), action))
+    if (ReadAction(block, ReferenceName(Trimmed(reference)), action))
       manager.Actions.push_back(action);
     else
       ++manager.MissingActions;

@@ -64,6 +64,7 @@ struct SceneManagerRecord {
   double SoundRadius = 0, TransientSoundVolume = 0, TransientSoundRadius = 0;
   std::vector<SceneActionRecord> Actions; ///< those whose sub-object stands in the manager's block, in their order
   int MissingActions = 0;                 ///< entries without such a sub-object
+  std::vector<int> ActionGaps;            ///< the indices that entries are missing at, before the last entry
 };
 
 /// Each reads the record of one of the level's actors.

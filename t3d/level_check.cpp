@@ -1,6 +1,9 @@
 #include "t3d/level_check.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
 
 namespace quarvel {
 
@@ -24,6 +27,20 @@ std::string WhyUnsupported(const T3DLevel& level) {
   if (Contains(text, "Begin StaticMesh")) return "is a static mesh, not a level; export the level itself";
   if (level.Actors.empty()) return "holds no actor; it is not a level exported as T3D text";
   return "holds no brush, and no actor of a class that is converted";
+}
+
+std::string ContentOf(const T3DLevel& level) {
+  constexpr std::size_t classesTold = 8;
+  std::map<std::string_view, int> counts;
+  for (const ActorBlock& actor : level.Actors)
+    ++counts[actor.Class];
+  if (counts.empty()) return "polygons without an actor";
+  std::vector<std::pair<std::string_view, int>> classes(counts.begin(), counts.end());
+  std::stable_sort(classes.begin(), classes.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
+  std::string content;
+  for (std::size_t i = 0; i < std::min(classes.size(), classesTold); ++i)
+    content += (i == 0 ? "" : ", ") + std::to_string(classes[i].second) + " " + std::string(classes[i].first);
+  return content + (classes.size() > classesTold ? " and others" : "");
 }
 
 void ReportUnseenActors(const T3DLevel& level, Report& report) {

@@ -8,8 +8,11 @@
 namespace quarvel {
 
 /// What is wrong with a file that is not a level export of the supported generations: the end of a sentence that begins
-/// with the file's name. Empty when something of it arrives in a scene.
+/// with the file's name. Empty when something of it may arrive in a scene.
 std::string WhyUnsupported(const T3DLevel& level);
+
+/// What the level is made of, for a user to whom nothing of it has arrived: "3 Brush, 1 SpecialEvent".
+std::string ContentOf(const T3DLevel& level);
 
 /// Counts what the passes will not see: actors that are cut off, and light, trigger, start and teleporter actors of
 /// classes that are not converted.

@@ -247,8 +247,7 @@ Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor
   Vector3 value = ReadTripleOfLine(text, cursor, to);
   for (double* component : {&value.X, &value.Y, &value.Z}) {
     if (std::fabs(*component) <= 1000000) continue;
-    if (!check.BadNumbersWarned) check.User.ShowMessage("Input file contains badly formatted numbers");
-    check.BadNumbersWarned = true;
+    if (check.Places++ == 0) check.FirstActor = check.Actor;
     *component = *component > 0 ? 1 : -1;
   }
   return value;

@@ -90,14 +90,15 @@ Rotator3 GetRotator(const TextBlock& block, std::string_view key);
 /// Sets the components of which "R=", "G=" or "B=" is there. False when one lies outside 0 to 255 and was clamped.
 bool GetColor(const TextBlock& block, std::string_view key, ColorRGB& target);
 
-/// Told once per run that the level has numbers no level can have.
+/// Counts the numbers of a run that no level can have.
 struct NumberCheck {
-  RunInterface& User;
-  bool BadNumbersWarned = false;
+  std::string Actor; ///< the one that is read
+  int Places = 0;
+  std::string FirstActor;
 };
 
 /// The three numbers behind the key on its line, separated by commas; zeros when the key is missing before `to`.
-/// Components beyond plus or minus 1000000 become plus or minus 1, and the user is told. The cursor moves behind the
+/// Components beyond plus or minus 1000000 become plus or minus 1, and are counted. The cursor moves behind the
 /// line's end.
 Vector3 ReadNumberTriple(std::string_view text, std::string_view key, TextCursor& cursor, TextCursor to,
                          NumberCheck& check);

@@ -15,7 +15,7 @@ void ReadSensorKeys(const TextBlock& block, Record& trigger) {
 }
 
 void ReadTriggerKeys(const TextBlock& block, TriggerRecord& trigger) {
-  trigger.Message = GetValueWord(block, "Message=");
+  GetKeyValue(block, "Message=", trigger.Message);
   GetKeyValue(block, "InitialState=", trigger.InitialState);
   GetKeyValue(block, "bTriggerOnceOnly=", trigger.bTriggerOnceOnly);
   trigger.RepeatTriggerTime = GetKeyOrZero(block, "RepeatTriggerTime=");

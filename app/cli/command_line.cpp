@@ -4,6 +4,7 @@
 #include "app/cli/option_list.h"
 #include "app/cli/package_commands.h"
 #include "base/ascii_text.h"
+#include "base/file_identity.h"
 #include "base/level_text.h"
 #include "core/run_report.h"
 #include "core/run_summary.h"
@@ -29,8 +30,9 @@ constexpr const char* description =
 
 constexpr const char* footer =
     "INPUT is a file, a pattern in quotes (\"maps/*.t3d\", with all folders below) or a list (maps,a.t3d,b.t3d).\n"
-    "The last argument is the OUTPUT when it ends in .wrl, .x3dv, .x3d or .xml; without it, scenes are written beside\n"
-    "their inputs. With several inputs only its folder counts.\n\n"
+    "The last argument is the OUTPUT when it ends in .wrl, .x3dv, .x3d or .xml, or is a folder that ends in \"/\"; "
+    "without\n"
+    "it, scenes are written beside their inputs. With several inputs only its folder counts. Folders are made.\n\n"
     "Exit codes: 0 done (also with missing textures, sounds or meshes), 1 an input could not be read or an output not\n"
     "be written, 2 wrong usage, 3 stopped by Ctrl-C.";
 
@@ -77,11 +79,46 @@ void DescribeArguments(CLI::App& app, CommandLine& line) {
   app.add_flag("--verbose", line.Verbose, "Print every pass, and lists in full")->excludes(quiet);
 }
 
-/// Moves the last argument to its place when it names a scene.
+/// Moves the last argument to its place when it names a scene or, behind an input, a folder.
 void SeparateOutput(CommandLine& line) {
-  if (line.Inputs.empty() || !line.ExtractTo.empty() || !IsOutputName(line.Inputs.back())) return;
+  if (line.Inputs.empty() || !line.ExtractTo.empty()) return;
+  const bool isFolder = line.Inputs.size() > 1 && line.Inputs.back().ends_with('/');
+  if (!isFolder && !IsOutputName(line.Inputs.back())) return;
   line.Output = line.Inputs.back();
   line.Inputs.pop_back();
+}
+
+/// The options that name files mean the same as the arguments do.
+struct FileOption {
+  const char* Control;
+  const char* Argument;
+};
+
+std::string GivenTwice(const FileOption& option, const std::string& set, const std::string& given) {
+  return std::string(option.Control) + " is set to " + set + ", but the " + option.Argument + " is " + given +
+         "; give one of them";
+}
+
+/// Moves "--set ComboInFileName=..." and "--set TextOutFileName=..." to the arguments. Returns what is wrong.
+std::string TakeFilesFromSets(CommandLine& line) {
+  constexpr FileOption input{"ComboInFileName", "INPUT"}, output{"TextOutFileName", "OUTPUT"};
+  std::vector<std::string> others;
+  for (const std::string& assignment : line.Sets) {
+    const std::size_t equals = assignment.find('=');
+    const std::string control = assignment.substr(0, equals);
+    const std::string value = equals == assignment.npos ? "" : assignment.substr(equals + 1);
+    if (equals != assignment.npos && SameText(control, input.Control)) {
+      if (!line.Inputs.empty()) return GivenTwice(input, value, line.Inputs.front());
+      line.Inputs.push_back(value);
+    } else if (equals != assignment.npos && SameText(control, output.Control)) {
+      if (!line.Output.empty()) return GivenTwice(output, value, line.Output);
+      line.Output = value;
+    } else {
+      others.push_back(assignment);
+    }
+  }
+  line.Sets = std::move(others);
+  return {};
 }
 
 std::string MissingArgument(const CommandLine& line) {
@@ -112,6 +149,9 @@ bool SetsEncoding(const CommandLine& line) {
   return false;
 }
 
+/// The output's extension chooses the encoding unless an option does.
+bool ChoosesEncoding(const CommandLine& line) { return EndsLike(line.Output, ".x3dv") && !SetsEncoding(line); }
+
 /// Prints what happened to each file of a batch.
 class Reporter {
  public:
@@ -120,8 +160,10 @@ class Reporter {
 
   void Started(const ConversionJob& job) {
     ++at_;
-    if (jobs_ > 1)
-      user_.BeginFile(std::to_string(at_) + "/" + std::to_string(jobs_) + " " + job.InFile.filename().string() + ": ");
+    if (jobs_ == 1) return;
+    const double share = 1.0 / static_cast<double>(jobs_);
+    user_.BeginFile(std::to_string(at_) + "/" + std::to_string(jobs_) + " " + job.InFile.filename().string() + ": ",
+                    static_cast<double>(at_ - 1) * share, share);
   }
 
   void Finished(const ConversionJob& job, const RunResult& result) {
@@ -168,36 +210,20 @@ ExitCode Complain(const Console& console, const std::string& error, ExitCode cod
   return code;
 }
 
-/// Half a report is worse than none.
-bool WriteReport(const std::filesystem::path& path, const std::vector<RunResult>& results) {
+/// Half a report is worse than none. Returns why it could not be written.
+std::string WriteReport(const std::filesystem::path& path, const std::vector<RunResult>& results) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   file << ReportAsJson(results);
   file.close();
+  if (file) return {};
+  const std::string reason = SystemReason();
   std::error_code error;
-  if (!file) std::filesystem::remove(path, error);
-  return !file.fail();
+  std::filesystem::remove(path, error);
+  return path.string() + " cannot be written: " + reason;
 }
 
-/// One name for one file, however it is written.
-std::filesystem::path Identity(const std::filesystem::path& file) {
-  return std::filesystem::weakly_canonical(std::filesystem::absolute(file));
-}
-
-/// A report that would take the place of what is converted, or of a scene.
-bool WouldOverwrite(const std::filesystem::path& report, const std::vector<ConversionJob>& jobs) {
-  const auto same = [&](const std::filesystem::path& file) { return Identity(file) == Identity(report); };
-  return std::any_of(jobs.begin(), jobs.end(),
-                     [&](const ConversionJob& job) { return same(job.InFile) || same(job.OutFile); });
-}
-
-ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings, SettingsStore& store,
-                    const Console& console, const Conversion& convert) {
-  const std::vector<ConversionJob> jobs = ListJobs(line.Inputs, line.Output, settings);
-  if (!line.ReportFile.empty() && WouldOverwrite(line.ReportFile, jobs))
-    return Complain(console, "the report " + line.ReportFile + " would overwrite an input or a scene", ExitCode::Usage);
-  if (!line.WriteT3D.empty() && jobs.size() != 1)
-    return Complain(console, "--write-t3d keeps the text of one level, here are " + std::to_string(jobs.size()),
-                    ExitCode::Usage);
+ExitCode ConvertAll(const CommandLine& line, const std::vector<ConversionJob>& jobs, const ConversionSettings& settings,
+                    SettingsStore& store, const Console& console, const Conversion& convert) {
   ConsoleInterface user(console.Err, DetailOf(line, console), console.StopRequested);
   Reporter reporter(line, console, user, jobs.size());
   const BatchEvents events{[&](const ConversionJob& job) { reporter.Started(job); },
@@ -209,8 +235,63 @@ ExitCode ConvertAll(const CommandLine& line, const ConversionSettings& settings,
     if (const std::string error = KeepText(line.WriteT3D, jobs.front(), memory); !error.empty())
       return Complain(console, error, ExitCode::Failed);
   const ExitCode code = ExitCodeOf(WorstOutcome(results));
-  if (line.ReportFile.empty() || WriteReport(line.ReportFile, results)) return code;
-  return Complain(console, line.ReportFile + " cannot be written", std::max(code, ExitCode::Failed));
+  const std::string error = line.ReportFile.empty() ? "" : WriteReport(line.ReportFile, results);
+  return error.empty() ? code : Complain(console, error, std::max(code, ExitCode::Failed));
+}
+
+/// Every option that the command line sets.
+std::vector<const OptionInfo*> OptionsSet(const CommandLine& line) {
+  std::vector<const OptionInfo*> options;
+  for (const std::string& assignment : line.Sets)
+    if (const OptionInfo* option = FindOption(assignment.substr(0, assignment.find('=')))) options.push_back(option);
+  if (line.Textures) options.push_back(FindOption("TextSearchPathTxt"));
+  if (line.Sounds) options.push_back(FindOption("TextSearchPathSnd"));
+  if (line.Meshes) options.push_back(FindOption("TextSearchPathMesh"));
+  if (ChoosesEncoding(line)) options.push_back(FindOption("OptionFlux"));
+  return options;
+}
+
+/// Tells of the lines in the settings file that are not used. Those that the command line replaces need no words.
+void TellRefused(const std::vector<RefusedSetting>& refused, const CommandLine& line, SettingsStore& store,
+                 const Console& console) {
+  for (const OptionInfo* option : OptionsSet(line))
+    ReleaseOption(*option, store);
+  for (const RefusedSetting& setting : refused)
+    if (KeepsOption(*setting.Option, store))
+      console.Err << "quarvel: " << PrintableText(SentenceOf(setting)) << std::endl;
+}
+
+/// A file that is something else must not be rewritten as settings.
+std::string WhyNoSettings(const IniStore& store, const std::string& file) {
+  if (store.IsBlank() || store.HasSection(MainSectionName) || store.HasSection(ExtraSectionName)) return {};
+  return file + " is not a settings file: it has neither the section [" + std::string(MainSectionName) + "] nor [" +
+         std::string(ExtraSectionName) + "]";
+}
+
+/// What is wrong with the files that the command line names beside inputs and output.
+std::string WrongSideFile(const CommandLine& line, const std::vector<ConversionJob>& jobs,
+                          const ConversionSettings& settings) {
+  const auto isTaken = [&](const std::string& file) { return !file.empty() && IsFileOfJobs(file, jobs, settings); };
+  if (isTaken(line.SettingsFile))
+    return "the settings file " + line.SettingsFile + " is an input or an output of this run";
+  if (isTaken(line.ReportFile)) return "the report " + line.ReportFile + " would overwrite an input or a scene";
+  if (isTaken(line.WriteT3D))
+    return "--write-t3d would overwrite " + line.WriteT3D + ", an input or an output of this run";
+  if (!line.WriteT3D.empty() && jobs.size() != 1)
+    return "--write-t3d keeps the text of one level, here are " + std::to_string(jobs.size());
+  return {};
+}
+
+ExitCode RunWith(const CommandLine& line, SettingsStore& store, const Console& console, const Conversion& convert) {
+  ConversionSettings settings;
+  const std::vector<RefusedSetting> refused = LoadSettings(settings, store);
+  if (std::string error = ApplyCommandLine(line, settings); !error.empty())
+    return Complain(console, error + "\nTry --list-options.", ExitCode::Usage);
+  TellRefused(refused, line, store, console);
+  const std::vector<ConversionJob> jobs = ListJobs(line.Inputs, line.Output, settings, console.StopRequested);
+  if (const std::string error = WrongSideFile(line, jobs, settings); !error.empty())
+    return Complain(console, error, ExitCode::Usage);
+  return ConvertAll(line, jobs, settings, store, console, convert);
 }
 
 ExitCode Run(const CommandLine& line, const Console& console, const Conversion& convert) {
@@ -220,17 +301,15 @@ ExitCode Run(const CommandLine& line, const Console& console, const Conversion& 
   }
   if (!line.ListPackage.empty()) return RunListPackage(line.ListPackage, console);
   if (!line.ExtractTo.empty()) return RunExtraction(line, console);
-  MemoryStore memoryStore;
-  IniStore fileStore(line.SettingsFile);
-  const bool hasFile = !line.SettingsFile.empty();
-  if (std::string error = hasFile ? fileStore.Load() : ""; !error.empty())
-    return Complain(console, error, ExitCode::Failed);
-  SettingsStore& store = hasFile ? static_cast<SettingsStore&>(fileStore) : memoryStore;
-  ConversionSettings settings;
-  LoadSettings(settings, store);
-  if (std::string error = ApplyCommandLine(line, settings); !error.empty())
-    return Complain(console, error + "\nTry --list-options.", ExitCode::Usage);
-  return ConvertAll(line, settings, store, console, convert);
+  if (line.SettingsFile.empty()) {
+    MemoryStore store;
+    return RunWith(line, store, console, convert);
+  }
+  IniStore store(line.SettingsFile);
+  if (const std::string error = store.Load(); !error.empty()) return Complain(console, error, ExitCode::Failed);
+  if (const std::string why = WhyNoSettings(store, line.SettingsFile); !why.empty())
+    return Complain(console, why, ExitCode::Usage);
+  return RunWith(line, store, console, convert);
 }
 
 } // namespace
@@ -252,7 +331,8 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
     return parsed;
   }
   SeparateOutput(parsed.Line);
-  parsed.Error = MissingArgument(parsed.Line);
+  parsed.Error = TakeFilesFromSets(parsed.Line);
+  if (parsed.Error.empty()) parsed.Error = MissingArgument(parsed.Line);
   return parsed;
 }
 
@@ -260,7 +340,7 @@ std::string ApplyCommandLine(const CommandLine& line, ConversionSettings& settin
   if (line.Textures) settings.TextSearchPathTxt = *line.Textures;
   if (line.Sounds) settings.TextSearchPathSnd = *line.Sounds;
   if (line.Meshes) settings.TextSearchPathMesh = *line.Meshes;
-  if (EndsLike(line.Output, ".x3dv") && !SetsEncoding(line)) SetOption(*FindOption("OptionFlux"), "-1", settings);
+  if (ChoosesEncoding(line)) SetOption(*FindOption("OptionFlux"), "-1", settings);
   for (const std::string& assignment : line.Sets)
     if (std::string problem = SetByText(assignment, settings); !problem.empty()) return problem;
   return {};

@@ -29,11 +29,13 @@ std::string CutToLine(std::string text) {
 ConsoleInterface::ConsoleInterface(std::ostream& out, Detail detail, std::function<bool()> stopRequested)
     : out_(out), detail_(detail), stopRequested_(std::move(stopRequested)) {}
 
-void ConsoleInterface::BeginFile(std::string_view title) {
+void ConsoleInterface::BeginFile(std::string_view title, double before, double share) {
   title_ = title;
   pass_.clear();
   item_.clear();
   done_ = 0;
+  before_ = before;
+  share_ = share;
 }
 
 void ConsoleInterface::ClearLine() {
@@ -71,7 +73,7 @@ void ConsoleInterface::Beep() {
 bool ConsoleInterface::IsDue() { return detail_.ProgressLine && Clock::now() >= nextDraw_; }
 
 void ConsoleInterface::Draw() {
-  const int percent = static_cast<int>(std::clamp(done_, 0.0, 1.0) * 100);
+  const int percent = static_cast<int>((before_ + share_ * std::clamp(done_, 0.0, 1.0)) * 100);
   const std::string line = std::to_string(percent) + "% " + title_ + pass_ + (item_.empty() ? "" : ", " + item_);
   out_ << toLineStartAndErase << CutToLine(PrintableText(line)) << std::flush;
   isDrawn_ = true;

@@ -20,8 +20,9 @@ class ConsoleInterface : public RunInterface {
 
   ConsoleInterface(std::ostream& out, Detail detail, std::function<bool()> stopRequested);
 
-  /// Puts a text in front of the progress line, until the next file.
-  void BeginFile(std::string_view title);
+  /// Puts a text in front of the progress line, until the next file. `before` is the share of the work that is done,
+  /// `share` the one of this file, 0 to 1.
+  void BeginFile(std::string_view title, double before, double share);
   /// Takes the progress line away, so that other text may be printed.
   void ClearLine();
 
@@ -39,7 +40,7 @@ class ConsoleInterface : public RunInterface {
   Detail detail_;
   std::function<bool()> stopRequested_;
   std::string title_, pass_, item_;
-  double done_ = 0;
+  double done_ = 0, before_ = 0, share_ = 1;
   bool isDrawn_ = false;
   std::chrono::steady_clock::time_point nextDraw_{};
 };

@@ -16,11 +16,18 @@ extern "C" void RequestStop(int signal) {
   std::signal(signal, SIG_DFL);
 }
 
+/// A call that waits (opening a pipe that nobody reads) is broken off, not taken up again.
+void StopBy(int signal) {
+  struct sigaction action {};
+  action.sa_handler = RequestStop;
+  sigaction(signal, &action, nullptr);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-  std::signal(SIGINT, RequestStop);
-  std::signal(SIGTERM, RequestStop);
+  StopBy(SIGINT);
+  StopBy(SIGTERM);
   const quarvel::Console console{std::cout, std::cerr, isatty(STDERR_FILENO) == 1, [] { return stopRequested.load(); }};
   return static_cast<int>(quarvel::RunCommandLine(argc, argv, console));
 }

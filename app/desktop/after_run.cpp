@@ -1,10 +1,12 @@
 #include "app/desktop/after_run.h"
 
+#include "app/desktop/message_text.h"
 #include "app/desktop/missing_dialog.h"
 #include "app/desktop/preload_dialog.h"
 #include "app/desktop/qt_text.h"
 #include "app/desktop/report_dialog.h"
 #include "app/desktop/result_bar.h"
+#include "core/run_summary.h"
 
 #include <QFileInfo>
 #include <QMessageBox>
@@ -14,20 +16,24 @@ namespace quarvel {
 
 namespace {
 
-/// The messages that no list of missing files stands behind.
-QStringList OtherMessages(const std::vector<RunResult>& results, const std::vector<std::string>& messages) {
+/// What is to be told in boxes and is no matter of missing files, which have a dialog of their own. Of several levels
+/// each message says which it is about. `more` is what no level has told.
+QStringList OtherMessages(const std::vector<RunResult>& results, const std::vector<std::string>& more) {
   QStringList others;
-  for (const std::string& message : messages) {
-    const bool isListed = std::any_of(results.begin(), results.end(), [&](const RunResult& result) {
-      return std::find(result.Messages.begin(), result.Messages.end(), message) != result.Messages.end();
-    });
-    if (!isListed) others.append(ToQString(message));
-  }
+  for (const RunResult& result : results)
+    for (const std::string& message : result.Messages) {
+      if (IsAboutMissingFiles(message)) continue;
+      const QString level =
+          results.size() > 1 ? ToQString(result.InputFile.filename()) + QStringLiteral(": ") : QString();
+      others.append(level + WithCaptions(ToQString(message)));
+    }
+  for (const std::string& message : more)
+    others.append(WithCaptions(ToQString(message)));
   return others;
 }
 
 QMessageBox* MakeBox(QMessageBox::Icon icon, const QString& text, QWidget* window) {
-  auto* box = new QMessageBox(icon, QStringLiteral("Quarvel"), text, QMessageBox::Ok, window);
+  auto* box = new QMessageBox(icon, QStringLiteral("Quarvel"), Wrappable(text), QMessageBox::Ok, window);
   box->setObjectName(QStringLiteral("FormMessage"));
   box->setTextFormat(Qt::PlainText);
   return box;
@@ -38,13 +44,14 @@ QMessageBox* MakeBox(QMessageBox::Icon icon, const QString& text, QWidget* windo
 AfterRun::AfterRun(DesktopServices& services, QWidget* window)
     : QObject(window), services_(services), window_(window) {}
 
-void AfterRun::ShowAll(const std::vector<RunResult>& results, const std::vector<std::string>& messages) {
+void AfterRun::ShowAll(const std::vector<RunResult>& results, const std::vector<std::string>& more) {
   const bool isSingle = results.size() == 1;
-  if (isSingle && results.front().Outcome == RunOutcome::Failed) ShowError(ToQString(results.front().Error));
-  if (const QStringList others = OtherMessages(results, messages); !others.isEmpty())
-    Enqueue([this, others] { return MakeBox(QMessageBox::Warning, others.join(u'\n'), window_); });
-  const bool anyListed =
-      std::any_of(results.begin(), results.end(), [](const RunResult& result) { return !result.Messages.empty(); });
+  if (isSingle && results.front().Outcome == RunOutcome::Failed)
+    ShowError(WithCaptions(ToQString(results.front().Error)));
+  if (const QStringList others = OtherMessages(results, more); !others.isEmpty()) ShowWarning(others.join(u'\n'));
+  const bool anyListed = std::any_of(results.begin(), results.end(), [](const RunResult& result) {
+    return std::any_of(result.Messages.begin(), result.Messages.end(), IsAboutMissingFiles);
+  });
   if (anyListed) Enqueue(MissingOf(results));
   if (isSingle && !results.front().PreloadScript.empty()) Enqueue(PreloadOf(results.front()));
 }
@@ -70,6 +77,10 @@ void AfterRun::OpenScene(const RunResult& result) {
 
 void AfterRun::Open(const QString& path, const QString& otherwise) {
   if (!services_.Open(path)) ShowError(otherwise);
+}
+
+void AfterRun::ShowWarning(const QString& text) {
+  Enqueue([this, text] { return MakeBox(QMessageBox::Warning, text, window_); });
 }
 
 void AfterRun::ShowError(const QString& text) {

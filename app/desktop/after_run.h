@@ -22,8 +22,9 @@ class AfterRun : public QObject {
   AfterRun(DesktopServices& services, QWidget* window);
 
   /// Everything that the user is to see after a press of the button: an error, other messages, what is missing, and the
-  /// preload script.
-  void ShowAll(const std::vector<RunResult>& results, const std::vector<std::string>& messages);
+  /// preload script. `more` are messages that belong to no result.
+  void ShowAll(const std::vector<RunResult>& results, const std::vector<std::string>& more);
+  void ShowWarning(const QString& text);
 
   void ShowMissing(const std::vector<RunResult>& results);
   void ShowReport(const RunResult& result);

@@ -1,5 +1,6 @@
 #include "app/desktop/batch_table.h"
 
+#include "app/desktop/message_text.h"
 #include "app/desktop/qt_text.h"
 #include "app/desktop/result_bar.h"
 #include "core/run_summary.h"
@@ -63,8 +64,8 @@ void BatchTable::ShowFinished(const RunResult& result) {
   const bool isStopped = result.Outcome == RunOutcome::Stopped;
   row->setText(StateColumn, isDone      ? QStringLiteral("Done")
                             : isStopped ? QStringLiteral("Stopped")
-                                        : ToQString(result.Error));
-  row->setToolTip(StateColumn, row->text(StateColumn));
+                                        : WithCaptions(ToQString(result.Reason)));
+  row->setToolTip(StateColumn, result.Error.empty() ? row->text(StateColumn) : WithCaptions(ToQString(result.Error)));
   row->setIcon(StateColumn, style()->standardIcon(isDone      ? QStyle::SP_DialogApplyButton
                                                   : isStopped ? QStyle::SP_MediaStop
                                                               : QStyle::SP_MessageBoxCritical));

@@ -15,6 +15,8 @@ class DesktopServices {
   virtual QStringList ChooseLevels(QWidget* parent, const QString& start);
   /// A file to write; empty when the user chose none.
   virtual QString ChooseFileToSave(QWidget* parent, const QString& title, const QString& start, const QString& filter);
+  /// A folder that is there; empty when the user chose none.
+  virtual QString ChooseFolder(QWidget* parent, const QString& title, const QString& start);
   /// Opens a file or folder with the program that the desktop has for it. False when there is none.
   virtual bool Open(const QString& path);
 };

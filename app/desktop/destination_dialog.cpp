@@ -45,6 +45,7 @@ DestinationDialog::DestinationDialog(ResourceKind kind, const ConversionSettings
   column->setSizeConstraint(QLayout::SetFixedSize);
   AssignMnemonics(this);
   controls_.Show(settings);
+  connect(&controls_, &OptionControls::Edited, this, [this](const OptionInfo& option) { edited_.insert(&option); });
 }
 
 QWidget* DestinationDialog::MakePlaceList(ResourceKind kind) {

@@ -4,6 +4,7 @@
 #include "app/desktop/option_pages.h"
 
 #include <QDialog>
+#include <set>
 
 namespace quarvel {
 
@@ -16,11 +17,14 @@ class DestinationDialog : public QDialog {
 
   /// Sets the five options of the kind.
   void Read(ConversionSettings& settings) const { controls_.Read(settings); }
+  /// Those that the user has set.
+  const std::set<const OptionInfo*>& EditedOptions() const { return edited_; }
 
  private:
   QWidget* MakePlaceList(ResourceKind kind);
 
   OptionControls controls_;
+  std::set<const OptionInfo*> edited_;
 };
 
 } // namespace quarvel

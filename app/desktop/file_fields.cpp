@@ -2,12 +2,14 @@
 
 #include "app/desktop/level_names.h"
 #include "app/desktop/qt_text.h"
+#include "core/batch.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QPushButton>
 #include <QStyle>
+#include <utility>
 
 namespace quarvel {
 
@@ -21,7 +23,8 @@ std::string RecentKey(int number) { return "File" + std::to_string(number + 1); 
 } // namespace
 
 FileFields::FileFields(OptionControls& controls, DesktopServices& services, QWidget* parent)
-    : QWidget(parent), services_(services), input_(new QComboBox(this)), output_(new QLineEdit(this)) {
+    : QWidget(parent), controls_(controls), services_(services), input_(new QComboBox(this)),
+      output_(new QLineEdit(this)) {
   input_->setEditable(true);
   input_->setInsertPolicy(QComboBox::NoInsert);
   input_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -40,21 +43,21 @@ FileFields::FileFields(OptionControls& controls, DesktopServices& services, QWid
   grid->addWidget(input_, 0, 1);
   QPushButton* browseInput =
       MakeBrowseButton(QStringLiteral("CommandBrowseIn"), QStringLiteral("Choose levels (Ctrl+O)"));
-  QPushButton* browseOutput =
-      MakeBrowseButton(QStringLiteral("CommandBrowseOut"), QStringLiteral("Choose the scene to write"));
+  browseOutput_ = MakeBrowseButton(QStringLiteral("CommandBrowseOut"), QStringLiteral("Choose the scene to write"));
   grid->addWidget(browseInput, 0, 2);
   grid->addWidget(outputLabel, 1, 0);
   grid->addWidget(output_, 1, 1);
-  grid->addWidget(browseOutput, 1, 2);
+  grid->addWidget(browseOutput_, 1, 2);
+  controls.AddCompanion("TextOutFileName", browseOutput_);
   setTabOrder(input_, browseInput);
   setTabOrder(browseInput, output_);
-  setTabOrder(output_, browseOutput);
+  setTabOrder(output_, browseOutput_);
   connect(input_, &QComboBox::currentTextChanged, this, [this] {
     FollowInput();
     emit InputChanged();
   });
   connect(browseInput, &QPushButton::clicked, this, &FileFields::BrowseInput);
-  connect(browseOutput, &QPushButton::clicked, this, &FileFields::BrowseOutput);
+  connect(browseOutput_, &QPushButton::clicked, this, &FileFields::BrowseOutput);
 }
 
 QPushButton* FileFields::MakeBrowseButton(const QString& name, const QString& tip) {
@@ -73,25 +76,33 @@ void FileFields::TakePaths(const QStringList& paths) {
 }
 
 void FileFields::BrowseInput() {
-  const QStringList chosen = services_.ChooseLevels(this, Input().isEmpty() ? QDir::homePath() : FolderOf(Input()));
+  const QStringList chosen = services_.ChooseLevels(this, FolderOf(Input()));
   if (!chosen.isEmpty()) TakePaths(chosen);
 }
 
+QString FileFields::Output() const { return IsListOfFiles(ToText(Input())) ? QString() : output_->text(); }
+
 void FileFields::BrowseOutput() {
-  const QString start = output_->text().isEmpty() ? FolderOf(Input()) : output_->text();
-  const QString chosen = services_.ChooseFileToSave(this, QStringLiteral("Choose the scene to write"), start,
-                                                    QStringLiteral("Scenes (*.wrl *.x3dv *.x3d);;All files (*)"));
+  const QString current = output_->text();
+  QString chosen;
+  if (NamesSeveralFiles(ToText(Input())))
+    chosen = services_.ChooseFolder(this, QStringLiteral("Choose the folder for the scenes"),
+                                    FolderOf(current.isEmpty() ? Input() : current));
+  else
+    chosen = services_.ChooseFileToSave(this, QStringLiteral("Choose the scene to write"),
+                                        current.isEmpty() ? FolderOf(Input()) : current,
+                                        QStringLiteral("Scenes (*.wrl *.x3dv *.x3d);;All files (*)"));
   if (!chosen.isEmpty()) output_->setText(QDir::toNativeSeparators(chosen));
 }
 
 void FileFields::Adopt() {
   const QString follows = OutputFor(Input());
   outputGiven_ = output_->text() == follows ? follows : QString();
-  ShowPlaceholder();
+  ShowWhatOutputMeans();
 }
 
 void FileFields::FollowInput() {
-  ShowPlaceholder();
+  ShowWhatOutputMeans();
   const QString follows = OutputFor(Input());
   const QString current = output_->text();
   if (current.isEmpty() || current == outputGiven_) {
@@ -103,9 +114,16 @@ void FileFields::FollowInput() {
   }
 }
 
-void FileFields::ShowPlaceholder() {
-  const bool isSeveral = !Input().isEmpty() && OutputFor(Input()).isEmpty();
-  output_->setPlaceholderText(isSeveral ? QStringLiteral("beside each level") : QString());
+void FileFields::ShowWhatOutputMeans() {
+  const std::string input = ToText(Input());
+  const bool isList = IsListOfFiles(input);
+  output_->setPlaceholderText(isList                     ? QStringLiteral("in the folder of the list")
+                              : NamesSeveralFiles(input) ? QStringLiteral("beside each level")
+                                                         : QString());
+  if (isList && !output_->text().isEmpty()) outputBeforeList_ = output_->text();
+  if (isList) output_->clear();
+  if (!isList && !outputBeforeList_.isEmpty()) output_->setText(std::exchange(outputBeforeList_, QString()));
+  controls_.SetUsable("TextOutFileName", !isList);
 }
 
 void FileFields::Remember() {

@@ -19,6 +19,8 @@ class FileFields : public QWidget {
   FileFields(OptionControls& controls, DesktopServices& services, QWidget* parent);
 
   QString Input() const { return input_->currentText(); }
+  /// Where the scenes go, for `ListJobs`: the scenes of a list go to its own folder.
+  QString Output() const;
   /// Files and folders that the user chose. Tells by `Refused` what cannot be taken.
   void TakePaths(const QStringList& paths);
 
@@ -39,12 +41,15 @@ class FileFields : public QWidget {
  private:
   QPushButton* MakeBrowseButton(const QString& name, const QString& tip);
   void FollowInput();
-  void ShowPlaceholder();
+  void ShowWhatOutputMeans();
 
+  OptionControls& controls_;
   DesktopServices& services_;
   QComboBox* input_;
   QLineEdit* output_;
-  QString outputGiven_; ///< what the output was last set to without the user's doing
+  QPushButton* browseOutput_ = nullptr;
+  QString outputBeforeList_; ///< what stood in the field that a list has no use for
+  QString outputGiven_;      ///< what the output was last set to without the user's doing
 };
 
 } // namespace quarvel

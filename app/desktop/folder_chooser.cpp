@@ -16,6 +16,13 @@ namespace quarvel {
 
 namespace {
 
+/// A default folder of another computer is no place to begin at.
+QString FirstExisting(const QStringList& folders, const QString& otherwise) {
+  for (const QString& folder : folders)
+    if (QDir(folder).exists()) return folder;
+  return otherwise;
+}
+
 QPushButton* MakeButton(const QString& name, const QString& text, QWidget* parent) {
   auto* button = new QPushButton(text, parent);
   button->setObjectName(name);
@@ -31,7 +38,7 @@ FolderChooser::FolderChooser(const QString& title, const QStringList& folders, c
   setWindowTitle(title);
   setAcceptDrops(true);
   auto* sides = new QHBoxLayout;
-  sides->addWidget(MakeComputerSide(folders.isEmpty() ? start : folders.front()), 1);
+  sides->addWidget(MakeComputerSide(FirstExisting(folders, start)), 1);
   sides->addWidget(MakeChosenSide(), 1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -6,7 +6,6 @@
 #include "app/desktop/path_edit.h"
 #include "app/desktop/qt_text.h"
 #include "core/run_summary.h"
-#include "settings/settings_file.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -83,6 +82,8 @@ void FormMain::MakeWidgets() {
 
 void FormMain::Connect() {
   connect(files_, &FileFields::InputChanged, this, &FormMain::OnInputChanged);
+  connect(&controls_, &OptionControls::Edited, this,
+          [this](const OptionInfo& option) { ReleaseOption(option, store_); });
   connect(files_, &FileFields::Refused, this, [this](const QString& why) { Tell(QStringLiteral("Left out"), why); });
   connect(pages_, &OptionPages::FoldersWanted, this, [this](ResourceKind kind) { ChooseFolders(kind, false); });
   connect(pages_, &OptionPages::DestinationWanted, this, &FormMain::ChooseDestination);
@@ -112,7 +113,7 @@ void FormMain::Connect() {
 void FormMain::LoadSettings() {
   const std::string error = store_.Load();
   ConversionSettings settings;
-  quarvel::LoadSettings(settings, store_);
+  const std::vector<RefusedSetting> refused = quarvel::LoadSettings(settings, store_);
   files_->LoadRecent(store_);
   ShowSettings(settings);
   QSize size =
@@ -123,6 +124,16 @@ void FormMain::LoadSettings() {
     Tell(QStringLiteral("The settings could not be read"), ToQString(error));
   else
     Tell(QStringLiteral("Ready"), QStringLiteral("Drop a level on the window, or choose one, and press Convert."));
+  if (!refused.empty()) TellRefused(refused);
+}
+
+/// Told when the window is there.
+void FormMain::TellRefused(const std::vector<RefusedSetting>& refused) {
+  QStringList lines{QStringLiteral("Some lines of the settings are not used. They stay in the file until you set these "
+                                   "options here.\n")};
+  for (const RefusedSetting& setting : refused)
+    lines.append(ToQString(SentenceOf(setting)));
+  QTimer::singleShot(0, this, [this, text = lines.join(u'\n')] { afterRun_->ShowWarning(text); });
 }
 
 ConversionSettings FormMain::FormSettings() const {
@@ -145,7 +156,14 @@ void FormMain::ShowSettings(const ConversionSettings& settings) {
 }
 
 void FormMain::OnInputChanged() {
-  // The text in memory is not this level's.
+  if (!isRunning_) { // what is shown is not this level's
+    results_.clear();
+    batch_->hide();
+    ShowResult(-1);
+    interface_->Clear();
+    Tell(QStringLiteral("Ready"), {});
+  }
+  // Nor is the text in memory.
   if (auto* reload = qobject_cast<QCheckBox*>(controls_.Find("CheckRescanFile"))) reload->setChecked(true);
 }
 
@@ -176,7 +194,11 @@ void FormMain::ChooseFolders(ResourceKind kind, bool convertAgain) {
 void FormMain::ChooseDestination(ResourceKind kind) {
   auto* dialog = new DestinationDialog(kind, settings_, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
-  connect(dialog, &QDialog::accepted, this, [this, dialog] { dialog->Read(settings_); });
+  connect(dialog, &QDialog::accepted, this, [this, dialog] {
+    dialog->Read(settings_);
+    for (const OptionInfo* option : dialog->EditedOptions())
+      ReleaseOption(*option, store_);
+  });
   dialog->open();
 }
 

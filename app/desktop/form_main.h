@@ -9,10 +9,12 @@
 #include "app/desktop/result_bar.h"
 #include "app/desktop/run_panel.h"
 #include "app/desktop/window_interface.h"
+#include "app/desktop/window_store.h"
 #include "core/batch.h"
-#include "settings/ini_store.h"
+#include "settings/settings_file.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <memory>
 #include <vector>
 
@@ -51,6 +53,7 @@ class FormMain : public QMainWindow {
   void MakeMenus();
   void ShowDefaults();
   void LoadSettings();
+  void TellRefused(const std::vector<RefusedSetting>& refused);
   void KeepWindowState();
   void OnInputChanged();
   void ChooseFolders(ResourceKind kind, bool convertAgain);
@@ -61,7 +64,10 @@ class FormMain : public QMainWindow {
   bool IsReady();
   void Run(const std::vector<ConversionJob>& jobs);
   void ShowRunning(bool running);
+  void TakeFocus();
+  void GiveFocusBack();
   void ShowOutcome(std::size_t jobs);
+  QString SubtractiveText() const;
   void KeepOutput();
   void FinishRun(std::size_t jobs);
   void Tell(const QString& pass, const QString& item);
@@ -69,13 +75,14 @@ class FormMain : public QMainWindow {
   const RunResult* CurrentResult() const;
 
   DesktopServices& services_;
-  IniStore store_;
+  WindowStore store_;
   ConversionSettings settings_; ///< of options that have no control in the window itself
   RunMemory memory_;
   bool isRunning_ = false;
   bool closeAfterRun_ = false;
   std::vector<RunResult> results_;
   int currentResult_ = -1;
+  QPointer<QWidget> focusBeforeRun_;
 
   OptionControls controls_;
   FileFields* files_ = nullptr;

@@ -52,6 +52,8 @@ void FormMain::ShowDefaults() {
   defaults.TextSearchPathSnd = current.TextSearchPathSnd;
   defaults.TextSearchPathMesh = current.TextSearchPathMesh;
   defaults.SSTabPrefs = current.SSTabPrefs;
+  for (const OptionInfo& option : OptionTable())
+    ReleaseOption(option, store_);
   ShowSettings(defaults);
 }
 

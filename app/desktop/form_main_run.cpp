@@ -1,8 +1,8 @@
 // What the window does from a press of the Go button to the end of the run.
 #include "app/desktop/form_main.h"
+#include "app/desktop/message_text.h"
 #include "app/desktop/qt_text.h"
 #include "core/run_summary.h"
-#include "settings/settings_file.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -16,7 +16,7 @@ void FormMain::Go() {
   files_->Remember();
   files_->SaveRecent(store_);
   const ConversionSettings settings = FormSettings();
-  std::vector<ConversionJob> jobs = ListJobs({settings.ComboInFileName}, settings.TextOutFileName, settings);
+  std::vector<ConversionJob> jobs = ListJobs({settings.ComboInFileName}, ToText(files_->Output()), settings);
   for (ConversionJob& job : jobs) // the window proposes the name beside the level by itself
     job.OutputTyped = job.OutputTyped && job.OutFile != std::filesystem::path(job.InFile).replace_extension(".wrl");
   Run(std::move(jobs));
@@ -50,8 +50,11 @@ void FormMain::Run(const std::vector<ConversionJob>& jobs) {
   batch_->setVisible(jobs.size() > 1);
   interface_->Begin();
   ShowRunning(true);
+  const double share = 1.0 / static_cast<double>(jobs.size());
+  int started = 0;
   const BatchEvents events{[&](const ConversionJob& job) {
                              if (job.Refusal.empty()) output->setText(ToQString(job.OutFile));
+                             interface_->BeginFile(static_cast<double>(started++) * share, share);
                              batch_->ShowStarted();
                            },
                            [&](const ConversionJob&, const RunResult& result) { batch_->ShowFinished(result); }};
@@ -64,7 +67,7 @@ void FormMain::Run(const std::vector<ConversionJob>& jobs) {
 /// The runs of a batch have saved their own outputs. What the user typed is what the next batch is to go by.
 void FormMain::KeepOutput() {
   WriteOption(*FindOption("TextOutFileName"), FormSettings(), store_);
-  if (const std::string error = store_.Save(); !error.empty()) interface_->ShowMessage(error);
+  static_cast<void>(store_.Save());
 }
 
 void FormMain::FinishRun(std::size_t jobs) {
@@ -78,30 +81,60 @@ void FormMain::FinishRun(std::size_t jobs) {
     return;
   }
   QApplication::alert(this);
-  afterRun_->ShowAll(results_, interface_->Messages());
+  std::vector<std::string> more;
+  if (!store_.Problem().empty()) more.push_back(store_.Problem());
+  afterRun_->ShowAll(results_, more);
 }
 
 /// The window during a run, or without one. The options are those of the run, so they stay as they are.
 void FormMain::ShowRunning(bool running) {
   isRunning_ = running;
+  if (running) TakeFocus();
   files_->setEnabled(!running);
   pages_->setEnabled(!running);
-  panel_->ShowRunning(running);
   for (QAction* action : idleActions_)
     action->setEnabled(!running);
   for (QAction* action : runActions_)
     action->setEnabled(running);
   controls_.SetUsable("CheckRescanFile", !memory_.LoadedFileName.empty()); // else there is nothing to convert instead
-  if (running)
-    panel_->CommandStop()->setFocus();
-  else if (!focusWidget() || focusWidget() == panel_->CommandStop())
-    panel_->CommandGo()->setFocus();
+  if (!running) GiveFocusBack();
+  panel_->ShowRunning(running);
+}
+
+/// What is disabled while it has the focus hands it on to anything: during a run the stop button has it.
+void FormMain::TakeFocus() {
+  focusBeforeRun_ = focusWidget();
+  panel_->CommandStop()->setEnabled(true);
+  panel_->CommandStop()->setFocus(Qt::OtherFocusReason);
+}
+
+/// To where it was before the run, so that the next key does what it would have done; unless the user has moved it.
+void FormMain::GiveFocusBack() {
+  panel_->CommandGo()->setEnabled(true);
+  const QWidget* now = focusWidget();
+  const bool isMoved = now && now != panel_->CommandStop() && now != panel_->CommandPause();
+  if (isMoved) return;
+  const bool isThere = focusBeforeRun_ && focusBeforeRun_->isEnabled() && focusBeforeRun_->isVisible();
+  (isThere ? focusBeforeRun_.data() : panel_->CommandGo())->setFocus(Qt::OtherFocusReason);
+}
+
+QString FormMain::SubtractiveText() const {
+  std::size_t left = 0;
+  for (const RunResult& result : results_)
+    for (const auto& [what, counted] : result.Findings.Counts())
+      if (counted.Code == FindingCode::SubtractiveBrushes) left += static_cast<std::size_t>(counted.Count);
+  if (left == 0) return {};
+  return QStringLiteral("; ") + ToQString(CountText(left, "subtractive brush is", "subtractive brushes are")) +
+         QStringLiteral(" left out");
 }
 
 void FormMain::ShowOutcome(std::size_t jobs) {
-  if (jobs > 1) return Tell(QStringLiteral("Done"), ToQString(BatchSummary(results_, jobs)));
+  if (jobs > 1)
+    return Tell(ToQString(BatchHeadline(results_, jobs)) + SubtractiveText(), ToQString(BatchSummary(results_, jobs)));
   const RunResult& result = results_.back();
-  if (result.Outcome == RunOutcome::Failed) Tell(QStringLiteral("Not converted"), ToQString(result.Error));
+  if (result.Outcome == RunOutcome::Done) panel_->ShowPass(QStringLiteral("Done") + SubtractiveText());
+  if (result.Outcome == RunOutcome::Failed)
+    Tell(QStringLiteral("Not converted"), WithCaptions(ToQString(result.Error)));
   if (result.Outcome == RunOutcome::Stopped)
     Tell(QStringLiteral("Stopped"), QStringLiteral("The scene is not complete."));
 }

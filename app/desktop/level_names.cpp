@@ -13,13 +13,17 @@ namespace {
 
 const QString levelPattern = QStringLiteral("*.t3d");
 
-bool IsLevelName(const QString& path) { return path.endsWith(QStringLiteral(".t3d"), Qt::CaseInsensitive); }
+/// A level as text, or the game's own file of one.
+bool IsLevelName(const QString& path) {
+  return path.endsWith(QStringLiteral(".t3d"), Qt::CaseInsensitive) ||
+         path.endsWith(QStringLiteral(".unr"), Qt::CaseInsensitive);
+}
 
 QStringList LevelsBelow(const QString& folder) {
   QStringList levels;
   for (QDirIterator at(folder, {levelPattern}, QDir::Files, QDirIterator::Subdirectories); at.hasNext();)
     levels.append(at.next());
-  levels.sort();
+  levels.sort(Qt::CaseInsensitive);
   return levels;
 }
 
@@ -75,7 +79,7 @@ QString InputFor(const QStringList& paths, QString* problem) {
   }
   const QStringList levels = AllLevels(paths);
   if (levels.isEmpty()) {
-    if (problem) *problem = QStringLiteral("None of these files is a level (*.t3d)");
+    if (problem) *problem = QStringLiteral("None of these files is a level (*.t3d, *.unr)");
     return {};
   }
   return levels.size() == 1 ? QDir::toNativeSeparators(levels.front()) : ListOf(levels, problem);
@@ -89,9 +93,11 @@ QString OutputFor(const QString& input) {
 }
 
 QString FolderOf(const QString& input) {
-  const QString first = input.section(u',', 0, 0);
-  const QFileInfo info(first);
-  return info.isDir() ? info.absoluteFilePath() : info.absolutePath();
+  if (input.isEmpty()) return QDir::homePath();
+  QFileInfo at(NamesSeveralFiles(ToText(input)) ? input.section(u',', 0, 0) : input);
+  while (!at.isDir() && !at.isRoot())
+    at = QFileInfo(at.absolutePath());
+  return at.isDir() ? at.absoluteFilePath() : QDir::homePath();
 }
 
 } // namespace quarvel

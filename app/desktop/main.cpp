@@ -4,28 +4,43 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 #include <QIcon>
-#include <iostream>
+#include <algorithm>
 #include <string_view>
 
 namespace {
 
-/// Also answered where there is no display.
-bool WantsVersion(int argc, char** argv) {
-  for (int i = 1; i < argc; ++i)
-    if (argv[i] == std::string_view("--version") || argv[i] == std::string_view("-v")) return true;
-  return false;
-}
-
-QStringList LevelsOfCommandLine() {
-  QCommandLineParser parser;
+void DescribeCommandLine(QCommandLineParser& parser) {
   parser.setApplicationDescription(
       QStringLiteral("Converts levels, exported from the Unreal editor as T3D text, to 3D scenes for the web."));
   parser.addHelpOption();
   parser.addVersionOption();
   parser.addPositionalArgument(QStringLiteral("LEVEL"), QStringLiteral("Levels to convert, or folders with levels"),
                                QStringLiteral("[LEVEL...]"));
+}
+
+void NameProgram() {
+  QCoreApplication::setApplicationName(QStringLiteral("quarvel-desktop"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(QUARVEL_VERSION));
+}
+
+/// Answers what needs no window, also where there is no display. Ends the program then.
+void AnswerWithoutDisplay(int argc, char** argv) {
+  constexpr std::string_view questions[] = {"-h", "--help", "--help-all", "-v", "--version"};
+  const auto isQuestion = [&](std::string_view word) {
+    return std::find(std::begin(questions), std::end(questions), word) != std::end(questions);
+  };
+  if (std::none_of(argv + 1, argv + argc, isQuestion)) return;
+  const QCoreApplication program(argc, argv);
+  NameProgram();
+  QCommandLineParser parser;
+  DescribeCommandLine(parser);
+  parser.process(program);
+}
+
+QStringList LevelsOfCommandLine() {
+  QCommandLineParser parser;
+  DescribeCommandLine(parser);
   parser.process(*qApp);
   return parser.positionalArguments();
 }
@@ -40,14 +55,10 @@ QIcon ProgramIcon() {
 } // namespace
 
 int main(int argc, char** argv) {
-  if (WantsVersion(argc, argv)) {
-    std::cout << "quarvel-desktop " QUARVEL_VERSION << std::endl;
-    return 0;
-  }
+  AnswerWithoutDisplay(argc, argv);
   QApplication program(argc, argv);
-  QApplication::setApplicationName(QStringLiteral("quarvel-desktop"));
+  NameProgram();
   QApplication::setApplicationDisplayName(QStringLiteral("Quarvel"));
-  QApplication::setApplicationVersion(QStringLiteral(QUARVEL_VERSION));
   QApplication::setDesktopFileName(QStringLiteral("quarvel-desktop"));
   Q_INIT_RESOURCE(desktop);
   QApplication::setWindowIcon(ProgramIcon());

@@ -1,5 +1,6 @@
 #include "app/desktop/missing_dialog.h"
 
+#include "app/desktop/message_text.h"
 #include "app/desktop/qt_text.h"
 #include "app/desktop/result_bar.h"
 #include "core/run_summary.h"
@@ -7,6 +8,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDialogButtonBox>
+#include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
@@ -23,12 +25,19 @@ bool EndsWith(const std::string& text, std::string_view ending) {
   return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
 
+struct WithoutCase {
+  bool operator()(const QString& a, const QString& b) const {
+    const int order = a.compare(b, Qt::CaseInsensitive);
+    return order != 0 ? order < 0 : a < b;
+  }
+};
+
 /// Each missing name with the levels that miss it.
-std::map<std::string, QStringList> LevelsByName(ResourceKind kind, const std::vector<RunResult>& results) {
-  std::map<std::string, QStringList> levels;
+std::map<QString, QStringList, WithoutCase> LevelsByName(ResourceKind kind, const std::vector<RunResult>& results) {
+  std::map<QString, QStringList, WithoutCase> levels;
   for (const RunResult& result : results)
     for (const std::string& name : result.Missing[kind])
-      levels[name].append(ToQString(result.InputFile.filename()));
+      levels[ToQString(name)].append(ToQString(result.InputFile.filename()));
   return levels;
 }
 
@@ -73,42 +82,55 @@ QTreeWidgetItem* MissingDialog::AddKind(ResourceKind kind, const std::vector<Run
   bold.setBold(true);
   top->setFont(0, bold);
   for (const auto& [name, where] : levels)
-    new QTreeWidgetItem(top, {ToQString(name), where.join(QStringLiteral(", "))});
+    new QTreeWidgetItem(top, {name, where.join(QStringLiteral(", "))});
   top->setExpanded(true);
   return top;
 }
 
+/// Says what is missing of a kind, with the way to another try beside it.
+void MissingDialog::AddMessage(QGridLayout* grid, ResourceKind kind, const std::vector<RunResult>& results) {
+  if (LevelsByName(kind, results).empty()) return;
+  const QLatin1String many(InfoOf(kind).Many);
+  const QLatin1String word(InfoOf(kind).Word);
+  const std::vector<std::filesystem::path>& lists = listFiles_[kind];
+  QString text = QStringLiteral("There were missing %1.").arg(many);
+  if (lists.size() == 1) text += QStringLiteral(" Please see ") + ToQString(lists.front());
+  if (lists.size() > 1) text += QStringLiteral(" Please see the lists beside the scenes.");
+  QLabel* label = MakeWrappedLabel(text, this);
+  label->setObjectName(QStringLiteral("LabelMessage") + word);
+  auto* search = new QPushButton(QStringLiteral("Choose folders..."), this);
+  search->setObjectName(QStringLiteral("CommandSearch") + word);
+  search->setToolTip(QStringLiteral("Say where the %1 are, and convert again").arg(many));
+  search->setAccessibleDescription(search->toolTip());
+  search->setAutoDefault(false);
+  connect(search, &QPushButton::clicked, this, [this, kind] { emit SearchWanted(kind); });
+  const int row = grid->rowCount();
+  grid->addWidget(label, row, 0);
+  grid->addWidget(search, row, 1, Qt::AlignTop);
+}
+
 QWidget* MissingDialog::MakeMessages(const std::vector<RunResult>& results) {
-  QStringList lines;
-  for (const RunResult& result : results)
-    for (const std::string& message : result.Messages)
-      lines.append(ToQString(message));
-  constexpr int linesShown = 6;
-  if (lines.size() > linesShown) lines = lines.mid(0, linesShown) + QStringList{QStringLiteral("...")};
-  auto* label = new QLabel(lines.join(u'\n'), this);
-  label->setObjectName(QStringLiteral("LabelMessages"));
-  label->setTextFormat(Qt::PlainText);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  label->setWordWrap(true);
-  return label;
+  auto* box = new QWidget(this);
+  auto* grid = new QGridLayout(box);
+  grid->setContentsMargins({});
+  grid->setColumnStretch(0, 1);
+  for (const ResourceKind kind : ResourceKinds)
+    AddMessage(grid, kind, results);
+  return box;
 }
 
 QWidget* MissingDialog::MakeButtons() {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   QPushButton* copy = buttons->addButton(QStringLiteral("&Copy"), QDialogButtonBox::ActionRole);
   QPushButton* open = buttons->addButton(QStringLiteral("&Open list"), QDialogButtonBox::ActionRole);
-  QPushButton* search =
-      buttons->addButton(QStringLiteral("Choose &folders and convert again..."), QDialogButtonBox::ActionRole);
   copy->setObjectName(QStringLiteral("CommandCopy"));
   open->setObjectName(QStringLiteral("CommandOpenList"));
-  search->setObjectName(QStringLiteral("CommandSearch"));
   copy->setToolTip(QStringLiteral("Copy the selected names, or all of them, to the clipboard"));
   open->setToolTip(QStringLiteral("Open the list of the selected kind in the desktop's text editor"));
-  search->setToolTip(QStringLiteral("Say where files of the selected kind are"));
   connect(copy, &QPushButton::clicked, this, &MissingDialog::Copy);
   connect(open, &QPushButton::clicked, this, &MissingDialog::OpenList);
-  connect(search, &QPushButton::clicked, this, [this] { emit SearchWanted(CurrentKind()); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  EnterCloses(buttons);
   const auto follow = [this, open] { open->setEnabled(!listFiles_[CurrentKind()].empty()); };
   connect(list_, &QTreeWidget::currentItemChanged, this, follow);
   follow();

@@ -8,6 +8,8 @@
 #include <QTreeWidget>
 #include <vector>
 
+class QGridLayout;
+
 namespace quarvel {
 
 /// Lists the textures, sounds and meshes that runs have missed, and leads to another try.
@@ -25,9 +27,8 @@ class MissingDialog : public QDialog {
   void SearchWanted(ResourceKind kind);
 
  private:
-  struct Kind;
-
   QTreeWidgetItem* AddKind(ResourceKind kind, const std::vector<RunResult>& results);
+  void AddMessage(QGridLayout* grid, ResourceKind kind, const std::vector<RunResult>& results);
   QWidget* MakeMessages(const std::vector<RunResult>& results);
   QWidget* MakeButtons();
   void Copy();

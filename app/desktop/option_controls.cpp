@@ -1,5 +1,6 @@
 #include "app/desktop/option_controls.h"
 
+#include "app/desktop/message_text.h"
 #include "app/desktop/qt_text.h"
 #include "settings/option_values.h"
 
@@ -127,13 +128,16 @@ void OptionControls::Add(const OptionInfo& option, QWidget* widget) {
       group->addButton(button);
     }
     connect(button, &QAbstractButton::toggled, this, &OptionControls::Update);
+    connect(button, &QAbstractButton::clicked, this, [this, &option] { emit Edited(option); });
   } else if (auto* line = qobject_cast<QLineEdit*>(widget)) {
     connect(line, &QLineEdit::textChanged, this, [this, &control] {
       CheckNumber(control);
       emit Changed();
     });
+    connect(line, &QLineEdit::textEdited, this, [this, &option] { emit Edited(option); });
   } else if (auto* list = qobject_cast<QComboBox*>(widget)) {
     connect(list, &QComboBox::currentTextChanged, this, &OptionControls::Changed);
+    connect(list, &QComboBox::activated, this, [this, &option] { emit Edited(option); });
   }
 }
 
@@ -163,7 +167,8 @@ std::vector<OptionControls::Problem> OptionControls::Read(ConversionSettings& se
     const std::string text = TextOf(*control.Option, control.Widget);
     if (control.Option->Kind == OptionKind::OptionButton && text == "0") continue;
     const std::string problem = SetOption(*control.Option, text, settings);
-    if (!problem.empty()) problems.push_back({control.Widget, ToQString(control.Option->Caption + " " + problem)});
+    if (!problem.empty())
+      problems.push_back({control.Widget, WithCaptions(ToQString(control.Option->Caption + " " + problem))});
   }
   return problems;
 }

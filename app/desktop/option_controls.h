@@ -48,6 +48,8 @@ class OptionControls : public QObject {
 
  signals:
   void Changed();
+  /// The user has set this option, even if to what it was.
+  void Edited(const OptionInfo& option);
 
  private:
   struct Control {

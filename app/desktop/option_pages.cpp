@@ -30,6 +30,13 @@ int DepthOf(const OptionInfo& option, const std::vector<std::string_view>& secti
   return depth;
 }
 
+std::vector<PageSection> SectionsByColumn() {
+  std::vector<PageSection> sections = PageSections();
+  std::stable_sort(sections.begin(), sections.end(),
+                   [](const PageSection& a, const PageSection& b) { return a.Column < b.Column; });
+  return sections;
+}
+
 std::optional<ResourceKind> PathKind(const OptionInfo& option) {
   for (const ResourceKind kind : ResourceKinds)
     if (option.Control == InfoOf(kind).SearchPathControl) return kind;
@@ -71,7 +78,7 @@ QWidget* OptionPages::MakePage(OptionTab tab) {
   auto* columns = new QHBoxLayout(page);
   QVBoxLayout* sides[2] = {new QVBoxLayout, nullptr};
   columns->addLayout(sides[0], 1);
-  for (const PageSection& section : PageSections()) {
+  for (const PageSection& section : SectionsByColumn()) { // the Tab key goes down one column, then the next
     if (section.Tab != tab) continue;
     QVBoxLayout*& side = sides[section.Column];
     if (!side) columns->addLayout(side = new QVBoxLayout, 1);

@@ -25,8 +25,8 @@ std::vector<PageSection> NamedSections() {
       {Tab::Textures, 0, "Image types", {"ListBMtypeOut", "ListMaskedBMtypeOut", "ListTerrainBMtypeOut"}},
       {Tab::Textures, 1, "Moving textures", {"TextTexPanScale"}},
 
-      {Tab::MoversAndTriggers, 0, "Movers", {"CheckMovers"}},
-      {Tab::MoversAndTriggers, 1, "Triggers", {"TextMoverTriggerMargin", "CheckShowTriggers"}},
+      {Tab::MoversAndTriggers, 0, "Movers", {"CheckMovers", "TextMoverTriggerMargin"}},
+      {Tab::MoversAndTriggers, 1, "Triggers", {"CheckShowTriggers"}},
 
       {Tab::Lights,
        0,

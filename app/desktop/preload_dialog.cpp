@@ -1,5 +1,7 @@
 #include "app/desktop/preload_dialog.h"
 
+#include "app/desktop/message_text.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QDialogButtonBox>
@@ -22,11 +24,11 @@ PreloadDialog::PreloadDialog(const QString& script, const QString& file, Desktop
   text->setReadOnly(true);
   text->setLineWrapMode(QPlainTextEdit::NoWrap);
   text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-  auto* label = new QLabel(QStringLiteral("A web page that holds this script loads the images before it shows the "
-                                          "scene. It was written to\n%1")
-                               .arg(file),
-                           this);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  QLabel* label =
+      MakeWrappedLabel(QStringLiteral("A web page that holds this script loads the images before it shows the "
+                                      "scene. It was written to\n%1")
+                           .arg(file),
+                       this);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   QPushButton* copy = buttons->addButton(QStringLiteral("&Copy"), QDialogButtonBox::ActionRole);
   QPushButton* save = buttons->addButton(QStringLiteral("&Save as..."), QDialogButtonBox::ActionRole);
@@ -35,6 +37,7 @@ PreloadDialog::PreloadDialog(const QString& script, const QString& file, Desktop
   connect(copy, &QPushButton::clicked, this, [this] { QApplication::clipboard()->setText(script_); });
   connect(save, &QPushButton::clicked, this, &PreloadDialog::Save);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  EnterCloses(buttons);
   auto* column = new QVBoxLayout(this);
   column->addWidget(label);
   column->addWidget(text, 1);
@@ -48,7 +51,8 @@ void PreloadDialog::Save() {
   if (chosen.isEmpty()) return;
   QSaveFile file(chosen);
   if (file.open(QIODevice::WriteOnly) && file.write(script_.toUtf8()) >= 0 && file.commit()) return;
-  auto* box = new QMessageBox(QMessageBox::Critical, windowTitle(), QStringLiteral("%1 cannot be written").arg(chosen),
+  auto* box = new QMessageBox(QMessageBox::Critical, windowTitle(),
+                              Wrappable(QStringLiteral("%1 cannot be written: %2").arg(chosen, file.errorString())),
                               QMessageBox::Ok, this);
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->open();

@@ -1,5 +1,6 @@
 #include "app/desktop/report_dialog.h"
 
+#include "app/desktop/message_text.h"
 #include "app/desktop/qt_text.h"
 #include "core/run_summary.h"
 
@@ -25,7 +26,7 @@ QString FullSummary(const RunResult& result) {
 QString HeadText(const RunResult& result) {
   QString text = ToQString(ContentText(result)) + QStringLiteral(" in ") + ToQString(SecondsText(result.Seconds));
   if (!IsEmpty(result.Bounds)) text += QStringLiteral("\nBox: ") + ToQString(BoxText(result.Bounds));
-  return result.Error.empty() ? text : ToQString(result.Error);
+  return result.Error.empty() ? text : WithCaptions(ToQString(result.Error));
 }
 
 } // namespace
@@ -37,11 +38,8 @@ ReportDialog::ReportDialog(const RunResult& result, QWidget* parent) : QDialog(p
   list_->setHeaderHidden(true);
   list_->setUniformRowHeights(true);
   FillIn(result);
-  auto* head = new QLabel(HeadText(result), this);
+  QLabel* head = MakeWrappedLabel(HeadText(result), this);
   head->setObjectName(QStringLiteral("LabelContent"));
-  head->setTextFormat(Qt::PlainText);
-  head->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  head->setWordWrap(true);
   auto* filter = new QLineEdit(this);
   filter->setObjectName(QStringLiteral("TextFilter"));
   filter->setPlaceholderText(QStringLiteral("Show only what has this in it, such as an actor's name"));
@@ -53,6 +51,7 @@ ReportDialog::ReportDialog(const RunResult& result, QWidget* parent) : QDialog(p
   connect(copy, &QPushButton::clicked, this,
           [text = FullSummary(result)] { QApplication::clipboard()->setText(text); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  EnterCloses(buttons);
   auto* column = new QVBoxLayout(this);
   column->addWidget(head);
   column->addWidget(filter);
@@ -63,18 +62,21 @@ ReportDialog::ReportDialog(const RunResult& result, QWidget* parent) : QDialog(p
 }
 
 void ReportDialog::FillIn(const RunResult& result) {
-  QStringList files, counts;
+  QStringList files, counts, messages;
+  for (const std::string& message : result.Messages)
+    messages.append(WithCaptions(ToQString(message)));
   for (const std::filesystem::path& file : result.FilesWritten)
     files.append(ToQString(file));
   for (const auto& [what, counted] : result.Findings.Counts())
     counts.append(ToQString(what + ": " + std::to_string(counted.Count)));
   if (!files.isEmpty()) AddGroup(QStringLiteral("Files written"), files);
+  if (!messages.isEmpty()) AddGroup(QStringLiteral("Messages"), messages);
   if (!counts.isEmpty()) AddGroup(QStringLiteral("Left out"), counts);
   for (const ActorsOfReason& group : GroupByReason(result.Findings.Findings())) {
     QStringList actors;
     for (const std::string& actor : group.Actors)
       actors.append(ToQString(actor));
-    QTreeWidgetItem* top = AddGroup(ToQString(group.Reason), actors);
+    QTreeWidgetItem* top = AddGroup(WithCaptions(ToQString(group.Reason)), actors);
     if (actors.size() > 1) top->setText(0, top->text(0) + QStringLiteral(" (%1)").arg(actors.size()));
   }
 }

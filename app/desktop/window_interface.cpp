@@ -3,7 +3,6 @@
 #include "app/desktop/qt_text.h"
 
 #include <QApplication>
-#include <algorithm>
 
 namespace quarvel {
 
@@ -23,18 +22,27 @@ double Seconds(std::chrono::steady_clock::duration duration) { return std::chron
 void WindowInterface::Begin() {
   isActive_ = true;
   stopRequested_ = false;
-  messages_.clear();
-  pass_.clear();
-  item_.clear();
-  itemNumber_ = -1;
-  fraction_ = 0;
-  uniqueMaterials_ = 0;
   begin_ = Clock::now();
   nextEvents_ = nextMapping_ = {};
   faces_ = 0;
-  mapping_.reset();
   secondsOnMappings_ = 0;
+  Clear();
+}
+
+void WindowInterface::Clear() {
+  pass_.clear();
+  item_.clear();
+  itemNumber_ = -1;
+  BeginFile(0, 1);
+  uniqueMaterials_ = 0;
+  mapping_.reset();
   panel_.Picture()->Clear();
+  Draw();
+}
+
+void WindowInterface::BeginFile(double before, double share) {
+  before_ = fraction_ = before;
+  share_ = share;
 }
 
 void WindowInterface::End() {
@@ -62,10 +70,6 @@ bool WindowInterface::WantsTextureMapping() {
 void WindowInterface::ShowTextureMapping(const std::filesystem::path& image, const std::vector<TexturePoint>& corners) {
   mapping_ = {image, corners};
   nextMapping_ = Clock::now() + mappingEvery;
-}
-
-void WindowInterface::ShowMessage(const std::string& text) {
-  if (std::find(messages_.begin(), messages_.end(), text) == messages_.end()) messages_.push_back(text);
 }
 
 void WindowInterface::Beep() { QApplication::beep(); }

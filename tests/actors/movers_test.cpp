@@ -18,8 +18,7 @@ class Movers : public ActorTest {
   BrushRecord Read(const std::string& keys, const std::string& className = "Mover") {
     const std::string text = ActorText(className + " Name=M", keys);
     const T3DLevel level(text);
-    RunInterface user;
-    NumberCheck check{user};
+    NumberCheck check;
     return ReadBrush(level, level.Actors.at(0), check);
   }
 

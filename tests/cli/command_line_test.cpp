@@ -5,11 +5,17 @@
 #include "core/run_summary.h"
 #include "settings/option_table.h"
 #include "settings/settings_file.h"
+#include "tests/scene/scene_readers.h"
 #include "tests/temporary_folder.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 namespace quarvel {
 namespace {
@@ -73,7 +79,15 @@ TEST_F(CommandLineTest, SetsOptionsWithoutTakingInputsForValues) {
   EXPECT_FALSE(settings_.CheckFog);
   EXPECT_TRUE(settings_.OptionIFSs);
   EXPECT_EQ(settings_.TextSearchPathTxt, "t;u");
+  EXPECT_EQ(Run({"--set", "ComboInFileName=b.t3d", "--set", "textoutfilename=out/"}), 0);
+  EXPECT_EQ(converted_.back(), "b.t3d > out/b.wrl");
+  EXPECT_EQ(Run({"--set", "ComboInFileName=b.t3d", "a.t3d"}), 2);
+  EXPECT_EQ(Run({"--set", "TextOutFileName=b.wrl", "a.t3d", "a.wrl"}), 2);
+  EXPECT_TRUE(Complains("TextOutFileName is set to b.wrl, but the OUTPUT is a.wrl; give one of them")) << err_.str();
+  EXPECT_EQ(Run({"a.t3d", "out/", "--set", "TextScale=2", "--set", "checkfog=0", "--set=OptionIFSs=-1"}), 0);
   EXPECT_EQ(settings_.ComboInFileName, "a.t3d");
+  EXPECT_EQ(settings_.TextOutFileName, "out/a.wrl");
+  EXPECT_EQ(Run({"a.t3d"}), 0);
   EXPECT_EQ(settings_.TextOutFileName, "a.wrl");
 }
 
@@ -154,6 +168,27 @@ TEST_F(CommandLineTest, KeepsTheRunsSettingsInTheirFile) {
   EXPECT_EQ(Run({"c.t3d"}), 0);
   EXPECT_TRUE(settings_.CheckFog) << "a run depends on its command line only";
 
+  // Another file is not taken for settings, and neither is one of the run.
+  folder.Write("notes.txt", "[Notes]\nmine=1\n");
+  folder.Write("bare.txt", "mine\n");
+  folder.Write("in.t3d", "[Quarvel]\n");
+  fs::create_hard_link(folder.Path() / "in.t3d", folder.Path() / "other.ini");
+  for (const char* name : {"notes.txt", "bare.txt", "other.ini", "out.x3d", "outMissingTextures.txt"}) {
+    const std::string before = folder.Read(name), path = (folder.Path() / name).string();
+    EXPECT_EQ(Run({"--settings", path, folder.Path() / "in.t3d", folder.Path() / "out.wrl"}), 2) << name;
+    EXPECT_TRUE(Complains(path)) << err_.str();
+    EXPECT_EQ(folder.Read(name), before);
+  }
+  // A value that an option cannot have is told, and stays until the option is set.
+  folder.Write("my.ini", "; mine\r\n[Quarvel]\r\nScale=45,5\r\nListBMtypeOut=tiff\r\n[QuarvelExtra]\r\n"
+                         "CheckConforming=2\r\n");
+  EXPECT_EQ(Run({"a.t3d", "--settings", file, "--set", "CheckConforming=0"}), 0);
+  EXPECT_EQ(err_.str(), "quarvel: " + file +
+                            ", line 3: Scale=45,5 is not used: it must be a number above 0\nquarvel: " + file +
+                            ", line 4: ListBMtypeOut=tiff is not used: it must be png, jpg, gif, bmp, tga or dds\n");
+  EXPECT_NE(folder.Read("my.ini").find("Scale=45,5\n"), std::string::npos);
+  EXPECT_NE(folder.Read("my.ini").find("CheckConforming=0\n"), std::string::npos);
+
   EXPECT_EQ(Run({"a.t3d", "--settings", folder.Path().string()}), 1);
   EXPECT_TRUE(Complains("is a folder"));
   EXPECT_EQ(Run({"a.t3d", "--settings", (folder.Path() / "none" / "my.ini").string()}), 1);
@@ -197,6 +232,47 @@ TEST(RunReport, HoldsWhatTheRunKnows) {
   EXPECT_FALSE(run.contains("error") || run.contains("box"));
 }
 
+TEST(Program, HearsCtrlCWhileAPipeIsOpened) {
+  const TemporaryFolder folder;
+  const fs::path pipe = folder.Path() / "out.wrl";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const pid_t program = fork();
+  if (program == 0) {
+    execl(QUARVEL_PROGRAM, "quarvel", "--quiet", QUARVEL_TEST_DATA_DIR "/golden.t3d", pipe.c_str(), nullptr);
+    _exit(99);
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  kill(program, SIGINT);
+  int status = -1;
+  for (int i = 0; i < 100 && waitpid(program, &status, WNOHANG) == 0; ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  if (status == -1) kill(program, SIGKILL);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 3) << status;
+}
+
+TEST(Program, TheDemoNamesScenesThatStrictViewersOpen) {
+  const TemporaryFolder folder;
+  const std::string demo = (fs::path(QUARVEL_SAMPLES_DIR).parent_path() / "scripts" / "demo.sh").string();
+  const std::string command = "QUARVEL_PROGRAM='" QUARVEL_PROGRAM "' '" + demo +
+                              "' '" QUARVEL_SAMPLES_DIR "/terrace.t3d' '" + (folder.Path() / "new/folder").string() +
+                              "' 2>&1";
+  std::string said;
+  FILE* pipe = popen(command.c_str(), "r");
+  for (int c = 0; pipe && (c = fgetc(pipe)) != EOF;)
+    said += static_cast<char>(c);
+  ASSERT_EQ(pclose(pipe), 0) << said;
+  for (const char* name : {"new/folder/terrace.wrl", "new/folder/terrace.x3d"}) {
+    EXPECT_NE(said.find("  " + (folder.Path() / name).string() + "  "), std::string::npos) << said;
+    const std::string scene = folder.Read(name);
+    const test::ReadScene read = name[19] == 'w' ? test::ReadVrml(scene) : test::ReadX3D(scene);
+    EXPECT_EQ(read.Faults, Arguments()) << name;
+    EXPECT_FALSE(read.Nodes.empty()) << name;
+    if (name[19] == 'x') {
+      EXPECT_NE(scene.find("<X3D profile='Immersive' version='3.0'>"), std::string::npos);
+    }
+  }
+}
+
 TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
   RunResult result;
   result.InputFile = "a.t3d";
@@ -232,12 +308,13 @@ TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
 TEST(ConsoleInterface, DrawsOneShortLineNowAndThen) {
   std::ostringstream out;
   ConsoleInterface user(out, {.ProgressLine = true}, {});
-  user.BeginFile("1/2 a.t3d: ");
+  user.BeginFile("2/2 a.t3d: ", 0.5, 0.5);
   user.ShowFraction(0.5);
   user.ShowPass("Processing Brushes");
   for (long i = 0; i < 100000; ++i)
     user.ShowItem(std::string(99, '\xE4') + "on face ", i);
   EXPECT_LT(out.str().size(), 2000u) << "drawn for every face";
+  EXPECT_NE(out.str().find("75% 2/2 a.t3d: "), std::string::npos) << "of the whole batch";
   EXPECT_EQ(out.str().find('\n'), std::string::npos);
   user.ClearLine();
   const std::string once = out.str();

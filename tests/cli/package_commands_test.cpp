@@ -93,7 +93,7 @@ TEST_F(PackageCommands, ConvertALevelAndKeepItsText) {
   EXPECT_EQ(Run({Path("kept.t3d"), Path("again.wrl")}), 0);
   EXPECT_EQ(folder_.Read("again.wrl"), folder_.Read("Rooms.wrl"));
 
-  EXPECT_EQ(Run({Path("Rooms.unr"), "--write-t3d", Path("Rooms.unr")}), 1);
+  EXPECT_EQ(Run({Path("Rooms.unr"), "--write-t3d", Path("Rooms.unr")}), 2);
   EXPECT_FALSE(folder_.Read("Rooms.unr").starts_with("Begin"));
   EXPECT_EQ(Run({Path("*.unr"), Path("kept.t3d"), "--write-t3d", Path("x.t3d")}), 2);
   EXPECT_EQ(Run({Path("Castle.utx"), Path("x.wrl")}), 1);

@@ -1,4 +1,5 @@
 #include "base/ascii_text.h"
+#include "core/batch.h"
 #include "t3d/light_records.h"
 #include "t3d/sound_records.h"
 #include "t3d/trigger_records.h"
@@ -108,26 +109,35 @@ TEST(WorldNodes, LeaveTheSkyWhereItIsRatherThanOverwriteTheLevel) {
   EXPECT_TRUE(Holds(ReadFile(folder.Path() / "sky0.wrl"), "DEF Cloud Transform"));
 }
 
-TEST(WorldNodes, TellThatASkyTakesThePlaceOfAnother) {
+TEST(WorldNodes, NoSkyTakesThePlaceOfAnotherScene) {
   const TemporaryFolder folder;
   ConversionSettings settings = Everything();
   settings.CheckSkyZone = true;
   MemoryStore store;
   RunMemory memory;
   RunInterface user;
-  const auto convert = [&](const char* name) {
-    folder.Write(std::string(name) + ".t3d", skyLevel);
-    const fs::path path = folder.Path() / name;
-    return ConvertFile(path.string() + ".t3d", path.string() + ".wrl", settings, store, memory, user)
-        .Findings.Findings();
+  /// How each level of a batch ends.
+  const auto convert = [&](const Texts& names) {
+    Texts inputs, ends;
+    for (const std::string& name : names) {
+      folder.Write(name + ".t3d", name == "Sky0" ? Actor("PlayerStart Name=P", "") : skyLevel);
+      inputs.push_back((folder.Path() / (name + ".t3d")).string());
+    }
+    for (const RunResult& result : RunBatch(ListJobs(inputs, {}, settings), settings, store, memory, user))
+      ends.push_back(result.Outcome == RunOutcome::Done ? "done" : result.Reason);
+    return ends;
   };
-  const auto tells = [](const std::vector<Finding>& findings) {
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const Finding& finding) { return Holds(finding.Reason, "takes the place"); });
+  const std::string sky = (folder.Path() / "Sky0.wrl").string();
+  const auto refusal = [&](const std::string& what, const char* owner) {
+    return "is not converted: its " + what + " " + sky + " is an output of " + (folder.Path() / owner).string() +
+           " already";
   };
-  EXPECT_FALSE(tells(convert("one")));
-  EXPECT_FALSE(tells(convert("one")));
-  EXPECT_TRUE(tells(convert("two")));
+  EXPECT_EQ(convert({"one"}), Texts{"done"});
+  EXPECT_EQ(convert({"one", "two", "Sky0"}),
+            (Texts{"done", refusal("sky scene", "one.t3d"), refusal("output", "one.t3d")}));
+  EXPECT_TRUE(Holds(ReadFile(sky), "DEF Cloud Transform"));
+  EXPECT_EQ(convert({"Sky0", "two"}), (Texts{"done", refusal("sky scene", "Sky0.t3d")}));
+  EXPECT_FALSE(Holds(ReadFile(sky), "DEF Cloud Transform"));
 }
 
 /// What a scene holds, with the name that X3D has for a field of VRML97.

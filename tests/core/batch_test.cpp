@@ -62,6 +62,8 @@ TEST_F(Batch, APatternFindsFilesInAllFoldersBelow) {
   EXPECT_EQ(Jobs({"maps\\?.t3d"}, "out/any.wrl"),
             (Names{"maps/a.T3D > out/a.wrl", "maps/b.t3d > out/b.wrl", "maps/sub/deep/c.t3d > out/c.wrl"}));
   EXPECT_EQ(Jobs({"e.*"}), Names{"e.t3d > e.wrl"});
+  fs::create_directory("out");
+  EXPECT_EQ(Jobs({"e.*"}, "out"), Names{"e.t3d > out/e.wrl"}) << "a folder, even without a separator behind it";
   EXPECT_EQ(Jobs({"maps/*.unr"}), Names{"refused: no file matches maps/*.unr"});
   EXPECT_EQ(Jobs({"none/*.t3d"}), Names{"refused: no file matches none/*.t3d"});
 }
@@ -102,6 +104,12 @@ TEST_F(Batch, NoSceneIsWrittenTwiceAndNoInputOverwritten) {
   WriteAll({"real/a.t3d"});
   fs::create_directory_symlink("real", "link");
   EXPECT_TRUE(Jobs({"real/a.t3d", "link/a.t3d"})[1].starts_with("refused: ")) << "one file by two ways";
+  fs::create_hard_link("real/a.t3d", "real/b.wrl");
+  EXPECT_EQ(Jobs({"real/a.t3d"}, "real/b.wrl"),
+            Names{"refused: real/a.t3d is not converted: its output real/b.wrl would overwrite an input"});
+  EXPECT_EQ(Jobs({"levelMissingTextures.txt"}, "level.wrl"),
+            Names{"refused: levelMissingTextures.txt is not converted: its report levelMissingTextures.txt would "
+                  "overwrite an input"});
 }
 
 class CountingUser : public RunInterface {
@@ -118,10 +126,11 @@ class Runs : public testing::Test {
   std::vector<RunResult> Run(const Names& inputs) {
     std::vector<ConversionJob> jobs;
     for (const std::string& input : inputs)
-      jobs.push_back({input, input, input + ".wrl", input == "refused" ? "no" : ""});
+      jobs.push_back({input, input, input + ".wrl", input == "refused" ? "no" : "", {}});
     const auto convert = [this](const fs::path& in, const fs::path&, const ConversionSettings& settings, SettingsStore&,
                                 RunMemory& memory, RunInterface&) {
       memory.T3DText += in.string() + ";";
+      EXPECT_TRUE(settings.CheckRescanFile) << "the text in memory is not every file's";
       seen_.push_back(settings.ComboInFileName + " " + settings.TextOutFileName);
       RunResult result;
       result.Outcome = in == "bad" ? RunOutcome::Failed : in == "stop" ? RunOutcome::Stopped : RunOutcome::Done;
@@ -143,6 +152,7 @@ class Runs : public testing::Test {
 
 TEST_F(Runs, AFailureDoesNotKeepTheOthersFromBeingConverted) {
   settings_.CheckBeep = true;
+  settings_.CheckRescanFile = false;
   const auto results = Run({"a", "bad", "refused", "b"});
   EXPECT_EQ(finished_, "a bad! refused! b ");
   EXPECT_EQ(memory_.T3DText, "a;bad;b;") << "one memory for all";

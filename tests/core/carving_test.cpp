@@ -179,8 +179,7 @@ TEST(Carving, CutsLargeShapesInPieces) {
 /// The brushes of a real level.
 std::vector<LevelBrush> BrushesOf(const T3DLevel& level) {
   std::vector<LevelBrush> brushes;
-  RunInterface user;
-  NumberCheck check{user};
+  NumberCheck check;
   for (const ActorBlock* actor : level.ActorsOf(ActorFamily::Brush)) {
     BrushRecord brush = ReadBrush(level, *actor, check);
     if (IsAdditive(brush) || brush.CsgOper == "CSG_Subtract") brushes.push_back(MakeLevelBrush(std::move(brush)));

@@ -166,7 +166,7 @@ TEST(ConversionRun, ConvertsMoversOfEveryClassThatHoldsPolygons) {
     std::string text = Brush(name, keys, faces);
     return text.replace(text.find("Class=Brush"), 11, "Class=" + className);
   };
-  const std::string level = mover("AttachMover", "A", "", 1) + mover("Mover", "B", " NumKeys=151\n", 1) +
+  const std::string level = mover("AttachMover", "A", "", 1) + mover("Mover", "B", " NumKeys=100000\n", 1) +
                             mover("Game.AssertMover", "C", "", 1) + mover("GhostMover", "D", "", 0) +
                             mover("Mover", "E", "", 1);
   ConversionSettings settings = SampleSettings();
@@ -179,7 +179,7 @@ TEST(ConversionRun, ConvertsMoversOfEveryClassThatHoldsPolygons) {
   EXPECT_EQ(converted.Result.Brushes, 3);
   const auto& findings = converted.Result.Findings.Findings();
   EXPECT_TRUE(std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
-    return finding.Actor == "B" && Holds(finding.Reason, "NumKeys is 151");
+    return finding.Actor == "B" && Holds(finding.Reason, "NumKeys is 100000,");
   }));
   settings.CheckMovers = false;
   EXPECT_EQ(Convert(level, settings).Result.Brushes, 0);
@@ -204,7 +204,11 @@ class Watcher : public RunInterface {
     return *this;
   }
 
-  Texts Passes, Items;
+  void ShowFraction(double done) override { Fractions.push_back(done); }
+  void ShowMessage(const std::string& text) override { Messages.push_back(text); }
+
+  Texts Passes, Items, Messages;
+  std::vector<double> Fractions;
 
  private:
   int looksUntilActive_ = 0, looksUntilStop_ = 0, looks_ = 0;
@@ -277,6 +281,9 @@ TEST(ConversionRun, RefusesWhatIsNoLevelInOneSentence) {
       {"Begin Actor Class=Brush_0 Archetype=Brush'Engine.Default__Brush'\nEnd Actor", "newer generation"},
       {"Begin StaticMesh Name=X\nEnd StaticMesh", "static mesh"},
       {"Begin Actor Class=Tree Name=T\nEnd Actor", "holds no brush"},
+      {Brush("Gone", "CsgOper=CSG_Add\n PolyFlags=1\n"), "these options; it holds 1 Brush"},
+      {Brush("Cut", "CsgOper=CSG_Subtract\n") + "Begin Actor Class=SpecialEvent Name=S\nEnd Actor\n",
+       "it holds 1 Brush, 1 SpecialEvent; brushes left out as subtractive: 1"},
       {"Begin Actor Class=Brush Name=Cut\n Begin Brush\n", ""},
   };
   for (const auto& [text, why] : cases) {
@@ -301,9 +308,41 @@ TEST(ConversionRun, ReportsFilesThatCannotBeReadOrWritten) {
   };
   EXPECT_TRUE(Holds(convert("none.t3d", "a.wrl").Error, "does not exist"));
   EXPECT_TRUE(Holds(convert("taken.x3d", "a.wrl").Error, "is a folder"));
-  EXPECT_TRUE(Holds(convert("a.t3d", "none/a.wrl").Error, "cannot be written"));
-  EXPECT_TRUE(Holds(convert("a.t3d", "taken.wrl").Error, "cannot be written"));
+  EXPECT_TRUE(Holds(convert("a.t3d", "taken.wrl").Error, "taken.x3d cannot be written: Is a directory"));
+  EXPECT_EQ(convert("a.t3d", "taken.wrl").Reason, "taken.x3d cannot be written: Is a directory");
+  EXPECT_TRUE(Holds(convert("a.t3d", "a.t3d/b.wrl").Error, "b.wrl cannot be written: its folder cannot be made: "));
+  EXPECT_EQ(convert("a.t3d", "new/folders/a.wrl").Outcome, RunOutcome::Done);
   EXPECT_FALSE(fs::exists(folder.Path() / "taken.wrl")) << "refused before any pass";
+  fs::create_symlink("/dev/full", folder.Path() / "full.wrl");
+  memory.TypedOutput = folder.Path() / "full.wrl";
+  EXPECT_TRUE(Holds(convert("a.t3d", "full.wrl").Error, "full.wrl cannot be written: No space left on device"));
+}
+
+TEST(ConversionRun, TellsOnceOfNumbersThatNoLevelHasAndOfPolygonsThatAreNone) {
+  const std::string sky = "Region=(Zone=SkyZoneInfo'MyLevel.Sky')\n CsgOper=CSG_Add\n";
+  std::string level = "Begin Actor Class=SkyZoneInfo Name=Sky\nEnd Actor\n" + Brush("Star", sky, 2) +
+                      Brush("A", "CsgOper=CSG_Add\n") + Brush("Line", "CsgOper=CSG_Add\n");
+  for (std::size_t at = 0; (at = level.find("Begin Polygon Texture=brick\n", at)) != level.npos; at += 40)
+    level.insert(at + 28, "Origin 1e9,0,0\n");
+  level.erase(level.rfind("   Vertex"), 17);
+  level.replace(level.find("Name=A\n"), 7, "Name=Door\n");
+  level.replace(level.rfind("Class=Brush", level.find("Name=Door")), 11, "Class=Mover");
+  ConversionSettings settings = SampleSettings();
+  settings.CheckSkyZone = true;
+  Watcher user;
+  const RunResult result = Convert(level, settings, &user).Result;
+  const std::string message = "Input file contains badly formatted numbers: 4 places, the first in Line";
+  EXPECT_EQ(std::count(user.Messages.begin(), user.Messages.end(), message), 1);
+  EXPECT_EQ(std::count(result.Messages.begin(), result.Messages.end(), message), 1);
+  EXPECT_TRUE(
+      std::any_of(result.Findings.Findings().begin(), result.Findings.Findings().end(), [](const Finding& finding) {
+        return finding.Actor == "Line" && finding.Reason == "1 of its polygons have fewer than three vertices";
+      }));
+  EXPECT_TRUE(std::is_sorted(user.Fractions.begin(), user.Fractions.end())) << "the sky begins anew";
+  EXPECT_EQ(std::count(user.Items.begin(), user.Items.end(), ""), 0);
+  const auto mover = std::find(user.Items.begin(), user.Items.end(), "on mover 2");
+  ASSERT_NE(mover, user.Items.end());
+  EXPECT_EQ(*(mover - 1), "getting mover");
 }
 
 TEST(LevelCheck, TellsTheGenerationsApart) {

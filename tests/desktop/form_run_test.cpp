@@ -1,5 +1,6 @@
 #include "app/cli/command_line.h"
 #include "app/desktop/folder_chooser.h"
+#include "app/desktop/message_text.h"
 #include "tests/desktop/form_test.h"
 
 #include <QClipboard>
@@ -72,7 +73,8 @@ TEST_F(FormRun, ADroppedLevelIsConvertedAsTheCommandLineDoes) {
   ASSERT_EQ(form_->Results().size(), 1u);
   const RunResult& result = form_->Results().front();
   EXPECT_EQ(result.Outcome, RunOutcome::Done) << result.Error;
-  EXPECT_EQ(TextOf("LabelPos"), "Done");
+  const int subtractive = result.Findings.Counts().at("brushes left out as subtractive").Count;
+  EXPECT_TRUE(TextOf("LabelPos").startsWith(QStringLiteral("Done; %1 subtractive brush").arg(subtractive)));
   EXPECT_TRUE(TextOf("LabelProgress").startsWith(QStringLiteral("Box: "))) << TextOf("LabelProgress").toStdString();
   EXPECT_EQ(TextOf("LabelUniqueMaterials"), QStringLiteral("Unique Materials: %1").arg(result.UniqueMaterials));
   CloseDialogs();
@@ -170,9 +172,10 @@ TEST_F(FormRun, AFolderIsABatchWithARowForEachFile) {
   auto* rows = Find<QTreeWidget>("ListBatch");
   EXPECT_TRUE(rows->isVisible());
   ASSERT_EQ(rows->topLevelItemCount(), 3);
-  EXPECT_TRUE(rows->topLevelItem(0)->text(1).contains(QStringLiteral("broken.t3d")));
+  EXPECT_EQ(rows->topLevelItem(0)->text(1), "holds no actor; it is not a level exported as T3D text");
   EXPECT_EQ(rows->topLevelItem(1)->text(1), "Done");
   EXPECT_EQ(rows->topLevelItem(2)->text(3), "1") << "missing files";
+  EXPECT_TRUE(TextOf("LabelPos").startsWith(QStringLiteral("2 of 3 converted")));
   EXPECT_EQ(TextOf("LabelProgress"), "2 of 3 files converted");
   EXPECT_EQ(Find<QLineEdit>("TextOutFileName")->text(), Name("out/")) << "the output of the last file stays";
   EXPECT_NE(folder_.Read("Quarvel.ini").find("OutFile=" + Name("out/").toStdString() + "\n"), std::string::npos);
@@ -193,8 +196,9 @@ TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
   Convert();
   QDialog* dialog = Dialog("FormMissing");
   ASSERT_NE(dialog, nullptr);
-  EXPECT_TRUE(
-      Find<QLabel>("LabelMessages", dialog)->text().contains(QStringLiteral("There were missing sounds. Please see ")));
+  EXPECT_TRUE(Find<QLabel>("LabelMessageSound", dialog)
+                  ->text()
+                  .contains(QStringLiteral("There were missing sounds. Please see ")));
   auto* list = Find<QTreeWidget>("ListMissing", dialog);
   ASSERT_EQ(list->topLevelItemCount(), 2);
   Click("CommandCopy", dialog);
@@ -205,7 +209,7 @@ TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
   EXPECT_TRUE(QApplication::clipboard()->text().contains(
       ToQString(form_->Results().front().Missing[ResourceKind::Sound].back())));
 
-  Click("CommandSearch", dialog);
+  Click("CommandSearchSound", dialog);
   auto* chooser = qobject_cast<FolderChooser*>(Dialog("FormFolders"));
   ASSERT_NE(chooser, nullptr);
   EXPECT_EQ(chooser->Folders(), QStringList{Name("textures")});
@@ -277,6 +281,63 @@ TEST_F(FormRun, TheReportNamesActorsAndTheSceneCanBeOpened) {
   desktop_.CanOpen = false;
   Click("CommandOpenScene");
   EXPECT_NE(Dialog("FormMessage"), nullptr) << "nothing tells that there is no viewer";
+  CloseDialogs();
+}
+
+TEST_F(FormRun, AStoppedBatchIsNotDoneAndANewInputClearsIt) {
+  folder_.Write("maps/a.t3d", "no level\r\n");
+  fs::copy(folder_.Path() / "harbour.t3d", folder_.Path() / "maps" / "b.t3d");
+  SetInput(Name("maps/*.t3d"));
+  desktop_.Folder = Name("out");
+  SetLine("TextOutFileName", Name("none/there.wrl"));
+  Click("CommandBrowseOut");
+  EXPECT_EQ(desktop_.FolderStart, ToQString(folder_.Path())) << "the nearest folder that is there";
+  EXPECT_EQ(Find<QLineEdit>("TextOutFileName")->text(), Name("out"));
+  ConvertAnd([&] {
+    Click("CommandPause");
+    QTimer::singleShot(20, [&] { QTest::keyClick(form_.get(), Qt::Key_Escape); });
+  });
+  EXPECT_TRUE(TextOf("LabelPos").startsWith(QStringLiteral("Stopped")));
+  EXPECT_TRUE(fs::exists(folder_.Path() / "out" / "b.wrl"));
+  CloseDialogs();
+  SetInput(Name("harbour.t3d"));
+  EXPECT_FALSE(Find<QTreeWidget>("ListBatch")->isVisible());
+  EXPECT_FALSE(Find<QPushButton>("CommandReport")->isEnabled());
+  EXPECT_EQ(TextOf("LabelPos"), "Ready");
+  SetInput(Name("maps") + QStringLiteral(",a.t3d,b.t3d"));
+  EXPECT_FALSE(Find<QLineEdit>("TextOutFileName")->isEnabled()) << "a list's scenes go to its own folder";
+  fs::remove(folder_.Path() / "maps" / "b.t3d");
+  Convert();
+  EXPECT_EQ(TextOf("LabelPos"), "Not converted");
+  CloseDialogs();
+}
+
+TEST_F(FormRun, TheFocusStaysAndEnterDoesNoMoreThanClose) {
+  UseHarbour();
+  auto* input = Find<QComboBox>("ComboInFileName");
+  input->setFocus();
+  QTest::keyClick(input, Qt::Key_End);
+  form_->Go();
+  QDialog* missing = Dialog("FormMissing");
+  ASSERT_NE(missing, nullptr);
+  QApplication::clipboard()->setText(QStringLiteral("mine"));
+  QTest::keyClick(missing, Qt::Key_Return);
+  EXPECT_EQ(Dialog("FormMissing"), nullptr);
+  EXPECT_EQ(QApplication::clipboard()->text(), "mine");
+  EXPECT_EQ(form_->focusWidget(), input);
+  QTest::keyClick(input, Qt::Key_X);
+  EXPECT_EQ(input->currentText(), Name("harbour.t3dx"));
+}
+
+TEST_F(FormRun, LongPathsDoNotWidenADialogAndOptionsBearTheirCaptions) {
+  const std::string deep(200, 'n');
+  SetInput(Name(deep + "/none.t3d"));
+  Convert();
+  QDialog* box = Dialog("FormMessage");
+  ASSERT_NE(box, nullptr);
+  EXPECT_LT(box->width(), 900);
+  EXPECT_EQ(WithCaptions(QStringLiteral("x; the option CheckConforming avoids it, CheckCo does not")),
+            "x; the option \"Conform to the standards\" avoids it, CheckCo does not");
   CloseDialogs();
 }
 

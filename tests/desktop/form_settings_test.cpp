@@ -125,12 +125,67 @@ TEST_F(FormSettings, EverySettingOfTheFileIsShownAndSavedByARun) {
   check(read);
 }
 
+TEST_F(FormSettings, ARefusedLineIsToldAndStaysUntilItsOptionIsSet) {
+  folder_.Write("Quarvel.ini", "[Quarvel]\nScale=45,5\nListBMtypeOut=tiff\nCheckFog=2\nOptionTerrainEG=0\n"
+                               "OptionTerrainIFS=-1\n");
+  form_ = std::make_unique<FormMain>(Name("Quarvel.ini"), desktop_);
+  form_->show();
+  QDialog* box = Dialog("FormMessage");
+  ASSERT_NE(box, nullptr);
+  const QString told = qobject_cast<QMessageBox*>(box)->text().remove(QChar(0x200B));
+  EXPECT_TRUE(told.contains(QStringLiteral("line 2: Scale=45,5 is not used: it must be a number above 0")))
+      << told.toStdString();
+  EXPECT_TRUE(told.contains(QStringLiteral("line 4: CheckFog=2")) && !told.contains(QStringLiteral("OptionTerrain")));
+  CloseDialogs();
+  SetInput(Name("none.t3d"));
+  Click("CheckFog");
+  Click("CheckFog");
+  Convert();
+  CloseDialogs();
+  const std::string text = folder_.Read("Quarvel.ini");
+  EXPECT_NE(text.find("\nScale=45,5\n"), text.npos);
+  EXPECT_NE(text.find("\nCheckFog=1\n"), text.npos) << "set, even if to what it was";
+
+  std::filesystem::permissions(folder_.Path() / "Quarvel.ini", std::filesystem::perms::owner_read);
+  folder_.Write("a.t3d", "Begin Actor Class=PlayerStart Name=P\nEnd Actor\n");
+  SetInput(Name("a.t3d"));
+  Convert();
+  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done) << "stopped by settings that cannot be saved";
+  box = Dialog("FormMessage");
+  ASSERT_NE(box, nullptr);
+  EXPECT_TRUE(qobject_cast<QMessageBox*>(box)->text().contains(QStringLiteral("Permission denied")));
+  CloseDialogs();
+}
+
+TEST_F(FormSettings, TheTabKeyGoesDownTheColumns) {
+  auto* tabs = Find<QTabWidget>("SSTabPrefs");
+  int seconds = 0;
+  for (int i = 0; i < tabs->count(); ++i) {
+    tabs->setCurrentIndex(i);
+    QApplication::processEvents();
+    QWidget* page = tabs->widget(i);
+    int column = 0;
+    for (QWidget* at = page->nextInFocusChain(); at != page; at = at->nextInFocusChain()) {
+      const auto* box = qobject_cast<const QGroupBox*>(at->parentWidget());
+      if (!box || !page->isAncestorOf(box)) continue;
+      const int now = box->mapTo(page, QPoint()).x() > page->width() / 3 ? 1 : 0;
+      EXPECT_GE(now, column) << at->objectName().toStdString();
+      column = now;
+    }
+    seconds += column;
+  }
+  EXPECT_GT(seconds, 4) << "the pages have not been laid out";
+}
+
 TEST_F(FormSettings, WhatAnOptionDependsOnDecidesWhetherItCanBeChanged) {
   const auto enabled = [&](const char* name) { return Find<QWidget>(name)->isEnabledTo(form_.get()); };
   Find<QCheckBox>("CheckDoSounds")->setChecked(false);
   EXPECT_FALSE(enabled("TextSoundRadiusScale"));
   EXPECT_FALSE(enabled("TextSearchPathSnd"));
   EXPECT_FALSE(enabled("CommandFoldersSound"));
+  Find<QCheckBox>("CheckMovers")->setChecked(false);
+  Find<QCheckBox>("CheckDoTerrain")->setChecked(false);
+  EXPECT_FALSE(enabled("TextMoverTriggerMargin") || enabled("ListTerrainBMtypeOut"));
   Find<QCheckBox>("CheckMakeDefaultViewpoint")->setChecked(true);
   EXPECT_FALSE(enabled("TextVProxSizeX"));
   Click("OptionDefViewAsProxSensor");

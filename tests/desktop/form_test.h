@@ -23,13 +23,17 @@ class MadeUpDesktop : public DesktopServices {
  public:
   QStringList ChooseLevels(QWidget*, const QString&) override { return Levels; }
   QString ChooseFileToSave(QWidget*, const QString&, const QString&, const QString&) override { return FileToSave; }
+  QString ChooseFolder(QWidget*, const QString&, const QString& start) override {
+    FolderStart = start;
+    return Folder;
+  }
   bool Open(const QString& path) override {
     Opened.append(path);
     return CanOpen;
   }
 
   QStringList Levels;
-  QString FileToSave;
+  QString FileToSave, Folder, FolderStart;
   QStringList Opened;
   bool CanOpen = true;
 };

@@ -34,6 +34,11 @@ TEST_F(FileIndexTest, FindsByBaseNameWhateverTheCase) {
   EXPECT_EQ(PathsOf(index, "\xE4rger").size(), 1U) << "a level's Windows-1252 text";
   EXPECT_EQ(index.Find("WALL")[1].Extension, "bmp");
   EXPECT_TRUE(fs::exists(index.PathOf(index.Find("wall")[2])));
+
+  class Impatient : public RunInterface {
+    bool StopRequested() override { return true; }
+  } user;
+  EXPECT_TRUE(FileIndex({folder_}, Walk::Tree, &user).Files().empty()) << "a stop is not heard on the way";
 }
 
 TEST_F(FileIndexTest, SurvivesLinkLoopsAndUnreadableFolders) {

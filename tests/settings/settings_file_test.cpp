@@ -139,7 +139,14 @@ TEST(SettingsFile, ReportsWhatCannotBeReadOrWritten) {
   EXPECT_NE(IniStore(pipe).Save(), "");
   EXPECT_EQ(fs::status(pipe).type(), fs::file_type::fifo) << "replaced";
   EXPECT_EQ(IniStore(folder.Path() / "none.ini").Load(), "");
-  EXPECT_NE(IniStore(folder.Path() / "none" / "Quarvel.ini").Save(), "");
+  EXPECT_EQ(IniStore(folder.Path() / "none" / "Quarvel.ini").Save(),
+            "cannot write the settings file " + (folder.Path() / "none" / "Quarvel.ini").string() +
+                ": No such file or directory")
+      << "another name than the user's";
+  folder.Write("protected.ini", "");
+  fs::permissions(folder.Path() / "protected.ini", fs::perms::owner_read);
+  EXPECT_TRUE(IniStore(folder.Path() / "protected.ini").Save().ends_with("protected.ini: Permission denied"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 3) << "a temporary file is left";
 }
 
 TEST(SettingsFile, SavingFollowsALinkAndKeepsPermissions) {

@@ -152,7 +152,7 @@ TEST(ActorRecords, ReadASceneManagersActionsFromItsSubObjects) {
                                                "    bLooping=True\r\n"
                                                "    Actions(0)=ActionMoveCamera'myLevel.Move1'\r\n"
                                                "    Actions(1)=ActionPause'myLevel.Wait'\r\n"
-                                               "    Actions(2)=ActionMoveCamera'myLevel.Gone'\r\n"
+                                               "    Actions(3)=ActionMoveCamera'myLevel.Gone'\r\n"
                                                "    Begin Object Class=ActionPause Name=Wait\r\n"
                                                "        Duration=4\r\n"
                                                "    End Object") +
@@ -165,6 +165,7 @@ TEST(ActorRecords, ReadASceneManagersActionsFromItsSubObjects) {
   EXPECT_EQ(manager.Affect, "AFFECT_ViewportActor");
   ASSERT_EQ(manager.Actions.size(), 2u);
   EXPECT_EQ(manager.MissingActions, 1);
+  EXPECT_EQ(manager.ActionGaps, std::vector<int>{2});
   EXPECT_EQ(manager.Actions[0].PathStyle, "PATHSTYLE_Bezier");
   EXPECT_EQ(manager.Actions[0].StartControlPoint, (Vector3{1, 2, 0}));
   EXPECT_EQ(manager.Actions[0].IntPoint, "InterpolationPoint'myLevel.InterpolationPoint4'");

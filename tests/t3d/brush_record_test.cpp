@@ -5,15 +5,13 @@
 namespace quarvel {
 namespace {
 
-RunInterface silent;
-
 std::string Actor(const std::string& classAndName, const std::string& body) {
   return "Begin Actor " + classAndName + "\r\n" + body + "End Actor\r\n";
 }
 
 BrushRecord ReadOne(const std::string& text) {
   const T3DLevel level(text);
-  NumberCheck check{silent};
+  NumberCheck check;
   BrushRecord brush = ReadBrush(level, level.Actors.at(0), check);
   // What the record holds of the text ends with it.
   for (PolygonRecord& polygon : brush.Polygons)
@@ -38,7 +36,7 @@ TEST(BrushRecord, ReadsPolygonsWithinTheirBounds) {
                                   "  Begin Polygon\r\n   Vertex 9,9,9\r\n  End Polygon\r\n"
                                   " End PolyList\r\n End Brush\r\n PrePivot=(Y=4)\r\n");
   const T3DLevel level(text);
-  NumberCheck check{silent};
+  NumberCheck check;
   const BrushRecord brush = ReadBrush(level, level.Actors.at(0), check);
   ASSERT_EQ(brush.Polygons.size(), 3U);
   const PolygonRecord& first = brush.Polygons[0];
@@ -103,7 +101,7 @@ TEST(BrushRecord, ReadsMoversOfEachClass) {
 
 TEST(BrushRecord, ReadsABarePolygonList) {
   const std::string text = "Begin PolyList\n Begin Polygon\n  Vertex 1,2,3\n End Polygon\n Begin Polygon\n  Vertex 4";
-  NumberCheck check{silent};
+  NumberCheck check;
   TextCursor cursor = 1;
   BrushRecord brush;
   ASSERT_TRUE(ReadPolyList(text, cursor, brush, check));

@@ -10,16 +10,6 @@ namespace {
 /// A block over the whole of a text that outlives it.
 TextBlock Whole(std::string_view text) { return {text, 1, static_cast<TextCursor>(text.size())}; }
 
-class MessageCounter : public RunInterface {
- public:
-  void ShowMessage(const std::string& text) override {
-    ++Count;
-    Last = text;
-  }
-  int Count = 0;
-  std::string Last;
-};
-
 TEST(TextReader, ReadsVectorsByTheirLabels) {
   const TextBlock block = Whole("x Location=(X=-12345.678901,Y=1.5,Z=2)\r\n"
                                 "\tRotation=(Yaw=16384)\n DrawScale3D=(X=2.0)\r\n"
@@ -108,8 +98,7 @@ TEST(TextReader, KeysOfNestedBlocksAndOfNeighboursAreNotRead) {
 }
 
 TEST(TextReader, ReadsNumberTriplesToTheEndOfTheirLine) {
-  MessageCounter user;
-  NumberCheck check{user};
+  NumberCheck check;
   const std::string text =
       "Origin   +00001.000000,-00002.500000,+000-0.000000\rVertex 7,8\nNormal 1000000.5,1.0,-2.0\r\n"
       "TextureU 1000000,-1000000,-2e9\nTextureV 1,2,3";
@@ -118,11 +107,12 @@ TEST(TextReader, ReadsNumberTriplesToTheEndOfTheirLine) {
   EXPECT_EQ(ReadNumberTriple(text, "Origin", cursor, end, check), (Vector3{1, -2.5, 0}));
   EXPECT_EQ(text[static_cast<std::size_t>(cursor) - 1], 'V') << "behind the line break";
   EXPECT_EQ(ReadNumberTriple(text, "Vertex", cursor, end, check), (Vector3{7, 8, 0})) << "not on to the next line";
-  EXPECT_EQ(user.Count, 0);
+  EXPECT_EQ(check.Places, 0);
+  check.Actor = "Brush1";
   EXPECT_EQ(ReadNumberTriple(text, "Normal", cursor, end, check), (Vector3{1, 1, -2}));
   EXPECT_EQ(ReadNumberTriple(text, "TextureU", cursor, end, check), (Vector3{1000000, -1000000, -1}));
-  EXPECT_EQ(user.Count, 1) << "once a run";
-  EXPECT_EQ(user.Last, "Input file contains badly formatted numbers");
+  EXPECT_EQ(check.Places, 2);
+  EXPECT_EQ(check.FirstActor, "Brush1");
   const TextCursor before = cursor;
   EXPECT_EQ(ReadNumberTriple(text, "TextureV", cursor, before - 1, check), Vector3()) << "beyond the bound";
   EXPECT_EQ(cursor, before);
