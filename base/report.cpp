@@ -43,8 +43,8 @@ std::string TextOf(FindingCode code, std::initializer_list<std::string> details)
   return text.append(rest);
 }
 
-void Report::Note(FindingCode code, std::string_view actor, std::string text) {
-  if (seen_.emplace(actor, text).second) findings_.push_back({code, std::string(actor), std::move(text)});
+void Report::Note(FindingCode code, std::string_view actor, std::string text, std::vector<Finding>& to) {
+  if (seen_.emplace(actor, text).second) to.push_back({code, std::string(actor), std::move(text)});
 }
 
 } // namespace quarvel

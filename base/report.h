@@ -53,12 +53,20 @@ class Report {
   /// Notes a finding once, however often it is met.
   template <typename... Details>
   void Add(FindingCode code, std::string_view actor, const Details&... details) {
-    Note(code, actor, TextOf(code, {DetailText(details)...}));
+    Note(code, actor, TextOf(code, {DetailText(details)...}), findings_);
+  }
+
+  /// Notes once what is of interest to those alone who want to know everything.
+  template <typename... Details>
+  void AddDetail(FindingCode code, std::string_view actor, const Details&... details) {
+    Note(code, actor, TextOf(code, {DetailText(details)...}), details_);
   }
 
   /// What has no code of its own.
-  void Add(std::string_view actor, std::string_view text) { Note(FindingCode::Other, actor, std::string(text)); }
-  void Add(const Finding& finding) { Note(finding.Code, finding.Actor, finding.Reason); }
+  void Add(std::string_view actor, std::string_view text) {
+    Note(FindingCode::Other, actor, std::string(text), findings_);
+  }
+  void Add(const Finding& finding) { Note(finding.Code, finding.Actor, finding.Reason, findings_); }
 
   /// Counts something that is left out.
   template <typename... Details>
@@ -69,6 +77,7 @@ class Report {
   }
 
   const std::vector<Finding>& Findings() const { return findings_; }
+  const std::vector<Finding>& Details() const { return details_; }
   const std::map<std::string, CountedFinding>& Counts() const { return counts_; } ///< by text
 
  private:
@@ -79,9 +88,10 @@ class Report {
     else
       return std::string(std::string_view(detail));
   }
-  void Note(FindingCode code, std::string_view actor, std::string text);
+  void Note(FindingCode code, std::string_view actor, std::string text, std::vector<Finding>& to);
 
   std::vector<Finding> findings_;
+  std::vector<Finding> details_;
   std::set<std::pair<std::string, std::string>> seen_;
   std::map<std::string, CountedFinding> counts_;
 };

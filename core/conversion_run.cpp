@@ -253,6 +253,7 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   if (sky) TakeOutputs(sky->Files, sky->Settings, inFile, memory.Files, BatchFiles::Kind::SkyScene, outputs);
 
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user);
+  resources.KnowTextures(memory.TextureNames);
   NumberCheck numbers;
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
   RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, outputs, result.Scene.Text, resources, numbers,

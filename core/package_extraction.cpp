@@ -77,7 +77,8 @@ class Extraction {
         static_cast<std::uint64_t>(picture.Picture->Width) * static_cast<std::uint64_t>(picture.Picture->Height);
     if (pixels > pixelsLeft_) return Fail(object, "was left out: the package's pictures are out of proportion to it");
     pixelsLeft_ -= pixels;
-    if (!picture.Note.empty()) result_.Notes.push_back(NameOf(object) + " " + picture.Note);
+    if (!picture.MissingPalette.empty())
+      result_.Notes.push_back(NameOf(object) + " " + TextOf(FindingCode::PackedInGreys, {picture.MissingPalette}));
     if (picture.Kind == PictureKind::Still)
       result_.Notes.push_back(NameOf(object) + " has no pixels: a still was made from its palette");
     const Image image = ToRgba(std::move(*picture.Picture), picture.Masked ? Transparency::Masked : Transparency::Kept);

@@ -126,6 +126,7 @@ void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
   for (const std::string& message : result.Messages)
     WriteLine(out, message);
   WriteFindings(out, result.Findings.Findings(), inFull);
+  if (inFull) WriteFindings(out, result.Findings.Details(), inFull);
   out << std::flush;
 }
 

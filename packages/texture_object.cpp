@@ -19,7 +19,19 @@ struct Mip {
   std::uint32_t Width = 0, Height = 0;
 };
 
-TexturePicture NoPicture(std::string reason) { return {{}, {}, {}, {}, std::move(reason)}; }
+TexturePicture NoPicture(std::string reason) {
+  TexturePicture none;
+  none.Error = std::move(reason);
+  return none;
+}
+
+TexturePicture PictureOf(Image image, const TextureFacts& facts) {
+  TexturePicture picture;
+  picture.Picture = std::move(image);
+  picture.Masked = facts.Masked;
+  picture.IsAnimated = facts.Next != 0;
+  return picture;
+}
 
 /// Reads one list of pictures and keeps the first.
 Mip ReadMips(ObjectReader& reader, int version) {
@@ -58,17 +70,14 @@ TexturePicture WithPalette(Image picture, const PackageObject& texture, const Te
       const auto grey = static_cast<std::uint8_t>(i);
       picture.Palette.push_back({grey, grey, grey, 255});
     }
-    return {std::move(picture),
-            PictureKind::Pixels,
-            facts.Masked,
-            "is shown in greys: its palette " + FullName(*texture.In, facts.Palette, texture.In->Name) +
-                " is not at hand",
-            {}};
+    TexturePicture grey = PictureOf(std::move(picture), facts);
+    grey.MissingPalette = FullName(*texture.In, facts.Palette, texture.In->Name);
+    return grey;
   }
   auto colors = ReadPalette(palette);
   if (!colors) return NoPicture("its palette is damaged");
   picture.Palette = std::move(*colors);
-  return {std::move(picture), PictureKind::Pixels, facts.Masked, {}, {}};
+  return PictureOf(std::move(picture), facts);
 }
 
 TexturePicture DecodeMip(const Mip& mip, int format, const PackageObject& texture, const TextureFacts& facts,
@@ -87,7 +96,7 @@ TexturePicture DecodeMip(const Mip& mip, int format, const PackageObject& textur
     picture.Values.assign(mip.Data.begin(), mip.Data.begin() + static_cast<std::ptrdiff_t>(bytes));
     if (format == paletteFormat) return WithPalette(std::move(picture), texture, facts, imports);
     MakeOpaqueIfAllTransparent(picture);
-    return {std::move(picture), PictureKind::Pixels, facts.Masked, {}, {}};
+    return PictureOf(std::move(picture), facts);
   }
   if (format != dxt1Format && format != dxt3Format && format != dxt5Format)
     return NoPicture("its pixel format " + std::to_string(format) + " is not known");
@@ -96,7 +105,7 @@ TexturePicture DecodeMip(const Mip& mip, int format, const PackageObject& textur
                                                   : DdsFormat::Dxt5;
   ImageResult decoded = ReadDxt(mip.Data, width, height, blocks);
   if (!decoded) return NoPicture("it has too few pixels");
-  return {std::move(decoded.Picture), PictureKind::Pixels, facts.Masked, {}, {}};
+  return PictureOf(std::move(*decoded.Picture), facts);
 }
 
 TextureFacts FactsOf(const std::vector<Property>& properties) {

@@ -47,8 +47,9 @@ struct TexturePicture {
   std::optional<Image> Picture; ///< with a palette, or RGBA
   PictureKind Kind = PictureKind::Pixels;
   bool Masked = false;
-  std::string Note;  ///< what is not as in the engine: a clause as in `Error`; may be empty
-  std::string Error; ///< why there is none: one clause, lower case, without a full stop
+  bool IsAnimated = false;    ///< the engine shows further pictures in turn with this one
+  std::string MissingPalette; ///< the full name of the one that is not at hand, so that all is grey; else empty
+  std::string Error;          ///< why there is none: one clause, lower case, without a full stop
 
   explicit operator bool() const { return Picture.has_value(); }
 };

@@ -2,6 +2,7 @@
 
 #include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/output_file.h"
 #include "base/text_coding.h"
 #include "images/image_file.h"
 #include "images/image_size.h"
@@ -57,6 +58,12 @@ std::string FileCopier::Copy(const Destination& destination, const CopyJob& job)
   return Copy(destination, AsFound(job));
 }
 
+Placement FileCopier::CopyPacked(const Destination& destination, const CopyJob& job) {
+  Placement placement = PlaceUnclaimed(destination, job);
+  CopyTo(placement, job, destination.Options().DestOverwrite && !written_.contains(OwnerName(job)));
+  return placement;
+}
+
 std::string FileCopier::CopyTo(const Placement& placement, const CopyJob& job, bool overwrite) {
   if (placement.File() == job.Found.Path) return placement.Url;
   const auto existing = folders_.Existing(placement.Folder, placement.Name);
@@ -84,15 +91,18 @@ bool FileCopier::Take(const Placement& placement, const CopyJob& job) {
   const bool ontoItself = FoldName(Utf8Path(placement.File())) == FoldName(Utf8Path(job.Found.Path));
   if (ontoItself && job.Conversion) return false;
   if (folders_.Claim(placement.File(), OwnerName(job))) return true;
+  if (job.Packed) return HoldsBytes(placement.File(), job.Packed->Get());
   return job.Conversion ? HoldsConversion(placement.File(), job) : SameContent(job.Found.Path, placement.File());
 }
 
 /// A file of an earlier run is usually the same; one that plainly is not should not pass unnoticed.
 void FileCopier::NoteDifference(const Placement& placement, const CopyJob& job) {
   bool differs = false;
-  if (job.Conversion) {
+  if (job.Packed && !job.Packed->Size()) {
+    differs = !HoldsBytes(placement.File(), job.Packed->Get());
+  } else if (job.Conversion || job.Packed) {
     const auto there = ReadImageSize(placement.File());
-    const auto wanted = ReadImageSize(job.Found.Path);
+    const auto wanted = job.Packed ? job.Packed->Size() : ReadImageSize(job.Found.Path);
     differs = there && wanted && *there != *wanted;
   } else {
     std::error_code error;
@@ -109,7 +119,9 @@ FileCopier::Result FileCopier::Write(const Placement& placement, const CopyJob& 
   error.clear();
   fs::create_directories(placement.Folder, error);
   if (error) return Fail(placement, error.message());
-  const Result result = job.Conversion ? WriteConverted(placement, job) : WriteVerbatim(placement, job);
+  const Result result = job.Packed       ? WritePacked(placement, job)
+                        : job.Conversion ? WriteConverted(placement, job)
+                                         : WriteVerbatim(placement, job);
   if (result != Result::Written) return result;
   ++filesWritten_;
   written_.insert(OwnerName(job));
@@ -126,6 +138,13 @@ FileCopier::Result FileCopier::WriteConverted(const Placement& placement, const 
   const Image rgba = ToRgba(std::move(*image.Picture), job.Conversion->Alpha);
   if (!WriteImageFile(rgba, job.Conversion->Type, placement.File())) return Fail(placement, "writing failed");
   return Result::Written;
+}
+
+FileCopier::Result FileCopier::WritePacked(const Placement& placement, const CopyJob& job) {
+  const PackedContent::Bytes& bytes = job.Packed->Get();
+  if (bytes.empty()) return Fail(placement, "the image could not be encoded");
+  const std::string why = WriteWholeFile(placement.File(), std::span(bytes));
+  return why.empty() ? Result::Written : Fail(placement, why);
 }
 
 FileCopier::Result FileCopier::WriteVerbatim(const Placement& placement, const CopyJob& job) {

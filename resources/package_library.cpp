@@ -39,14 +39,14 @@ void PackageLibrary::AddFolders(const FileIndex& files, Report& report) {
   const auto rank = [](const IndexedFile* file) { return std::tie(file->Root, file->Folder, file->Key, file->Name); };
   std::sort(found.begin(), found.end(), [&](auto* a, auto* b) { return rank(a) < rank(b); });
   for (const IndexedFile* file : found)
-    Add(files.PathOf(*file), report);
+    Add(files.PathOf(*file), file->Folder, report);
 }
 
-void PackageLibrary::Add(const fs::path& file, Report& report) {
+void PackageLibrary::Add(const fs::path& file, const fs::path& folder, Report& report) {
   PackageResult read = OpenPackage(file);
   if (!read) return report.Add(FindingCode::PackagePassedOver, Utf8Path(file.filename()), read.Error);
   std::string name = FoldName(read.Value->Name);
-  packages_.push_back({file, std::move(name), std::move(*read.Value)});
+  packages_.push_back({file, folder, std::move(name), std::move(*read.Value)});
   AddObjects(static_cast<std::uint32_t>(packages_.size() - 1));
 }
 
@@ -69,7 +69,7 @@ void PackageLibrary::AddOwn(const fs::path& file, Report& report) {
     if (packages_[i].File == absolute) own_ = static_cast<std::ptrdiff_t>(i);
   if (own_ >= 0) return;
   const std::size_t before = packages_.size();
-  Add(absolute, report);
+  Add(absolute, {}, report);
   if (packages_.size() > before) own_ = static_cast<std::ptrdiff_t>(before);
 }
 
@@ -131,10 +131,20 @@ ImportFinder PackageLibrary::Imports() const {
   };
 }
 
+const PackageLibrary::Loaded* PackageLibrary::Find(const Package& package) const {
+  const auto found = std::find_if(packages_.begin(), packages_.end(),
+                                  [&](const Loaded& loaded) { return &loaded.Content == &package; });
+  return found == packages_.end() ? nullptr : &*found;
+}
+
 fs::path PackageLibrary::PathOf(const Package& package) const {
-  for (const Loaded& loaded : packages_)
-    if (&loaded.Content == &package) return loaded.File;
-  return {};
+  const Loaded* loaded = Find(package);
+  return loaded ? loaded->File : fs::path();
+}
+
+fs::path PackageLibrary::FolderOf(const Package& package) const {
+  const Loaded* loaded = Find(package);
+  return loaded ? loaded->Folder : fs::path();
 }
 
 } // namespace quarvel

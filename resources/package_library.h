@@ -52,12 +52,15 @@ class PackageLibrary {
   ImportFinder Imports() const;
 
   std::filesystem::path PathOf(const Package& package) const;
+  /// The folder of a package, relative to its root; empty for the level's own.
+  std::filesystem::path FolderOf(const Package& package) const;
   std::size_t Packages() const { return packages_.size(); }
   std::size_t Objects() const { return objects_.size(); }
 
  private:
   struct Loaded {
     std::filesystem::path File;
+    std::filesystem::path Folder; ///< relative to its root
     std::string FoldedName;
     Package Content;
   };
@@ -68,7 +71,8 @@ class PackageLibrary {
     PackageLibrary::Kind Kind;
   };
 
-  void Add(const std::filesystem::path& file, Report& report);
+  void Add(const std::filesystem::path& file, const std::filesystem::path& folder, Report& report);
+  const Loaded* Find(const Package& package) const;
   void AddObjects(std::uint32_t package);
   bool IsOfPackage(const Entry& entry, const std::string& foldedName) const;
   int UnmatchedGroups(const Entry& entry, const ResourceReference& reference) const;

@@ -52,7 +52,7 @@ ResourceFiles::ResourceFiles(const ConversionSettings& settings, const fs::path&
       report_(report), user_(user), destinations_(DestinationOf(settings, ResourceKind::Texture, sceneFolder_),
                                                   DestinationOf(settings, ResourceKind::Sound, sceneFolder_),
                                                   DestinationOf(settings, ResourceKind::Mesh, sceneFolder_)),
-      copier_(report) {
+      copier_(report), packed_(inputFile, report) {
   ClaimSceneFiles(textScene);
 }
 
@@ -116,7 +116,8 @@ const TextureFile& ResourceFiles::FindTexture(std::string_view reference, Textur
   const ResourceReference parsed = ParseReference(reference);
   const auto [at, isNew] = textures_.try_emplace({FoldName(parsed.Text), use});
   if (!isNew || parsed.Name.empty() || FoldName(parsed.Text) == "none") return at->second;
-  at->second = LookUpTexture(parsed, use);
+  const auto fullName = parsed.Folders.empty() ? fullNames_.find(FoldName(parsed.Name)) : fullNames_.end();
+  at->second = LookUpTexture(fullName == fullNames_.end() ? parsed : ParseReference(fullName->second), use);
   if (usedTextureUrlSet_.insert(at->second.Url).second) usedTextureUrls_.push_back(at->second.Url);
   return at->second;
 }
@@ -126,6 +127,8 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
   const FileIndex& index = IndexOf(ResourceKind::Texture);
   const IndexedFile* file =
       FindReferenced(index, reference, Qualified(ResourceKind::Texture), ImageExtensions(WantedType(use)));
+  if (!file) texture = LookUpPackedTexture(reference, use);
+  if (texture.Found) return texture;
   if (!file) {
     missing_[ResourceKind::Texture].insert(reference.Text);
     texture.Url =
@@ -137,6 +140,42 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
   texture.Source = found.Path;
   NoteTextureSize(texture);
   texture.Url = CopyTexture(found, reference, use);
+  return texture;
+}
+
+TextureFile ResourceFiles::LookUpPackedTexture(const ResourceReference& reference, TextureUse use) {
+  auto packed = packed_.FindTexture(IndexOf(ResourceKind::Texture), reference);
+  if (!packed) return {};
+  if (!IsUsable(*packed, reference, ResourceKind::Texture)) return {};
+  return CopyPackedTexture(std::move(*packed), reference, use);
+}
+
+bool ResourceFiles::IsUsable(const PackedObject& packed, const ResourceReference& reference, ResourceKind kind) {
+  const bool mayCopy = destinations_[kind].Options().DestDoCopy;
+  if (!packed.Error.empty())
+    report_.Add(FindingCode::PackedUnreadable, reference.Text, packed.Package, packed.Error);
+  else if (!mayCopy)
+    report_.Add(FindingCode::PackedNotCopied, reference.Text, packed.Package);
+  return packed.Error.empty() && mayCopy;
+}
+
+TextureFile ResourceFiles::CopyPackedTexture(PackedTexture packed, const ResourceReference& reference, TextureUse use) {
+  TextureFile texture{true, packed.Picture.Width, packed.Picture.Height, {}, {}};
+  const ImageType wanted = CanWriteImage(WantedType(use)) ? WantedType(use) : ImageType::Png;
+  const bool masked = packed.Masked || use == TextureUse::Masked;
+  const Transparency alpha = masked ? Transparency::Masked : Transparency::Dropped;
+  if (masked && wanted == ImageType::Jpg) report_.Add(FindingCode::MaskedJpg, reference.Text);
+  CopyJob job{
+      packed.Found, packed.Found.Name + "." + std::string(ExtensionOf(wanted)), reference.Package(), {}, {}, {}};
+  if (job.Package.empty()) job.Package = StemOf(packed.Package);
+  job.Variant = VariantOf(masked ? TextureUse::Masked : TextureUse::Ordinary);
+  const ImageSize size{packed.Picture.Width, packed.Picture.Height};
+  job.Packed = std::make_shared<PackedContent>(
+      [picture = std::move(packed.Picture), alpha, wanted] { return EncodeImage(ToRgba(picture, alpha), wanted); },
+      size);
+  const Placement placement = copier_.CopyPacked(destinations_[ResourceKind::Texture], job);
+  texture.Url = placement.Url;
+  texture.Source = placement.File();
   return texture;
 }
 
@@ -211,12 +250,16 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
             kept.File()};
   }
   ResourceReference parsed = ParseReference(reference);
-  parsed.Name = StemOf(name);
+  ResourceReference packed = parsed;
+  packed.Name = parsed.Name = StemOf(name);
+  if (packed.Text.empty()) packed.Text = packed.Name;
   parsed.Text = parsed.Name;
   const FileIndex& index = IndexOf(ResourceKind::Sound);
   const std::string extension = FoldName(ExtensionOf(name));
   const std::array<std::string_view, 1> extensions{extension};
   const IndexedFile* file = FindReferenced(index, parsed, false, extensions);
+  if (!file && extension == "wav")
+    if (ResourceFile sound = LookUpPackedSound(packed, copyName); sound.Found) return sound;
   if (!file) {
     missing_[ResourceKind::Sound].insert(
         Utf8Path(sceneFolderAsGiven_ / expected.File().lexically_relative(sceneFolder_)));
@@ -228,6 +271,18 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
   const CopyJob job{found, copyName, {}, {}, {}};
   return {true, copier_.CopyTo(destinations_[ResourceKind::Sound].Place(found, copyName), job, options.DestOverwrite),
           source};
+}
+
+ResourceFile ResourceFiles::LookUpPackedSound(const ResourceReference& reference, const std::string& copyName) {
+  const auto packed = packed_.FindSound(IndexOf(ResourceKind::Sound), reference);
+  if (!packed) return {};
+  if (!IsUsable(*packed, reference, ResourceKind::Sound)) return {};
+  CopyJob job{packed->Found, copyName, {}, {}, {}, {}};
+  job.Packed =
+      std::make_shared<PackedContent>([file = packed->File] { return PackedContent::Bytes(file.begin(), file.end()); });
+  const Destination& destination = destinations_[ResourceKind::Sound];
+  const Placement placement = destination.Place(packed->Found, copyName);
+  return {true, copier_.CopyTo(placement, job, destination.Options().DestOverwrite), placement.File()};
 }
 
 const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWhenMissing) {

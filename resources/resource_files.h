@@ -7,6 +7,7 @@
 #include "resources/file_copier.h"
 #include "resources/file_index.h"
 #include "resources/missing_lists.h"
+#include "resources/packed_files.h"
 #include "settings/resource_kind.h"
 
 #include <filesystem>
@@ -61,6 +62,9 @@ class ResourceFiles {
   ResourceFiles(const ResourceFiles&) = delete;
   ResourceFiles& operator=(const ResourceFiles&) = delete;
 
+  /// Full names of textures that the level calls by their own names alone; by folded name.
+  void KnowTextures(std::map<std::string, std::string> fullNames) { fullNames_ = std::move(fullNames); }
+
   /// The image of a texture, by reference ("Name", "Package.Group.Name", "Texture'Package.Name'"). The result stays
   /// valid as long as this object. An empty reference and "None" are no texture: not found, no URL, not missed.
   const TextureFile& FindTexture(std::string_view reference, TextureUse use);
@@ -113,12 +117,16 @@ class ResourceFiles {
   ImageType WantedType(TextureUse use) const;
   std::string WantedExtension(TextureUse use) const;
   TextureFile LookUpTexture(const ResourceReference& reference, TextureUse use);
+  TextureFile LookUpPackedTexture(const ResourceReference& reference, TextureUse use);
+  TextureFile CopyPackedTexture(PackedTexture texture, const ResourceReference& reference, TextureUse use);
+  bool IsUsable(const PackedObject& packed, const ResourceReference& reference, ResourceKind kind);
   FoundFile EarlierVariant(const FoundFile& found, TextureUse use);
   std::optional<ImageConversion> ConversionOf(const FoundFile& found, TextureUse use);
   std::string CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use);
   void NoteTextureSize(TextureFile& texture);
 
   ResourceFile LookUpSound(const std::string& name, std::string_view reference);
+  ResourceFile LookUpPackedSound(const ResourceReference& reference, const std::string& copyName);
   ResourceFile LookUpMesh(const ResourceReference& reference, std::string_view extension);
   void ClaimSceneFiles(const std::filesystem::path& textScene);
 
@@ -135,6 +143,8 @@ class ResourceFiles {
 
   PerKind<Destination> destinations_;
   FileCopier copier_;
+  PackedFiles packed_;
+  std::map<std::string, std::string> fullNames_;
   std::map<std::vector<std::filesystem::path>, FileIndex> indexes_;
   PerKind<const FileIndex*> indexOfKind_; ///< null until it is needed
   std::optional<FileIndex> sceneFolderIndex_;

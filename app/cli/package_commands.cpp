@@ -2,11 +2,10 @@
 
 #include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/output_file.h"
 #include "core/package_extraction.h"
 #include "core/run_summary.h"
 #include "packages/package_listing.h"
-
-#include <fstream>
 
 namespace quarvel {
 
@@ -49,12 +48,8 @@ std::string KeepText(const std::string& file, const ConversionJob& job, const Ru
   std::error_code error;
   if (fs::equivalent(path, job.InFile, error) || AbsolutePath(path) == AbsolutePath(job.OutFile))
     return file + " is not written: the run reads or writes it already";
-  std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-  stream << memory.T3DText;
-  stream.close();
-  if (stream) return {};
-  fs::remove(path, error);
-  return file + " cannot be written";
+  const std::string why = WriteWholeFile(path, memory.T3DText, AtLink::Follow);
+  return why.empty() ? why : file + " cannot be written: " + why;
 }
 
 } // namespace quarvel

@@ -196,7 +196,7 @@ TEST_F(Textures, WithoutPixelsGetAPicture) {
     EXPECT_EQ(Pixels(package_, name, Transparency::Kept), Pixels(package_, name, Transparency::Kept));
   }
   const TexturePicture leaf = ReadTexturePicture(Find(package_, "Leaf"));
-  EXPECT_EQ(leaf.Note, "is shown in greys: its palette Elsewhere.Autumn is not at hand");
+  EXPECT_EQ(leaf.MissingPalette, "Elsewhere.Autumn");
   EXPECT_EQ(leaf.Picture->Palette[9], (Rgba{9, 9, 9, 255}));
 }
 
@@ -210,7 +210,7 @@ TEST_F(Textures, FindTheirPaletteInAnotherPackage) {
     return {&elsewhere, 0};
   };
   const TexturePicture leaf = ReadTexturePicture(Find(package_, "Leaf"), find);
-  EXPECT_EQ(leaf.Note, "");
+  EXPECT_EQ(leaf.MissingPalette, "");
   EXPECT_EQ(leaf.Picture->Palette[9], (Rgba{9, 246, 7, 255}));
 }
 

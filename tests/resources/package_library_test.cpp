@@ -95,8 +95,8 @@ TEST_F(PackageLibraryTest, PalettesAreFoundAcrossPackages) {
   Load({"."});
   const PackageObject leaf = library_.Find(ParseReference("Leaf"), PackageLibrary::Kind::Texture).Object;
   ASSERT_TRUE(leaf);
-  EXPECT_EQ(ReadTexturePicture(leaf, library_.Imports()).Note, "");
-  EXPECT_NE(ReadTexturePicture(leaf).Note, "");
+  EXPECT_EQ(ReadTexturePicture(leaf, library_.Imports()).MissingPalette, "");
+  EXPECT_NE(ReadTexturePicture(leaf).MissingPalette, "");
 }
 
 } // namespace
