@@ -61,6 +61,9 @@ class ResourceFiles {
   ResourceFiles(const ResourceFiles&) = delete;
   ResourceFiles& operator=(const ResourceFiles&) = delete;
 
+  /// From now on images that browsers show (jpg, gif) are copied as they are, where no transparency is to be added.
+  void KeepWebImages() { keepsWebImages_ = true; }
+
   /// The image of a texture, by reference ("Name", "Package.Group.Name", "Texture'Package.Name'"). The result stays
   /// valid as long as this object. An empty reference and "None" are no texture: not found, no URL, not missed.
   const TextureFile& FindTexture(std::string_view reference, TextureUse use);
@@ -130,6 +133,7 @@ class ResourceFiles {
   std::filesystem::path programData_;
   std::filesystem::path sceneFolder_;
   std::filesystem::path sceneFolderAsGiven_;
+  bool keepsWebImages_ = false;
   Report& report_;
   RunInterface* user_;
 
