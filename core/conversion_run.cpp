@@ -3,6 +3,8 @@
 #include "base/file_identity.h"
 #include "core/level_source.h"
 #include "core/motion_passes.h"
+#include "core/page_run.h"
+#include "core/run_failure.h"
 #include "core/run_passes.h"
 #include "core/run_state.h"
 #include "core/run_summary.h"
@@ -28,11 +30,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Thrown with one sentence when a run cannot go on; caught by the run alone.
-struct RunFailed {
-  std::string Error;
-  std::string Reason{}; ///< the same without folders; empty when it names none
-};
+/// A page's own run writes its scene into a folder that nobody sees.
+enum class RunPurpose { Files, Page };
 
 std::string Display(const fs::path& path) { return path.string(); }
 
@@ -204,29 +203,36 @@ void WritePreloadScript(RunState& run, const fs::path& outFile, std::vector<std:
 }
 
 /// Tells the user something that a window shows in a box, and the summary as a line.
-void Tell(RunState& run, const std::string& message) {
-  run.Result.Messages.push_back(message);
-  run.Context.User.ShowMessage(message);
+void Tell(RunResult& result, RunInterface& user, const std::string& message) {
+  result.Messages.push_back(message);
+  user.ShowMessage(message);
 }
 
 void TellBadNumbers(RunState& run) {
   const NumberCheck& numbers = run.Numbers;
   if (numbers.Places == 0) return;
   const std::string where = numbers.FirstActor.empty() ? "" : ", the first in " + numbers.FirstActor;
-  Tell(run, "Input file contains badly formatted numbers: " +
+  Tell(run.Result, run.Context.User,
+       "Input file contains badly formatted numbers: " +
                 CountText(static_cast<std::size_t>(numbers.Places), "place", "places") + where);
 }
 
-void WriteReports(RunState& run, const fs::path& outFile) {
-  RunResult& result = run.Result;
-  result.Missing = run.Context.Resources.Missing();
-  const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, run.Context.Settings);
+/// The lists of what is missing, beside the output.
+void WriteLists(const fs::path& outFile, const ConversionSettings& settings, RunInterface& user, RunResult& result) {
+  const MissingListsResult lists = WriteMissingLists(outFile, result.Missing, settings);
   for (const std::string& message : lists.Messages)
-    Tell(run, message);
+    Tell(result, user, message);
   result.MissingLists = lists.FilesWritten;
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
-  result.FailedFiles = run.Context.Resources.Errors();
   result.FailedFiles.insert(result.FailedFiles.end(), lists.Errors.begin(), lists.Errors.end());
+}
+
+void WriteReports(RunState& run, const fs::path& outFile, RunPurpose purpose) {
+  RunResult& result = run.Result;
+  result.Missing = run.Context.Resources.Missing();
+  result.FailedFiles = run.Context.Resources.Errors();
+  if (purpose == RunPurpose::Page) return;
+  WriteLists(outFile, run.Context.Settings, run.Context.User, result);
   WritePreloadScript(run, outFile, result.FailedFiles);
 }
 
@@ -238,9 +244,8 @@ void TellFailedFiles(RunResult& result) {
   result.Error = result.FailedFiles.front() + (more > 0 ? " (and " + std::to_string(more) + " more)" : "");
 }
 
-void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, SettingsStore& store,
-             RunMemory& memory, RunInterface& user, RunResult& result) {
-  if (const std::string error = SaveSettings(settings, store); !error.empty()) throw RunFailed{error};
+void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, RunMemory& memory,
+             RunInterface& user, RunResult& result, RunPurpose purpose) {
   const SceneFileNames files = DeriveSceneFileNames(outFile, settings);
   LoadText(inFile, settings, memory, user);
   for (const Finding& fault : memory.SourceFaults)
@@ -254,17 +259,39 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
 
   ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user);
   resources.KnowTextures(memory.TextureNames);
+  if (purpose == RunPurpose::Page) resources.KeepWebImages();
   NumberCheck numbers;
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
   RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, outputs, result.Scene.Text, resources, numbers,
                user, result);
   WriteScenes(run, files, sky);
-  TellBadNumbers(run);
-  WriteReports(run, outFile);
+  if (purpose == RunPurpose::Files || settings.CheckRescanFile) TellBadNumbers(run);
+  WriteReports(run, outFile, purpose);
   TellFailedFiles(result);
   user.ShowPass("Done");
   user.ShowFraction(1);
   user.ShowItem("Box: " + FormatVec(result.Bounds.Min) + " to " + FormatVec(result.Bounds.Max));
+}
+
+/// Converts the level once more, for the page, and writes that. Without other files this run is the one that counts.
+void ConvertToPage(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, PageRun& page,
+                   RunMemory& memory, RunInterface& user, RunResult& result) {
+  const ConversionSettings inside = PageSettings(settings);
+  RunResult written;
+  Convert(inFile, page.SceneFile(), inside, memory, user, written, RunPurpose::Page);
+  if (!written.FailedFiles.empty()) throw RunFailed{written.Error};
+  written.FilesWritten.clear();
+  written.Scene = written.SkyScene = {};
+  if (settings.CheckPageOnly) {
+    written.InputFile = inFile;
+    result = std::move(written);
+  }
+  user.ShowPass("Writing the page");
+  result.Page = page.Write(settings, fs::path(memory.LoadedFileName).stem().string(), result.Findings);
+  result.FilesWritten.push_back(result.Page);
+  if (settings.CheckPageOnly) WriteLists(outFile, settings, user, result);
+  TellFailedFiles(result);
+  user.ShowPass("Done");
 }
 
 } // namespace
@@ -278,7 +305,11 @@ SceneFileNames DeriveSceneFileNames(const fs::path& outFile, const ConversionSet
 }
 
 std::vector<fs::path> ScenesOf(const fs::path& outFile, const ConversionSettings& settings) {
-  return ScenesOf(DeriveSceneFileNames(outFile, settings), settings);
+  std::vector<fs::path> scenes = ScenesOf(DeriveSceneFileNames(outFile, settings), settings);
+  if (!settings.CheckMakePage) return scenes;
+  if (settings.CheckPageOnly) scenes.clear();
+  scenes.push_back(PageFileName(outFile));
+  return scenes;
 }
 
 fs::path PreloadScriptName(const fs::path& outFile) {
@@ -292,7 +323,12 @@ RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const Con
   if (inFile.empty()) return result;
   const auto start = std::chrono::steady_clock::now();
   try {
-    Convert(inFile, outFile, settings, store, memory, user, result);
+    if (const std::string error = SaveSettings(settings, store); !error.empty()) throw RunFailed{error};
+    std::optional<PageRun> page;
+    if (settings.CheckMakePage) page.emplace(outFile, settings, memory.TypedOutput);
+    if (!page || !settings.CheckPageOnly)
+      Convert(inFile, outFile, settings, memory, user, result, RunPurpose::Files);
+    if (page) ConvertToPage(inFile, outFile, settings, *page, memory, user, result);
   } catch (const RunStopped&) {
     result.Outcome = RunOutcome::Stopped;
   } catch (const RunFailed& failure) {

@@ -50,6 +50,7 @@ struct RunResult {
   SceneFileNames SkyScene; ///< of the sky, where that is a scene of its own
   std::vector<std::filesystem::path> MissingLists;
   std::filesystem::path PreloadFile;
+  std::filesystem::path Page;
   std::filesystem::path Incomplete;                ///< the text scene that a stop left unfinished
   std::vector<std::filesystem::path> FilesWritten; ///< all of them, in the order of writing
   /// Every file that could not be written although the scenes were, one sentence each without a full stop.

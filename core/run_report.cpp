@@ -30,6 +30,7 @@ Json OutputsOf(const RunResult& result) {
   AddFile(files, "skyTextScene", result.SkyScene.Text);
   AddFile(files, "skyDocumentScene", result.SkyScene.Document);
   AddFile(files, "preloadScript", result.PreloadFile);
+  AddFile(files, "page", result.Page);
   Json lists = Json::array();
   for (const std::filesystem::path& list : result.MissingLists)
     lists.push_back(ToUtf8(list.string()));

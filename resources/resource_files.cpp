@@ -204,7 +204,8 @@ std::optional<ImageConversion> ResourceFiles::ConversionOf(const FoundFile& foun
   const ImageType type = ImageTypeOfExtension(ExtensionOf(found.Name));
   if (!CanWriteImage(wanted) || !CanReadPixels(type)) return std::nullopt;
   const bool unmasked = use == TextureUse::Masked && HidesTransparency(found.Path);
-  if (type == wanted && !unmasked) return std::nullopt;
+  const bool shown = keepsWebImages_ && (type == ImageType::Jpg || type == ImageType::Png);
+  if ((type == wanted || shown) && !unmasked) return std::nullopt;
   return ImageConversion{wanted, use == TextureUse::Masked ? Transparency::Masked : Transparency::Dropped};
 }
 

@@ -64,6 +64,8 @@ class ResourceFiles {
 
   /// Full names of textures that the level calls by their own names alone; by folded name.
   void KnowTextures(std::map<std::string, std::string> fullNames) { fullNames_ = std::move(fullNames); }
+  /// From now on images that browsers show (jpg, gif) are copied as they are, where no transparency is to be added.
+  void KeepWebImages() { keepsWebImages_ = true; }
 
   /// The image of a texture, by reference ("Name", "Package.Group.Name", "Texture'Package.Name'"). The result stays
   /// valid as long as this object. An empty reference and "None" are no texture: not found, no URL, not missed.
@@ -138,6 +140,7 @@ class ResourceFiles {
   std::filesystem::path programData_;
   std::filesystem::path sceneFolder_;
   std::filesystem::path sceneFolderAsGiven_;
+  bool keepsWebImages_ = false;
   Report& report_;
   RunInterface* user_;
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and converts a level:
+# Installs what is missing, builds, and makes a page to walk in of a level:
 #   demo.sh [LEVEL.t3d [OUTPUT_FOLDER]]       without arguments the sample level, into build/demo
 # QUARVEL_PROGRAM names a program that is built already.
 set -euo pipefail
@@ -26,17 +26,13 @@ if [ -z "$program" ]; then
   ./scripts/build.sh release --target quarvel
   program=$root/build/release/app/quarvel
 fi
+./scripts/fetch_viewer.sh
 base=$(basename "$level")
-scene=$output/${base%.*}
-# Without CheckConforming the .x3d is one that strict viewers refuse.
-"$program" --set CheckConforming=1 "${resources[@]}" "$level" "$scene.wrl"
+page=$output/${base%.*}.html
+"$program" --web "${resources[@]}" "$level" "$page"
 
 cat <<MESSAGE
 
-The scene is ready:
-  $scene.wrl    VRML97
-  $scene.x3d    X3D
-Look at it with a viewer for VRML or X3D:
-  sudo apt install view3dscene && view3dscene "$scene.wrl"
-or in a browser: README.md, "Look at it", has the page.
+The page is ready: open it in a browser and walk.
+  $page
 MESSAGE

@@ -124,6 +124,9 @@ struct ConversionSettings {
   bool OptionContact = false;
   bool CheckXMLtoo = false;
   bool CheckConforming = false;
+  bool CheckMakePage = false;
+  bool CheckPageOnly = false;
+  std::string TextViewer; ///< the viewer's script for a page; empty: the one among the program's files
   bool CheckMakePreloadScript = false;
   std::string TextJavascriptURL;
   bool CheckBeep = false;

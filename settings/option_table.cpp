@@ -254,6 +254,11 @@ Rows ExtraRows() {
              "OptionIntensityOverride"),
       Check(FIELD(CheckGroupCamera), "Group cameras", Tab::Viewpoints,
             "Put each camera into a group of its own, which can be moved"),
+      Check(FIELD(CheckMakePage), "Make a page", Tab::Output,
+            "Make a page to walk in: one HTML file that holds everything and opens in a browser"),
+      Text(FIELD(TextViewer), "Viewer", Tab::Output,
+           "The viewer that a page holds: its file x_ite.min.js (empty for the one that comes with the program)",
+           "CheckMakePage"),
   };
 }
 
@@ -274,6 +279,8 @@ Rows SessionRows() {
              "Bezier smoothness, between 0 and .5", "CheckOutputFlyThru"),
       Number(FIELD(TextFlyThruDelay), "Seconds", Tab::Viewpoints, notNegative,
              "Seconds to delay after loading scene before starting fly-thru", "CheckFlyThruDelay"),
+      Check(FIELD(CheckPageOnly), "Only the page", Tab::Output, "Write the page and no scenes beside it",
+            "CheckMakePage"),
       Number(FIELD(TextStartAtPoly), "First polygon", Tab::Geometry, count,
              "The first polygon of each brush that is converted"),
   };

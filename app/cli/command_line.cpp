@@ -5,10 +5,12 @@
 #include "app/cli/package_commands.h"
 #include "base/ascii_text.h"
 #include "base/file_identity.h"
+#include "base/file_name.h"
 #include "base/level_text.h"
 #include "core/run_report.h"
 #include "core/run_summary.h"
 #include "settings/ini_store.h"
+#include "settings/option_sets.h"
 #include "settings/option_values.h"
 #include "settings/settings_file.h"
 
@@ -30,7 +32,7 @@ constexpr const char* description =
 
 constexpr const char* footer =
     "INPUT is a file, a pattern in quotes (\"maps/*.t3d\", with all folders below) or a list (maps,a.t3d,b.t3d).\n"
-    "The last argument is the OUTPUT when it ends in .wrl, .x3dv, .x3d or .xml, or is a folder that ends in \"/\"; "
+    "The last argument is the OUTPUT when it ends in .wrl, .x3dv, .x3d, .xml or .html, or is a folder that ends in \"/\"; "
     "without\n"
     "it, scenes are written beside their inputs. With several inputs only its folder counts. Folders are made.\n\n"
     "Exit codes: 0 done (also with missing textures, sounds or meshes), 1 an input could not be read or an output not\n"
@@ -48,7 +50,8 @@ bool EndsLike(std::string_view name, std::string_view extension) {
 }
 
 bool IsOutputName(std::string_view name) {
-  return EndsLike(name, ".wrl") || EndsLike(name, ".x3dv") || EndsLike(name, ".x3d") || EndsLike(name, ".xml");
+  return EndsLike(name, ".wrl") || EndsLike(name, ".x3dv") || EndsLike(name, ".x3d") || EndsLike(name, ".xml") ||
+         EndsLike(name, ".html");
 }
 
 void DescribeArguments(CLI::App& app, CommandLine& line) {
@@ -63,6 +66,9 @@ void DescribeArguments(CLI::App& app, CommandLine& line) {
   app.add_option("--textures", line.Textures, "Folders with textures, joined with ';'")->type_name("DIR");
   app.add_option("--sounds", line.Sounds, "Folders with sounds")->type_name("DIR");
   app.add_option("--meshes", line.Meshes, "Folders with meshes")->type_name("DIR");
+  app.add_flag("--web", line.Web, "Make a page to walk in: one HTML file for a browser, and no scenes");
+  app.add_option("--viewer", line.Viewer, "The x_ite.min.js of the viewer that a page holds")->type_name("FILE");
+  app.add_flag("--open", line.Open, "Open the page in the browser when it is written");
   app.add_option("--settings", line.SettingsFile, "Start from the options of this file, and save the run's to it")
       ->type_name("FILE");
   app.add_option("--write-t3d", line.WriteT3D, "Keep the level's text, for instance of a .unr level")
@@ -222,6 +228,12 @@ std::string WriteReport(const std::filesystem::path& path, const std::vector<Run
   return path.string() + " cannot be written: " + reason;
 }
 
+void OpenPages(const std::vector<RunResult>& results, const Console& console) {
+  for (const RunResult& result : results)
+    if (!result.Page.empty() && (!console.OpenInBrowser || !console.OpenInBrowser(result.Page)))
+      console.Err << "quarvel: no browser could be started for " << PrintableText(Utf8Path(result.Page)) << std::endl;
+}
+
 ExitCode ConvertAll(const CommandLine& line, const std::vector<ConversionJob>& jobs, const ConversionSettings& settings,
                     SettingsStore& store, const Console& console, const Conversion& convert) {
   ConsoleInterface user(console.Err, DetailOf(line, console), console.StopRequested);
@@ -234,6 +246,7 @@ ExitCode ConvertAll(const CommandLine& line, const std::vector<ConversionJob>& j
   if (!line.WriteT3D.empty())
     if (const std::string error = KeepText(line.WriteT3D, jobs.front(), memory); !error.empty())
       return Complain(console, error, ExitCode::Failed);
+  if (line.Open) OpenPages(results, console);
   const ExitCode code = ExitCodeOf(WorstOutcome(results));
   const std::string error = line.ReportFile.empty() ? "" : WriteReport(line.ReportFile, results);
   return error.empty() ? code : Complain(console, error, std::max(code, ExitCode::Failed));
@@ -287,6 +300,8 @@ ExitCode RunWith(const CommandLine& line, SettingsStore& store, const Console& c
   const std::vector<RefusedSetting> refused = LoadSettings(settings, store);
   if (std::string error = ApplyCommandLine(line, settings); !error.empty())
     return Complain(console, error + "\nTry --list-options.", ExitCode::Usage);
+  if (line.Open && !settings.CheckMakePage) return Complain(console, "--open opens a page: add --web", ExitCode::Usage);
+  if (line.Web && line.Verbose) console.Err << "--web sets " << OptionSetText(WebOptions()) << std::endl;
   TellRefused(refused, line, store, console);
   const std::vector<ConversionJob> jobs = ListJobs(line.Inputs, line.Output, settings, console.StopRequested);
   if (const std::string error = WrongSideFile(line, jobs, settings); !error.empty())
@@ -341,6 +356,8 @@ std::string ApplyCommandLine(const CommandLine& line, ConversionSettings& settin
   if (line.Sounds) settings.TextSearchPathSnd = *line.Sounds;
   if (line.Meshes) settings.TextSearchPathMesh = *line.Meshes;
   if (ChoosesEncoding(line)) SetOption(*FindOption("OptionFlux"), "-1", settings);
+  if (line.Web) ApplyOptionSet(WebOptions(), settings);
+  if (!line.Viewer.empty()) settings.TextViewer = line.Viewer;
   for (const std::string& assignment : line.Sets)
     if (std::string problem = SetByText(assignment, settings); !problem.empty()) return problem;
   return {};

@@ -21,6 +21,9 @@ struct CommandLine {
   std::string ListPackage;                             ///< a package to list; empty: none
   std::string ExtractTo;  ///< the folder for what the first input holds; empty: no such task
   std::string ReportFile; ///< JSON of what the runs did; empty: none
+  std::string Viewer;     ///< empty: the one among the program's files
+  bool Web = false;       ///< the options that make the best page
+  bool Open = false;      ///< open the page in the browser when it is written
   bool ListOptions = false;
   bool Markdown = false; ///< the list of options as a page of the documentation
   bool Quiet = false;
@@ -45,7 +48,8 @@ struct Console {
   std::ostream& Out; ///< answers and summaries
   std::ostream& Err; ///< errors and progress
   bool ErrIsTerminal = false;
-  std::function<bool()> StopRequested; ///< may be empty
+  std::function<bool()> StopRequested;                                  ///< may be empty
+  std::function<bool(const std::filesystem::path&)> OpenInBrowser = {}; ///< may be empty
 };
 
 enum class ExitCode {

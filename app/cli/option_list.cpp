@@ -1,5 +1,6 @@
 #include "app/cli/option_list.h"
 
+#include "settings/option_sets.h"
 #include "settings/option_values.h"
 
 #include <string_view>
@@ -86,6 +87,8 @@ std::string OptionList() {
     text += "\n" + Heading(OptionTab(tab)) + "\n";
     AppendTab(text, OptionTab(tab), ListEntry);
   }
+  text += "\nSets of options\n  --" + WebOptions().Name + "\n      " + WebOptions().Help + ": " +
+          OptionSetText(WebOptions()) + "\n      --set after it changes single ones\n";
   return text;
 }
 
@@ -99,6 +102,8 @@ std::string OptionListAsMarkdown() {
     text += "| Option | Kind | Values | Default | Matters with | Key | Meaning |\n|---|---|---|---|---|---|---|\n";
     AppendTab(text, OptionTab(tab), TableRow);
   }
+  text += "\n## Sets of options\n\n| Set | Options | Meaning |\n|---|---|---|\n| `--" + WebOptions().Name + "` | " +
+          Code(OptionSetText(WebOptions())) + " | " + WebOptions().Help + "; `--set` changes single ones |\n";
   return text;
 }
 

@@ -70,6 +70,10 @@ void AfterRun::OpenFolder(const RunResult& result) {
 }
 
 void AfterRun::OpenScene(const RunResult& result) {
+  if (!result.Page.empty()) {
+    const QString page = QFileInfo(ToQString(result.Page)).absoluteFilePath();
+    return Open(page, QStringLiteral("No browser is set up to open %1").arg(page));
+  }
   const QFileInfo scene(ToQString(result.Scene.Text));
   Open(scene.absoluteFilePath(),
        QStringLiteral("No program is set up to open %1. Any viewer for VRML or X3D does.").arg(scene.fileName()));

@@ -89,6 +89,7 @@ void FormMain::Connect() {
   connect(pages_, &OptionPages::DestinationWanted, this, &FormMain::ChooseDestination);
   connect(batch_, &BatchTable::RowChosen, this, &FormMain::ShowResult);
   connect(panel_->CommandGo(), &QPushButton::clicked, this, &FormMain::Go);
+  connect(panel_->CommandForWeb(), &QPushButton::clicked, this, &FormMain::SetForWeb);
   connect(panel_->CommandPause(), &QPushButton::toggled, this, &FormMain::SetPaused);
   connect(panel_->CommandStop(), &QPushButton::clicked, this, &FormMain::Stop);
   connect(afterRun_.get(), &AfterRun::SearchWanted, this, [this](ResourceKind kind) { ChooseFolders(kind, true); });

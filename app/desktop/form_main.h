@@ -52,6 +52,7 @@ class FormMain : public QMainWindow {
   void Connect();
   void MakeMenus();
   void ShowDefaults();
+  void SetForWeb();
   void LoadSettings();
   void TellRefused(const std::vector<RefusedSetting>& refused);
   void KeepWindowState();

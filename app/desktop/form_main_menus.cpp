@@ -1,5 +1,7 @@
 // The menus of the window; they also hold its shortcuts.
 #include "app/desktop/form_main.h"
+#include "app/desktop/qt_text.h"
+#include "settings/option_sets.h"
 
 #include <QApplication>
 #include <QMenuBar>
@@ -27,6 +29,7 @@ void FormMain::MakeMenus() {
                      [this] { panel_->CommandPause()->toggle(); });
   runActions_ += add(convert, QStringLiteral("&Stop"), QKeySequence(Qt::Key_Escape), [this] { Stop(); });
   convert->addSeparator();
+  idleActions_ += add(convert, QStringLiteral("Options for the &web"), {}, [this] { SetForWeb(); });
   idleActions_ += add(convert, QStringLiteral("&Defaults for all options"), {}, [this] { ShowDefaults(); });
 
   QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
@@ -55,6 +58,13 @@ void FormMain::ShowDefaults() {
   for (const OptionInfo& option : OptionTable())
     ReleaseOption(option, store_);
   ShowSettings(defaults);
+}
+
+void FormMain::SetForWeb() {
+  ConversionSettings settings = FormSettings();
+  ApplyOptionSet(WebOptions(), settings);
+  ShowSettings(settings);
+  Tell(QStringLiteral("The next run makes a page"), ToQString(OptionSetText(WebOptions())));
 }
 
 } // namespace quarvel

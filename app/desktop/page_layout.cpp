@@ -63,7 +63,10 @@ std::vector<PageSection> NamedSections() {
 
       {Tab::Output, 0, "Encoding", {"OptionVRML97", "OptionFlux", "OptionContact"}},
       {Tab::Output, 0, "Scene", {"CheckConforming", "CheckEnclose", "CheckXMLtoo", "CheckAppendDash"}},
-      {Tab::Output, 1, "Web page", {"CheckMakePreloadScript", "TextJavascriptURL"}},
+      {Tab::Output,
+       1,
+       "Web page",
+       {"CheckMakePage", "CheckPageOnly", "TextViewer", "CheckMakePreloadScript", "TextJavascriptURL"}},
       {Tab::Output, 1, "Afterwards", {"CheckBeep"}},
   };
 }

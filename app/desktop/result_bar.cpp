@@ -47,6 +47,11 @@ void ResultBar::Show(const RunResult* result) {
   missing_->setEnabled(missing > 0);
   report_->setEnabled(result && !result->InputFile.empty());
   preload_->setEnabled(result && !result->PreloadScript.empty());
+  const bool hasPage = result && !result->Page.empty();
+  scene_->setText(hasPage ? QStringLiteral("Open page") : QStringLiteral("Open scene"));
+  scene_->setToolTip(hasPage ? QStringLiteral("Open the page in the browser")
+                             : QStringLiteral("Open the scene in the desktop's viewer"));
+  scene_->setStatusTip(scene_->toolTip());
   folder_->setEnabled(hasFiles);
   scene_->setEnabled(hasFiles);
 }

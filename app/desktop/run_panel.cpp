@@ -59,6 +59,8 @@ QWidget* RunPanel::MakeButtons() {
   auto* box = new QWidget(this);
   go_ = MakeButton(QStringLiteral("CommandGo"), QStringLiteral("Con&vert"), QStyle::SP_MediaPlay,
                    QStringLiteral("Convert the level (F5)"), box);
+  forWeb_ = MakeButton(QStringLiteral("CommandForWeb"), QStringLiteral("For the &web"), QStyle::SP_DriveNetIcon,
+                       QStringLiteral("Set the options that make the best page to walk in, one HTML file"), box);
   pause_ = MakeButton(QStringLiteral("CommandPause"), QStringLiteral("&Pause"), QStyle::SP_MediaPause,
                       QStringLiteral("Pause at the next brush or mover, or go on (F6)"), box);
   stop_ = MakeButton(QStringLiteral("CommandStop"), QStringLiteral("S&top"), QStyle::SP_MediaStop,
@@ -68,10 +70,12 @@ QWidget* RunPanel::MakeButtons() {
   go_->setFont(font);
   go_->setMinimumHeight(go_->sizeHint().height() * 3 / 2);
   go_->setMinimumWidth(150);
+  forWeb_->setMinimumHeight(go_->minimumHeight());
   pause_->setCheckable(true);
   auto* grid = new QGridLayout(box);
   grid->setContentsMargins({});
   grid->addWidget(go_, 0, 0, 1, 2);
+  grid->addWidget(forWeb_, 0, 2);
   grid->addWidget(pause_, 1, 0);
   grid->addWidget(stop_, 1, 1);
   return box;
@@ -94,6 +98,7 @@ void RunPanel::ShowUniqueMaterials(int count) {
 
 void RunPanel::ShowRunning(bool running) {
   go_->setEnabled(!running);
+  forWeb_->setEnabled(!running);
   pause_->setEnabled(running);
   stop_->setEnabled(running);
   pause_->setChecked(false);

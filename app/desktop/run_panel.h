@@ -24,6 +24,7 @@ class RunPanel : public QWidget {
 
   PictureTexture* Picture() const { return picture_; }
   QPushButton* CommandGo() const { return go_; }
+  QPushButton* CommandForWeb() const { return forWeb_; }
   QPushButton* CommandPause() const { return pause_; }
   QPushButton* CommandStop() const { return stop_; }
 
@@ -36,6 +37,7 @@ class RunPanel : public QWidget {
   QLabel* labelUniqueMaterials_;
   QProgressBar* progress_;
   QPushButton* go_ = nullptr;
+  QPushButton* forWeb_ = nullptr;
   QPushButton* pause_ = nullptr;
   QPushButton* stop_ = nullptr;
 };

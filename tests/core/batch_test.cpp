@@ -87,6 +87,10 @@ TEST_F(Batch, NoSceneIsWrittenTwiceAndNoInputOverwritten) {
                    "refused: b/x.t3d is not converted: its output out/x.wrl is the output of a/x.t3d already",
                    "b/y.t3d > out/y.wrl"}));
   EXPECT_EQ(Jobs({"a.t3d", "./a.t3d"}).size(), 2u);
+  ConversionSettings page;
+  page.CheckMakePage = page.CheckPageOnly = true;
+  EXPECT_EQ(Jobs({"a/x.t3d", "b/x.t3d"}, "out/any.html", page)[1],
+            "refused: b/x.t3d is not converted: its output out/x.html is the output of a/x.t3d already");
   EXPECT_TRUE(Jobs({"a.t3d", "./a.t3d"})[1].starts_with("refused: "));
   EXPECT_EQ(Jobs({"a.t3d", "a.wrl"}),
             (Names{"refused: a.t3d is not converted: its output a.wrl would overwrite an input",

@@ -352,5 +352,44 @@ TEST(LevelCheck, TellsTheGenerationsApart) {
   EXPECT_FALSE(T3DLevel(" Texture=Wall\n PhysicsVolume=X").LegacyFormat);
 }
 
+/// Settings for a page, with a stand-in for the viewer in `folder`.
+ConversionSettings PageSettingsIn(const TemporaryFolder& folder) {
+  for (const char* name : {"EventUtilities", "Geometry2D", "KeyDeviceSensor", "Scripting", "Text"})
+    folder.Write("v/assets/components/" + std::string(name) + "Component.min.js", "");
+  for (const char* name : {"x_ite.min.js", "x_ite.css", "LICENSE.md"})
+    folder.Write("v/" + std::string(name), "the viewer");
+  ConversionSettings settings = SampleSettings();
+  settings.CheckMakePage = true;
+  settings.TextViewer = (folder.Path() / "v/x_ite.min.js").string();
+  return settings;
+}
+
+TEST(ConversionRun, WritesThePageBesideTheScenesOrAlone) {
+  const TemporaryFolder both, alone;
+  ConversionSettings settings = PageSettingsIn(both);
+  settings.TextureDest.DestDoCopy = false;
+  const RunResult beside = ConvertIn(both, golden, settings).Result;
+  EXPECT_EQ(beside.Error, "");
+  EXPECT_EQ(beside.Page, both.Path() / "level.html");
+  EXPECT_TRUE(fs::exists(both.Path() / "level.x3d"));
+  EXPECT_FALSE(fs::exists(both.Path() / "brick.png")) << "the page needs no copies beside it";
+  settings.CheckPageOnly = true;
+  const RunResult only = ConvertIn(alone, golden, settings).Result;
+  EXPECT_EQ(only.FilesWritten,
+            (std::vector<fs::path>{alone.Path() / "level.html", alone.Path() / "levelMissingTextures.txt"}));
+  EXPECT_FALSE(fs::exists(alone.Path() / "level.x3d"));
+  EXPECT_EQ(only.Faces, beside.Faces);
+  EXPECT_EQ(both.Read("level.html"), alone.Read("level.html"));
+}
+
+TEST(ConversionRun, WritesNothingWhenThePageCannotBeMade) {
+  const TemporaryFolder folder;
+  ConversionSettings settings = PageSettingsIn(folder);
+  settings.TextViewer += ".not";
+  EXPECT_TRUE(Holds(ConvertIn(folder, golden, settings).Result.Error, "x_ite.min.js.not cannot be read"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "level.html"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "level.wrl"));
+}
+
 } // namespace
 } // namespace quarvel

@@ -1,0 +1,18 @@
+# quarvel_embed(TARGET HEADER NAME=FILE...) compiles text files into TARGET: HEADER, in the same folder as the files'
+# users, declares each as `extern const std::string_view NAME`.
+function(quarvel_embed target header)
+  set(source "#include \"${header}\"\n\nnamespace quarvel {\n")
+  foreach(pair IN LISTS ARGN)
+    string(REGEX MATCH "^([^=]+)=(.+)$" ignored "${pair}")
+    set(name ${CMAKE_MATCH_1})
+    set(file ${CMAKE_SOURCE_DIR}/${CMAKE_MATCH_2})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+    file(READ ${file} text)
+    string(APPEND source "\nconst std::string_view ${name} = R\"embedded(${text})embedded\";\n")
+  endforeach()
+  string(APPEND source "\n} // namespace quarvel\n")
+  get_filename_component(stem ${header} NAME_WE)
+  set(generated ${CMAKE_BINARY_DIR}/embedded/${stem}.cpp)
+  file(GENERATE OUTPUT ${generated} CONTENT "${source}")
+  target_sources(${target} PRIVATE ${generated})
+endfunction()

@@ -1,0 +1,255 @@
+// Pages in a real browser: opened from disk, offline, and walked in with the keys that a visitor has.
+import assert from "node:assert/strict";
+import { execFileSync } from "node:child_process";
+import fs from "node:fs";
+import http from "node:http";
+import os from "node:os";
+import path from "node:path";
+import { chromium } from "playwright-core";
+import { actor, box, map } from "./level.mjs";
+
+const [quarvel, ...names] = process.argv.slice(2);
+const samples = path.resolve("../../samples");
+const folder = fs.mkdtempSync(path.join(os.tmpdir(), "quarvel-page-tests-"));
+const unit = 0.01904761905; // scene units per Unreal unit
+const patience = 60000;     // the browser draws in software, on machines that do other things besides
+
+function makePage(level, ...options) {
+  const page = path.join(folder, path.basename(level).replace(/\.t3d$/, ".html"));
+  execFileSync(quarvel, ["--quiet", "--web", ...options, level, page], { stdio: "inherit" });
+  return page;
+}
+
+function makeLevel(name, text) {
+  fs.writeFileSync(path.join(folder, name), text);
+  return makePage(path.join(folder, name), "--textures", folder);
+}
+
+const harbour = () => harbour.page ??= makePage(path.join(samples, "harbour.t3d"), "--textures", samples + "/textures",
+  "--sounds", samples + "/sounds", "--meshes", samples + "/meshes");
+
+// A floor with a wall to the right of the start, which looks at it from 6 m.
+const room = () => room.page ??= makeLevel("room.t3d", map(
+  actor("LevelInfo", "LevelInfo0", [0, 0, 0], `Title="</script><script>window.hostile=1</script>&quot;<b>"\nAuthor="<img src=x onerror=hostile=1>"\n`),
+  box("Floor", [-1024, -1024, -64], [1024, 1024, 0], "<i>onerror=hostile=1</i>"),
+  box("Wall", [320, -1024, 0], [384, 1024, 256]),
+  actor("PlayerStart", "PlayerStart0", [0, 0, 300]),
+  actor("PlayerStart", "PlayerStart1", [-512, 0, 40], "Rotation=(Yaw=16384)\n")));
+
+// -- A page, and what a visitor does in it
+
+class Visit {
+  constructor(context, page, messages, requests) { Object.assign(this, { context, page, messages, requests }); }
+
+  // Reads something of the viewer's; `b` is its browser.
+  see(code) { return this.page.evaluate(`(() => { const b = X3D.getBrowser(); return ${code}; })()`); }
+  eye() { return this.see("[...b.getActiveViewpoint().getUserPosition()]"); }
+  view() { return this.see("b.getActiveViewpoint().getName()"); }
+
+  // Waits until `test` holds of what `look` gives.
+  async until(look, test, what) {
+    let seen;
+    for (const end = Date.now() + patience; Date.now() < end; await this.page.waitForTimeout(100)) {
+      seen = await look();
+      if (test(seen)) return seen;
+    }
+    assert.fail(`${what}: last seen ${JSON.stringify(seen)}`);
+  }
+
+  // Waits until the visitor neither falls nor walks.
+  async rest() {
+    let last = [];
+    return this.until(() => this.eye(), eye => {
+      const still = last.length >= 5 && last.every(was => Math.hypot(...was.map((v, i) => v - eye[i])) < 1e-3);
+      last = [...last, eye].slice(-5);
+      return still;
+    }, "comes to rest");
+  }
+
+  async place(position, yaw = 0) {
+    await this.see(`{ const v = b.getActiveViewpoint(), p = v.getUserPosition(), R = v.getUserOrientation().constructor;
+      v.setUserOrientation(new R(0, 1, 0, ${yaw})); v.setUserPosition(new p.constructor(${position}));
+      return 0; }`.replace(/^\{/, "(() => {") + ")()");
+  }
+
+  async enter() {
+    await this.page.click("#start");
+    await this.until(() => this.page.isHidden("#panel"), Boolean, "the panel goes");
+  }
+}
+
+async function visit(file, run, query = "") {
+  const context = await browser.newContext({ viewport: { width: 200, height: 150 }, offline: true });
+  const page = await context.newPage(), messages = [], requests = [];
+  page.on("console", message => message.type() === "error" && messages.push(message.text()));
+  page.on("pageerror", error => messages.push("uncaught: " + error.message));
+  page.on("request", request => /^(file|data|blob):/.test(request.url()) || requests.push(request.url()));
+  page.setDefaultTimeout(patience);
+  try {
+    await page.goto("file://" + file + query);
+    await page.waitForSelector("html[data-state=ready]", { state: "attached" });
+    await run(new Visit(context, page, messages, requests));
+    assert.deepEqual(messages, [], "no error in the console");
+    assert.deepEqual(requests, [], "no request to a server");
+  } finally {
+    await context.close();
+  }
+}
+
+// -- Tests
+
+const tests = {
+  "opens from disk without a network, in front of the first start": () => visit(harbour(), async v => {
+    assert.equal(await v.view(), "V_PlayerStart0");
+    assert.match(await v.page.textContent("h1"), /Harbourmaster/);
+    await v.until(() => v.see("b.getCurrentViewer()"), mode => mode === "WALK", "is on foot");
+    assert.ok((fs.statSync(harbour()).size) < 2e6);
+  }),
+
+  "textures and inlined scenes are there": () => visit(harbour(), async v => {
+    const loaded = await v.see(`(() => { const scene = b.currentScene, state = name => scene.getNamedNode(name).getValue().checkLoadState();
+      return [state("IT_quay"), state("IT_grating"), state("SkyZoneInfo0World"), X3D.X3DConstants.COMPLETE_STATE]; })()`);
+    assert.deepEqual(loaded.slice(0, 3), Array(3).fill(loaded[3]));
+  }),
+
+  "hostile texts stay texts": () => visit(room(), async v => {
+    assert.equal(await v.page.evaluate("window.hostile"), undefined);
+    assert.match(await v.page.textContent("h1"), /script/);
+    assert.equal(await v.page.evaluate("document.querySelectorAll('h1 *, img').length"), 0);
+    const html = fs.readFileSync(room(), "utf8");
+    assert.ok(!html.includes("<i>onerror") && !html.includes("<script>window"));
+  }),
+
+  "the page's policy lets no frame, script or request out": () => visit(room(), async v => {
+    let asked = 0;
+    const server = http.createServer((request, answer) => { ++asked; answer.end(); }).listen(0, "127.0.0.1");
+    await v.context.setOffline(false);
+    const outcome = await v.page.evaluate(async address => {
+      const add = (name, attributes) => document.body.append(Object.assign(document.createElement(name), attributes));
+      add("iframe", { src: address });
+      add("img", { src: address });
+      add("script", { textContent: "window.ran = 1" });
+      const form = Object.assign(document.createElement("form"), { action: address });
+      document.body.append(form);
+      form.submit();
+      await new Promise(done => {
+        const request = Object.assign(new XMLHttpRequest(), { onerror: done, onload: done });
+        request.open("GET", address);
+        request.send();
+      });
+      navigator.sendBeacon(address);
+      await new Promise(done => setTimeout(done, 500));
+      return window.ran;
+    }, `http://127.0.0.1:${server.address().port}/`);
+    server.close();
+    assert.equal(outcome, undefined);
+    assert.equal(asked, 0);
+    v.messages.length = v.requests.length = 0; // each refusal is one
+  }),
+
+  "gravity sets the visitor on the floor": () => visit(room(), async v => {
+    await v.enter();
+    const [x, y] = await v.rest();
+    assert.ok(Math.abs(x) < 0.01);
+    assert.ok(Math.abs(y - 1.6) < 0.05, `eyes 1.6 m up, not ${y}`);
+  }),
+
+  "W walks ahead and a wall stops": () => visit(room(), async v => {
+    await v.enter();
+    const [x] = await v.rest();
+    await v.page.keyboard.down("w");
+    await v.until(() => v.eye(), eye => eye[0] > x + 1, "walks ahead");
+    await v.until(() => v.eye(), eye => eye[0] > 320 * unit - 1, "comes to the wall");
+    await v.page.waitForTimeout(1500);
+    await v.page.keyboard.up("w");
+    const [there, y] = await v.rest();
+    assert.ok(there < 320 * unit - 0.3, `stops before the wall, not at ${there}`);
+    assert.ok(Math.abs(y - 1.6) < 0.05);
+  }),
+
+  "Space jumps and F flies through walls": () => visit(room(), async v => {
+    await v.enter();
+    await v.rest();
+    let top = 0;
+    for (let attempt = 0; attempt < 5 && top < 1.8; ++attempt) {
+      await v.page.keyboard.press("Space");
+      for (const end = Date.now() + 1500; Date.now() < end;) top = Math.max(top, (await v.eye())[1]);
+    }
+    assert.ok(top > 1.8 && top < 1.6 + 1.5, `leaps up to ${top}`);
+    await v.rest();
+    await v.page.keyboard.press("f");
+    await v.page.keyboard.down("w");
+    await v.until(() => v.eye(), eye => eye[0] > 400 * unit, "flies through the wall");
+    await v.page.keyboard.up("w");
+  }),
+
+  "the mouse looks around, without a roll": () => visit(room(), async v => {
+    await v.enter();
+    const turned = () => v.see("[...b.getActiveViewpoint().getUserOrientation().multVecRot(new (b.getActiveViewpoint().getUserPosition().constructor)(1, 0, 0))]");
+    const before = await turned();
+    await v.page.mouse.move(100, 75);
+    await v.page.mouse.down();
+    await v.page.mouse.move(150, 95, { steps: 4 });
+    await v.page.mouse.up();
+    const after = await v.until(turned, right => Math.hypot(...right.map((n, i) => n - before[i])) > 0.05, "turns");
+    assert.ok(Math.abs(after[1]) < 1e-6, "the right hand stays level");
+  }),
+
+  "the menu's viewpoints bind, by keyboard too": () => visit(harbour(), async v => {
+    await v.page.keyboard.press("m");
+    const buttons = v.page.locator("#views button");
+    assert.ok(await buttons.count() >= 5);
+    await buttons.filter({ hasText: "Forge" }).click();
+    await v.until(() => v.view(), name => name === "V_PlayerStart3", "binds what was clicked");
+    await v.page.keyboard.press("m");
+    await v.page.locator("#views button").nth(1).focus();
+    await v.page.keyboard.press("Enter");
+    await v.until(() => v.view(), name => name === "V_PlayerStart1", "binds what was chosen by key");
+  }),
+
+  "an address names the view, and a frame has no panel": () => visit(harbour(), async v => {
+    await v.until(() => v.view(), name => name === "V_PlayerStart4", "starts there");
+    await v.until(() => v.page.isHidden("#panel"), Boolean, "no panel");
+  }, "?view=PlayerStart4&embed"),
+
+  "walking into its trigger raises the lift": () => visit(harbour(), async v => {
+    await v.enter();
+    // The trigger starts the timer of the mover that it is for.
+    const mover = await v.see(`[...b.currentScene.routes].find(route => route.sourceNode.getNodeName() === "Trigger0")
+      .destinationNode.getNodeName().replace(/TIMER$/, "")`);
+    const lift = () => v.see(`b.currentScene.getNamedNode("${mover}").translation.y`);
+    await v.place([-6.1, 1.6, -8.2]);
+    const before = await lift();
+    await v.page.keyboard.down("w");
+    await v.until(lift, y => y > before + 1, "the lift rises");
+    await v.page.keyboard.up("w");
+  }),
+
+  "a teleporter teleports": () => visit(harbour(), async v => {
+    await v.enter();
+    await v.place([-18.85, 1.6, -13.67], Math.PI / 4);
+    await v.page.keyboard.down("w");
+    await v.until(() => v.view(), name => name === "V_Teleporter1", "arrives at the other end");
+    await v.page.keyboard.up("w");
+  }),
+};
+
+const browser = await chromium.launch({ executablePath: process.env.CHROMIUM, headless: true,
+  args: ["--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader", "--ignore-gpu-blocklist", "--mute-audio"] });
+let failed = 0, run = 0;
+for (const [title, test] of Object.entries(tests)) {
+  if (names.length && !names.some(name => title.includes(name))) continue;
+  ++run;
+  const begin = Date.now();
+  try {
+    await test();
+    console.log(`[ OK   ] ${title} (${Date.now() - begin} ms)`);
+  } catch (error) {
+    ++failed;
+    console.log(`[ FAIL ] ${title} (${Date.now() - begin} ms)\n${error.stack ?? error}`);
+  }
+}
+await browser.close();
+fs.rmSync(folder, { recursive: true, force: true });
+console.log(`Page tests: ${run - failed} of ${run} passed`);
+process.exit(failed || !run ? 1 : 0);
