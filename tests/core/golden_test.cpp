@@ -30,8 +30,8 @@ std::string Difference(std::string_view from, std::string_view to) {
   std::vector<std::vector<std::uint16_t>> rest(a.size() + 1, std::vector<std::uint16_t>(b.size() + 1));
   for (std::size_t i = a.size(); i-- > 0;)
     for (std::size_t j = b.size(); j-- > 0;)
-      rest[i][j] = a[i] == b[j] ? static_cast<std::uint16_t>(rest[i + 1][j + 1] + 1)
-                                : std::max(rest[i + 1][j], rest[i][j + 1]);
+      rest[i][j] =
+          a[i] == b[j] ? static_cast<std::uint16_t>(rest[i + 1][j + 1] + 1) : std::max(rest[i + 1][j], rest[i][j + 1]);
   std::string difference;
   for (std::size_t i = 0, j = 0; i < a.size() || j < b.size();) {
     if (i < a.size() && j < b.size() && a[i] == b[j]) {
@@ -76,8 +76,8 @@ class Golden : public testing::TestWithParam<const char*> {
  protected:
   Converted Make(bool classic, bool conforming) {
     folder_.Write("lib/golden_hills.bmp", [] {
-      const Blob hills = MadeBmp(4, 3, 16, {}, Blob{0, 128, 0, 144, 0, 128, 0, 96, 0, 160, 0, 128,
-                                                    0, 128, 0, 128, 255, 127, 0, 0, 255, 255, 0, 128});
+      const Blob hills = MadeBmp(4, 3, 16, {}, Blob{0, 128, 0, 144, 0,   128, 0, 96, 0,   160, 0, 128,
+                                                    0, 128, 0, 128, 255, 127, 0, 0,  255, 255, 0, 128});
       return std::string(hills.begin(), hills.end());
     }());
     ConversionSettings settings = Everything(folder_.Path() / "lib");
@@ -95,6 +95,7 @@ class Golden : public testing::TestWithParam<const char*> {
   /// What the run reports, without what is not the same every time.
   std::string ReportOf(RunResult result) const {
     result.Seconds = 0;
+    result.Bounds = InitBounds();
     std::string report = ReportAsJson({result});
     const std::string folder = folder_.Path().string() + "/";
     for (std::size_t at = report.find(folder); at != report.npos; at = report.find(folder, at))
@@ -121,7 +122,7 @@ TEST_P(Golden, StaysAsItIs) {
 }
 
 INSTANTIATE_TEST_SUITE_P(BothGenerations, Golden, testing::Values("first", "second"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& level) { return std::string(level.param); });
 
 } // namespace
 } // namespace quarvel::test

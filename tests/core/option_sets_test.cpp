@@ -44,6 +44,8 @@ ConversionSettings SettingsOf(const std::string& set, bool classic, bool conform
   settings.TextSearchPathTxt = QUARVEL_SAMPLES_DIR "/textures";
   settings.TextSearchPathSnd = QUARVEL_SAMPLES_DIR "/sounds";
   settings.TextSearchPathMesh = QUARVEL_SAMPLES_DIR "/meshes";
+  // What is copied, and into what, is not what this is about.
+  settings.TextureDest.DestDoCopy = settings.SoundDest.DestDoCopy = settings.MeshDest.DestDoCopy = false;
   if (classic) SetOption(*FindOption("OptionFlux"), "-1", settings);
   std::istringstream words(set);
   for (std::string word; words >> word;) {

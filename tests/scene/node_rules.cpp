@@ -26,17 +26,20 @@ constexpr std::array rules{
     NodeRule{"Coordinate", "point", "", "", ""},
     NodeRule{"DirectionalLight", "ambientIntensity color direction intensity on", "", "", ""},
     NodeRule{"ElevationGrid", "color normal texCoord",
-             "ccw colorPerVertex creaseAngle height normalPerVertex solid xDimension xSpacing zDimension zSpacing", "", ""},
-    NodeRule{"Fog", "color fogType visibilityRange", "", "", ""},
+             "ccw colorPerVertex creaseAngle height normalPerVertex solid xDimension xSpacing zDimension zSpacing", "",
+             ""},
+    NodeRule{"Fog", "color fogType visibilityRange", "", "isBound", "set_bind"},
     NodeRule{"Group", "children", "bboxCenter bboxSize", "", ""},
     NodeRule{"ImageTexture", "url", "repeatS repeatT", "", ""},
-    NodeRule{"IndexedFaceSet", "color coord normal texCoord",
-             "ccw colorIndex colorPerVertex convex coordIndex creaseAngle normalIndex normalPerVertex solid texCoordIndex",
-             "", ""},
+    NodeRule{
+        "IndexedFaceSet", "color coord normal texCoord",
+        "ccw colorIndex colorPerVertex convex coordIndex creaseAngle normalIndex normalPerVertex solid texCoordIndex",
+        "", ""},
     NodeRule{"IndexedLineSet", "color coord", "colorIndex colorPerVertex coordIndex", "", ""},
     NodeRule{"Inline", "url load/x", "bboxCenter bboxSize", "", ""},
-    NodeRule{"Material", "ambientIntensity diffuseColor emissiveColor shininess specularColor transparency", "", "", ""},
-    NodeRule{"NavigationInfo", "avatarSize headlight speed type visibilityLimit", "", "", ""},
+    NodeRule{"Material", "ambientIntensity diffuseColor emissiveColor shininess specularColor transparency", "", "",
+             ""},
+    NodeRule{"NavigationInfo", "avatarSize headlight speed type visibilityLimit", "", "isBound", "set_bind"},
     NodeRule{"OrientationInterpolator", "key keyValue", "", interpolatorEvents, fraction},
     NodeRule{"PointLight", "ambientIntensity attenuation color intensity location on radius", "", "", ""},
     NodeRule{"PositionInterpolator", "key keyValue", "", interpolatorEvents, fraction},
@@ -44,15 +47,16 @@ constexpr std::array rules{
     NodeRule{"ProximitySensor", "center enabled size", "", "isActive position_changed enterTime exitTime", ""},
     NodeRule{"Script", "url", "directOutput mustEvaluate", "", ""},
     NodeRule{"Shape", "appearance geometry", "", "", ""},
-    NodeRule{"Sound", "direction intensity location maxBack maxFront minBack minFront priority source", "spatialize", "",
-             ""},
+    NodeRule{"Sound", "direction intensity location maxBack maxFront minBack minFront priority source", "spatialize",
+             "", ""},
     NodeRule{"Sphere", "", "radius", "", ""},
     NodeRule{"SpotLight",
-             "ambientIntensity attenuation beamWidth color cutOffAngle direction intensity location on radius", "", "", ""},
+             "ambientIntensity attenuation beamWidth color cutOffAngle direction intensity location on radius", "", "",
+             ""},
     NodeRule{"TextureCoordinate", "point", "", "", ""},
     NodeRule{"TextureTransform", "center rotation scale translation", "", "", ""},
-    NodeRule{"TimeSensor", "cycleInterval enabled loop startTime stopTime", "", "cycleTime fraction_changed isActive time",
-             ""},
+    NodeRule{"TimeSensor", "cycleInterval enabled loop startTime stopTime", "",
+             "cycleTime fraction_changed isActive time", ""},
     NodeRule{"TouchSensor", "enabled", "", "isActive isOver touchTime", ""},
     NodeRule{"Transform", "center children rotation scale scaleOrientation translation", "bboxCenter bboxSize", "", ""},
     NodeRule{"Viewpoint", "fieldOfView jump orientation position", "description", "bindTime isBound", "set_bind"},
@@ -136,9 +140,10 @@ int NumbersOf(std::string_view type, std::string_view field) {
                      "emissiveColor specularColor axisOfRotation"))
     return 3;
   if (field == "size") return 3;
-  const bool single = IsOneOf(field, "ambientIntensity beamWidth creaseAngle cutOffAngle cycleInterval fieldOfView "
-                                     "intensity maxBack maxFront minBack minFront pitch radius shininess speed startTime "
-                                     "stopTime transparency visibilityRange xDimension xSpacing zDimension zSpacing");
+  const bool single =
+      IsOneOf(field, "ambientIntensity beamWidth creaseAngle cutOffAngle cycleInterval fieldOfView "
+                     "intensity maxBack maxFront minBack minFront pitch radius shininess speed startTime "
+                     "stopTime transparency visibilityRange xDimension xSpacing zDimension zSpacing");
   return single ? 1 : 0;
 }
 

@@ -62,7 +62,8 @@ class SceneChecker {
     for (const auto& [field, value] : node.Fields) {
       const auto numbers = static_cast<std::size_t>(NumbersOf(node.Type, field));
       const auto words = Words(value);
-      const bool isWrong = numbers != 0 && (words.size() != numbers || !std::all_of(words.begin(), words.end(), IsNumber));
+      const bool isWrong =
+          numbers != 0 && (words.size() != numbers || !std::all_of(words.begin(), words.end(), IsNumber));
       if (isWrong) Fault(where + node.Type + "." + field + " is " + value);
     }
     if (node.Type.ends_with("Interpolator")) CheckKeys(node, where);
@@ -75,7 +76,9 @@ class SceneChecker {
     CheckEnd(to, false, where);
   }
 
-  void DeclareScriptField(const std::string& script, const std::string& name) { scriptFields_.insert(script + "." + name); }
+  void DeclareScriptField(const std::string& script, const std::string& name) {
+    scriptFields_.insert(script + "." + name);
+  }
 
  private:
   void Fault(const std::string& what) { scene_.Faults.push_back(what); }
@@ -233,7 +236,8 @@ class VrmlReader {
 
   void Define(const std::string& name) {
     if (!IsLegalName(name)) Fault("'" + name + "' is no name");
-    if (!defined_.insert(name).second) Fault(name + " is defined twice");
+    // In VRML97 the last of several holds (ISO/IEC 14772-1, clause 4.6.2).
+    if (!defined_.insert(name).second && encoding_ != SceneEncoding::Vrml97) Fault(name + " is defined twice");
   }
 
   void CheckPlace(int parent, const std::string& field, const std::string& type) {
@@ -278,7 +282,8 @@ class VrmlReader {
     const std::string name = Take();
     if (name == "ROUTE" || name == "PROTO") Fault("a " + name + " inside a node");
     const bool isX3D = encoding_ == SceneEncoding::X3DClassic;
-    if (type == "Script" && IsOneOf(name, isX3D ? "inputOnly outputOnly initializeOnly inputOutput" : "eventIn eventOut field")) {
+    if (type == "Script" &&
+        IsOneOf(name, isX3D ? "inputOnly outputOnly initializeOnly inputOutput" : "eventIn eventOut field")) {
       Advance();
       checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(node)].Def, Take());
       if (IsOneOf(name, "field initializeOnly inputOutput")) ReadValue(node, "");
@@ -350,13 +355,14 @@ class X3DReader {
     const std::string type = element.name();
     if (type == "ROUTE") return ReadRoute(element);
     if (type == "field" && above == "Script") {
-      checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(parent)].Def, element.attribute("name").value());
+      checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(parent)].Def,
+                                  element.attribute("name").value());
       return;
     }
     if (element.type() != pugi::node_element) return;
     CheckElement(element, above);
     int number = parent;
-    if (!IsOneOf(type, frame)) number = AddNode(element, parent);
+    if (!IsOneOf(type, frame) || element.attribute("DEF")) number = AddNode(element, parent);
     for (const pugi::xml_node& child : element.children())
       ReadElement(child, number, type);
   }
@@ -437,8 +443,9 @@ std::string ReadScene::OwnerOf(const ReadNode& node) const {
 }
 
 const ReadNode* ReadScene::Find(std::string_view def) const {
-  const auto at = std::find_if(Nodes.begin(), Nodes.end(), [&](const ReadNode& node) { return node.Def == def; });
-  return at == Nodes.end() ? nullptr : &*at;
+  // The last one of a name holds.
+  const auto at = std::find_if(Nodes.rbegin(), Nodes.rend(), [&](const ReadNode& node) { return node.Def == def; });
+  return at == Nodes.rend() ? nullptr : &*at;
 }
 
 ReadScene ReadVrml(std::string_view text) { return VrmlReader(text).Read(); }
