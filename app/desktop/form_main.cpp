@@ -193,12 +193,16 @@ void FormMain::ChooseFolders(ResourceKind kind, bool convertAgain) {
   dialog->open();
 }
 
-/// Adds a game's folder to those that are searched: its textures and sounds lie in packages somewhere below.
+/// Adds a game's folder to those that are searched: its textures and sounds lie in packages somewhere below. No folder
+/// means the level's, which stays.
 void FormMain::SearchGame(const QString& folder) {
   for (const ResourceKind kind : {ResourceKind::Texture, ResourceKind::Sound}) {
     auto* edit = qobject_cast<PathEdit*>(controls_.Find(InfoOf(kind).SearchPathControl));
-    const QString native = QDir::toNativeSeparators(folder);
-    if (!edit->Folders().contains(native)) edit->SetFolders(edit->Folders() + QStringList{native});
+    QStringList folders = edit->Folders();
+    if (folders.isEmpty()) folders.append(FolderOf(files_->Input()));
+    folders.append(QDir::toNativeSeparators(folder));
+    folders.removeDuplicates();
+    edit->SetFolders(folders);
   }
   QTimer::singleShot(0, this, &FormMain::Go);
 }
