@@ -8,6 +8,7 @@
 #include "app/desktop/result_bar.h"
 #include "core/run_summary.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <algorithm>
@@ -98,6 +99,14 @@ AfterRun::MakeDialog AfterRun::MissingOf(const std::vector<RunResult>& results) 
       waiting_ = {}; // what they are about is to be made anew
       dialog->accept();
       emit SearchWanted(kind);
+    });
+    connect(dialog, &MissingDialog::GameWanted, this, [this, dialog] {
+      const QString folder =
+          services_.ChooseFolder(dialog, QStringLiteral("Choose the folder of a game"), QDir::homePath());
+      if (folder.isEmpty()) return;
+      waiting_ = {};
+      dialog->accept();
+      emit GameChosen(folder);
     });
     return dialog;
   };

@@ -34,6 +34,7 @@ class AfterRun : public QObject {
 
  signals:
   void SearchWanted(ResourceKind kind);
+  void GameChosen(const QString& folder);
 
  private:
   using MakeDialog = std::function<QDialog*()>;

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QScreen>
@@ -93,6 +94,7 @@ void FormMain::Connect() {
   connect(panel_->CommandPause(), &QPushButton::toggled, this, &FormMain::SetPaused);
   connect(panel_->CommandStop(), &QPushButton::clicked, this, &FormMain::Stop);
   connect(afterRun_.get(), &AfterRun::SearchWanted, this, [this](ResourceKind kind) { ChooseFolders(kind, true); });
+  connect(afterRun_.get(), &AfterRun::GameChosen, this, &FormMain::SearchGame);
   const auto onResult = [this](QPushButton* button, auto present) {
     connect(button, &QPushButton::clicked, this, [this, present] {
       if (const RunResult* result = CurrentResult()) (afterRun_.get()->*present)(*result);
@@ -190,6 +192,20 @@ void FormMain::ChooseFolders(ResourceKind kind, bool convertAgain) {
     if (convertAgain) QTimer::singleShot(0, this, &FormMain::Go);
   });
   dialog->open();
+}
+
+/// Adds a game's folder to those that are searched: its textures and sounds lie in packages somewhere below. No folder
+/// means the level's, which stays.
+void FormMain::SearchGame(const QString& folder) {
+  for (const ResourceKind kind : {ResourceKind::Texture, ResourceKind::Sound}) {
+    auto* edit = qobject_cast<PathEdit*>(controls_.Find(InfoOf(kind).SearchPathControl));
+    QStringList folders = edit->Folders();
+    if (folders.isEmpty()) folders.append(FolderOf(files_->Input()));
+    folders.append(QDir::toNativeSeparators(folder));
+    folders.removeDuplicates();
+    edit->SetFolders(folders);
+  }
+  QTimer::singleShot(0, this, &FormMain::Go);
 }
 
 void FormMain::ChooseDestination(ResourceKind kind) {

@@ -58,6 +58,7 @@ class FormMain : public QMainWindow {
   void KeepWindowState();
   void OnInputChanged();
   void ChooseFolders(ResourceKind kind, bool convertAgain);
+  void SearchGame(const QString& folder);
   void ChooseDestination(ResourceKind kind);
   void SetPaused(bool paused);
   void Stop();

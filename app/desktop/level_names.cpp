@@ -6,12 +6,14 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace quarvel {
 
 namespace {
 
 const QString levelPattern = QStringLiteral("*.t3d");
+const QString packagePattern = QStringLiteral("*.unr");
 
 /// A level as text, or the game's own file of one.
 bool IsLevelName(const QString& path) {
@@ -21,7 +23,8 @@ bool IsLevelName(const QString& path) {
 
 QStringList LevelsBelow(const QString& folder) {
   QStringList levels;
-  for (QDirIterator at(folder, {levelPattern}, QDir::Files, QDirIterator::Subdirectories); at.hasNext();)
+  for (QDirIterator at(folder, {levelPattern, packagePattern}, QDir::Files, QDirIterator::Subdirectories);
+       at.hasNext();)
     levels.append(at.next());
   levels.sort(Qt::CaseInsensitive);
   return levels;
@@ -68,6 +71,16 @@ QString ListOf(const QStringList& levels, QString* problem) {
   return items.size() > 1 ? items.join(u',') : QString();
 }
 
+/// The pattern that all of these levels fit; empty when there are levels of both forms.
+QString PatternFor(const QStringList& levels) {
+  const auto isPackage = [](const QString& level) {
+    return level.endsWith(QStringLiteral(".unr"), Qt::CaseInsensitive);
+  };
+  const auto packages = std::count_if(levels.begin(), levels.end(), isPackage);
+  if (packages == 0) return levelPattern;
+  return packages == levels.size() ? packagePattern : QString();
+}
+
 } // namespace
 
 QString InputFor(const QStringList& paths, QString* problem) {
@@ -75,7 +88,9 @@ QString InputFor(const QStringList& paths, QString* problem) {
   if (paths.size() == 1) {
     const QFileInfo only(paths.front());
     const QString path = QDir::toNativeSeparators(only.absoluteFilePath());
-    return only.isDir() ? QDir::toNativeSeparators(QDir(path).filePath(levelPattern)) : path;
+    if (!only.isDir()) return path;
+    const QString pattern = PatternFor(LevelsBelow(only.absoluteFilePath()));
+    if (!pattern.isEmpty()) return QDir::toNativeSeparators(QDir(path).filePath(pattern));
   }
   const QStringList levels = AllLevels(paths);
   if (levels.isEmpty()) {

@@ -123,6 +123,10 @@ QWidget* MissingDialog::MakeButtons() {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   QPushButton* copy = buttons->addButton(QStringLiteral("&Copy"), QDialogButtonBox::ActionRole);
   QPushButton* open = buttons->addButton(QStringLiteral("&Open list"), QDialogButtonBox::ActionRole);
+  QPushButton* game = buttons->addButton(QStringLiteral("Search a &game folder..."), QDialogButtonBox::ActionRole);
+  game->setObjectName(QStringLiteral("CommandSearchGame"));
+  game->setToolTip(QStringLiteral("Look for textures and sounds in the packages of a game, and convert again"));
+  connect(game, &QPushButton::clicked, this, &MissingDialog::GameWanted);
   copy->setObjectName(QStringLiteral("CommandCopy"));
   open->setObjectName(QStringLiteral("CommandOpenList"));
   copy->setToolTip(QStringLiteral("Copy the selected names, or all of them, to the clipboard"));

@@ -25,6 +25,8 @@ class MissingDialog : public QDialog {
  signals:
   /// The user wants to say where files of this kind are, and then to convert again.
   void SearchWanted(ResourceKind kind);
+  /// The user wants to choose the folder of a game, and then to convert again.
+  void GameWanted();
 
  private:
   QTreeWidgetItem* AddKind(ResourceKind kind, const std::vector<RunResult>& results);

@@ -221,6 +221,24 @@ TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
   CloseDialogs();
 }
 
+TEST_F(FormRun, WhatIsMissingIsLookedForInAGame) {
+  UseHarbour();
+  SetLine("TextSearchPathSnd", Name("textures"));
+  Convert();
+  QDialog* dialog = Dialog("FormMissing");
+  ASSERT_NE(dialog, nullptr);
+  Click("CommandSearchGame", dialog);
+  EXPECT_EQ(Dialog("FormMissing"), dialog) << "no folder was chosen";
+  desktop_.Folder = Name("sounds");
+  const std::size_t missed = form_->Results().front().Missing[ResourceKind::Sound].size();
+  Click("CommandSearchGame", dialog);
+  QApplication::processEvents();
+  EXPECT_EQ(Find<QLineEdit>("TextSearchPathSnd")->text(), Name("textures") + u';' + Name("sounds"));
+  EXPECT_TRUE(Find<QLineEdit>("TextSearchPathTxt")->text().endsWith(u';' + Name("sounds")));
+  EXPECT_LT(form_->Results().front().Missing[ResourceKind::Sound].size(), missed) << "not converted again";
+  CloseDialogs();
+}
+
 TEST_F(FormRun, TheTextInMemoryIsConvertedAgainUnlessTheInputChanges) {
   auto* reload = Find<QAbstractButton>("CheckRescanFile");
   UseHarbour();

@@ -18,7 +18,8 @@ std::vector<std::string> LevelsOf(const QString& input, const TemporaryFolder& f
 
 TEST(LevelNames, WhatIsDroppedIsWhatIsConverted) {
   const TemporaryFolder folder;
-  for (const char* name : {"a.t3d", "x/b.T3D", "x/y/c.t3d", "x/notes.txt", "p,q.t3d"})
+  for (const char* name : {"a.t3d", "x/b.T3D", "x/y/c.t3d", "x/notes.txt", "p,q.t3d", "game/d.unr", "both/e.unr",
+                           "both/f.t3d", "both/f.unr"})
     folder.Write(name, "");
   const auto dropped = [&](std::initializer_list<const char*> names, QString* problem = nullptr) {
     QStringList paths;
@@ -33,6 +34,8 @@ TEST(LevelNames, WhatIsDroppedIsWhatIsConverted) {
   EXPECT_EQ(dropped({"x/b.T3D", "x/y/c.t3d", "x/notes.txt"}), (Levels{"x/b.T3D", "x/y/c.t3d"}));
   EXPECT_EQ(dropped({"a.t3d", "x"}), (Levels{"a.t3d", "x/b.T3D", "x/y/c.t3d"}));
   EXPECT_EQ(dropped({"a.t3d", "x/notes.txt"}), Levels{"a.t3d"});
+  EXPECT_EQ(dropped({"game"}), Levels{"game/d.unr"});
+  EXPECT_EQ(dropped({"both"}), (Levels{"both/e.unr", "both/f.t3d"})) << "the text wins";
   QString problem;
   EXPECT_EQ(dropped({"a.t3d", "p,q.t3d", "x/b.T3D"}, &problem), (Levels{"a.t3d", "x/b.T3D"}));
   EXPECT_TRUE(problem.contains(QLatin1String("p,q.t3d")));
