@@ -16,13 +16,11 @@ using PathPoint = const InterpolationPointRecord*;
 /// The paths of the points, in the order in which their Tags come up.
 std::vector<std::vector<PathPoint>> GroupByTag(const std::vector<InterpolationPointRecord>& points) {
   std::vector<std::vector<PathPoint>> paths;
+  std::map<std::string, std::size_t> numbers; // of the paths, by Tag in lower case
   for (const InterpolationPointRecord& point : points) {
-    const auto sameTag = [&](const auto& path) { return SameText(path.front()->Header.Tag, point.Header.Tag); };
-    const auto at = std::find_if(paths.begin(), paths.end(), sameTag);
-    if (at == paths.end())
-      paths.push_back({&point});
-    else
-      at->push_back(&point);
+    const auto [at, isNew] = numbers.try_emplace(LowerCase(point.Header.Tag), paths.size());
+    if (isNew) paths.emplace_back();
+    paths[at->second].push_back(&point);
   }
   for (std::vector<PathPoint>& path : paths)
     std::stable_sort(path.begin(), path.end(), [](PathPoint a, PathPoint b) { return a->Position < b->Position; });
@@ -55,12 +53,9 @@ Flight FlightAlong(const std::vector<PathPoint>& path, Report& findings) {
   return flight;
 }
 
-PathPoint FindPoint(const std::vector<InterpolationPointRecord>& points, const std::string& reference) {
-  const std::string_view name = ReferenceName(reference);
-  const auto at = std::find_if(points.begin(), points.end(), [&](const InterpolationPointRecord& point) {
-    return SameText(point.Header.Name, name);
-  });
-  return at == points.end() ? nullptr : &*at;
+PathPoint FindPoint(const PointsByName& points, const std::string& reference) {
+  const auto at = points.find(LowerCase(ReferenceName(reference)));
+  return at == points.end() ? nullptr : at->second;
 }
 
 /// A stay where the camera is.
@@ -110,8 +105,14 @@ std::vector<Flight> FlightsOfPoints(const std::vector<InterpolationPointRecord>&
   return flights;
 }
 
-Flight FlightOfScene(const SceneManagerRecord& scene, const std::vector<InterpolationPointRecord>& points,
-                     Report& findings) {
+PointsByName IndexPoints(const std::vector<InterpolationPointRecord>& points) {
+  PointsByName byName;
+  for (const InterpolationPointRecord& point : points)
+    byName.try_emplace(LowerCase(point.Header.Name), &point);
+  return byName;
+}
+
+Flight FlightOfScene(const SceneManagerRecord& scene, const PointsByName& points, Report& findings) {
   Flight flight;
   flight.Source = scene.Header.Name;
   flight.Loop = scene.bLooping;

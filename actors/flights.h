@@ -5,6 +5,7 @@
 #include "t3d/camera_records.h"
 
 #include <array>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -32,10 +33,13 @@ struct Flight {
 /// points in the order of their Position. The rate of a point holds for the segment that begins there.
 std::vector<Flight> FlightsOfPoints(const std::vector<InterpolationPointRecord>& points, Report& findings);
 
+/// The first point of each name, in lower case. The points have to outlive it.
+using PointsByName = std::map<std::string, const InterpolationPointRecord*>;
+PointsByName IndexPoints(const std::vector<InterpolationPointRecord>& points);
+
 /// The flight of a scene manager. Its first move puts the camera to the point it names. Actions whose point does not
 /// exist are left out and reported; without any other the flight has no segments.
-Flight FlightOfScene(const SceneManagerRecord& scene, const std::vector<InterpolationPointRecord>& points,
-                     Report& findings);
+Flight FlightOfScene(const SceneManagerRecord& scene, const PointsByName& points, Report& findings);
 
 /// The flight as a track, its curves sampled with the step.
 MoverAnimation TrackOfFlight(const Flight& flight, double step);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace quarvel {
 
@@ -128,10 +129,13 @@ void RouteToDestination(SceneWriter& scene, const std::string& script, const std
   AddRoute(scene, destination, "isBound", script, "destination_bound");
 }
 
+/// The numbers of the teleporters of each Tag, in lower case.
+using TeleportersByTag = std::map<std::string, std::vector<std::size_t>>;
+
 /// The number of the teleporter that the URL of `from` leads to; -1 when there is none, which is reported unless there
 /// is no URL.
-int FindDestination(SceneContext& context, const std::vector<TeleporterRecord>& teleporters, std::size_t from,
-                    const std::string& levelName) {
+int FindDestination(SceneContext& context, const std::vector<TeleporterRecord>& teleporters,
+                    const TeleportersByTag& byTag, std::size_t from, const std::string& levelName) {
   const TeleporterRecord& teleporter = teleporters[from];
   if (teleporter.URL.empty()) return -1;
   const TeleportTarget target = ParseTeleportURL(teleporter.URL);
@@ -140,17 +144,15 @@ int FindDestination(SceneContext& context, const std::vector<TeleporterRecord>& 
     report(FindingCode::LeadsToOtherLevel);
     return -1;
   }
-  int found = -1, others = 0;
-  for (std::size_t i = 0; i < teleporters.size(); ++i) {
-    if (i == from || target.Tag.empty() || !SameText(teleporters[i].Header.Tag, target.Tag)) continue;
-    if (found < 0)
-      found = static_cast<int>(i);
-    else
-      ++others;
+  const auto at = byTag.find(LowerCase(target.Tag));
+  if (target.Tag.empty() || at == byTag.end() || (at->second.size() == 1 && at->second.front() == from)) {
+    report(FindingCode::NoDestination);
+    return -1;
   }
-  if (found < 0) report(FindingCode::NoDestination);
-  if (others > 0) report(FindingCode::SeveralDestinations);
-  return found;
+  const std::vector<std::size_t>& numbers = at->second;
+  const bool isAmong = SameText(teleporter.Header.Tag, target.Tag);
+  if (numbers.size() > (isAmong ? 2U : 1U)) report(FindingCode::SeveralDestinations);
+  return static_cast<int>(numbers[numbers.front() == from ? 1 : 0]);
 }
 
 } // namespace
@@ -175,11 +177,14 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter) {
 void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>& teleporters,
                       const std::string& levelName) {
   ModelWriter models(context);
+  TeleportersByTag byTag;
+  for (std::size_t i = 0; i < teleporters.size(); ++i)
+    byTag[LowerCase(teleporters[i].Header.Tag)].push_back(i);
   std::vector<int> destinations;
   std::vector<WrittenTeleporter> written;
   const auto repeats = [&](std::size_t i) { return context.Scene.Conforming() && destinations[i] >= 0; };
   for (std::size_t i = 0; i < teleporters.size(); ++i) {
-    destinations.push_back(FindDestination(context, teleporters, i, levelName));
+    destinations.push_back(FindDestination(context, teleporters, byTag, i, levelName));
     written.push_back(WriteTeleporter(context, teleporters[i], repeats(i), models));
   }
   for (std::size_t i = 0; i < teleporters.size(); ++i)

@@ -20,9 +20,10 @@ auto ReadAll(const RunState& run, ActorFamily family, Read read) {
 std::vector<Flight> PlanFlights(RunState& run, const std::vector<InterpolationPointRecord>& points) {
   Report& findings = run.Result.Findings;
   std::vector<Flight> flights;
+  const PointsByName byName = IndexPoints(points);
   if (!run.Level.LegacyFormat)
     for (const SceneManagerRecord& scene : ReadAll(run, ActorFamily::SceneManager, ReadSceneManager)) {
-      Flight flight = FlightOfScene(scene, points, findings);
+      Flight flight = FlightOfScene(scene, byName, findings);
       if (!flight.Segments.empty()) flights.push_back(std::move(flight));
     }
   return flights.empty() ? FlightsOfPoints(points, findings) : flights;

@@ -35,6 +35,27 @@ void PlaceClassMeshes(RunState& run) {
     }
 }
 
+/// Actors that are something else, which the game draws by a mesh.
+void PlaceMeshesOfOtherClasses(RunState& run) {
+  for (const ActorBlock& block : run.Level.Actors) {
+    const ActorClass* known = FindClass(block.Class);
+    const bool placedElsewhere =
+        known != nullptr && (known->Family == ActorFamily::StaticMesh || known->Family == ActorFamily::Brush ||
+                             known->Family == ActorFamily::Mover);
+    if (placedElsewhere || !block.IsComplete()) continue;
+    if (FindText(run.Level.Text, "StaticMesh=", block.From, block.To) == 0) continue;
+    const auto actor = ReadShown(run.Part, run.Level, block, ReadStaticMesh);
+    if (!actor || !NamesMesh(actor->StaticMesh)) continue;
+    if (actor->bHidden || (!actor->DrawType.empty() && !SameText(actor->DrawType, "DT_StaticMesh"))) {
+      run.Result.Findings.Count(FindingCode::HiddenMeshesOfOtherClasses, block.Class);
+      continue;
+    }
+    run.Result.Findings.Count(FindingCode::MeshesOfOtherClasses, block.Class);
+    run.Context.Meshes.WritePlacedMesh(*actor, actor->StaticMesh);
+    FlushBlock(run);
+  }
+}
+
 void PlaceStaticMeshes(RunState& run) {
   ForEachActor(run, ActorFamily::StaticMesh, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
     if (NamesMesh(actor.StaticMesh))
@@ -42,6 +63,7 @@ void PlaceStaticMeshes(RunState& run) {
     else
       run.Result.Findings.Count(FindingCode::MeshActorsWithoutMesh);
   });
+  PlaceMeshesOfOtherClasses(run);
 }
 
 } // namespace
@@ -54,8 +76,8 @@ void ProcessMeshes(RunState& run) {
 }
 
 void ProcessTerrain(RunState& run) {
-  ForEachActor(run, ActorFamily::Terrain, ReadTerrain,
-               [&](const TerrainRecord& terrain) { WriteTerrain(run.Context, terrain); });
+  TerrainWriter writer(run.Context);
+  ForEachActor(run, ActorFamily::Terrain, ReadTerrain, [&](const TerrainRecord& terrain) { writer.Write(terrain); });
 }
 
 void AnimateTextures(RunState& run) {

@@ -32,9 +32,12 @@ std::vector<ChosenFace> ChooseFaces(SceneContext& context, const BrushRecord& br
   std::vector<ChosenFace> faces;
   faces.reserve(brush.Polygons.size());
   const auto first = static_cast<int>(RoundToInteger(context.Settings.TextStartAtPoly, 0, 1 << 30));
+  for (int number = 0; number < std::min(first, static_cast<int>(brush.Polygons.size())); ++number)
+    context.Findings.Count(FindingCode::FacesBeforeStart);
   for (int number = first; number < static_cast<int>(brush.Polygons.size()); ++number) {
     const PolygonRecord& polygon = brush.Polygons[static_cast<std::size_t>(number)];
-    if (IsIgnoredFace(polygon, context.Settings)) {
+    if (const auto why = WhyIgnored(polygon, context.Settings)) {
+      context.Findings.Count(*why);
       context.User.ShowItem("ignoring face ", number);
       continue;
     }
@@ -191,11 +194,13 @@ std::string WebAddress(const std::string& text) {
   return EncodeWebAddress(address);
 }
 
-bool IsIgnoredFace(const PolygonRecord& polygon, const ConversionSettings& settings) {
-  if (polygon.Flags & (SurfaceInvisible | SurfaceFakeBackdrop)) return true;
-  if (!settings.CheckIgnore) return false;
-  return polygon.Texture.empty() || SameText(polygon.Texture, "None") || SameText(polygon.Texture, "DefaultTexture") ||
-         SameText(polygon.Texture, "Engine.DefaultTexture");
+std::optional<FindingCode> WhyIgnored(const PolygonRecord& polygon, const ConversionSettings& settings) {
+  if (polygon.Flags & SurfaceInvisible) return FindingCode::InvisibleFaces;
+  if (polygon.Flags & SurfaceFakeBackdrop) return FindingCode::BackdropFaces;
+  const bool textured = !polygon.Texture.empty() && !SameText(polygon.Texture, "None") &&
+                        !SameText(polygon.Texture, "DefaultTexture") &&
+                        !SameText(polygon.Texture, "Engine.DefaultTexture");
+  return settings.CheckIgnore && !textured ? std::optional(FindingCode::FacesWithoutTexture) : std::nullopt;
 }
 
 } // namespace quarvel

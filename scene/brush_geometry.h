@@ -4,6 +4,7 @@
 #include "scene/scene_context.h"
 #include "t3d/brush_record.h"
 
+#include <optional>
 #include <string>
 
 namespace quarvel {
@@ -30,7 +31,7 @@ std::string BrushName(const ActorHeader& header, int number);
 /// none.
 std::string WebAddress(const std::string& text);
 
-/// True when the polygon is one that nobody sees in the game, or that the options leave out.
-bool IsIgnoredFace(const PolygonRecord& polygon, const ConversionSettings& settings);
+/// Why a polygon is left out: nobody sees it in the game, or the options leave it out. nullopt when it is not.
+std::optional<FindingCode> WhyIgnored(const PolygonRecord& polygon, const ConversionSettings& settings);
 
 } // namespace quarvel

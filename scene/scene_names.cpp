@@ -9,6 +9,9 @@ bool IsForbiddenInNames(char c) {
   return code <= 0x20 || code >= 0x7f || std::string_view("\"#',.:[\\]{}&<>").find(c) != std::string_view::npos;
 }
 
+/// What is put before and behind a name keeps it below 200 characters.
+constexpr std::size_t longestName = 180;
+
 bool IsForbiddenFirst(char c) { return (c >= '0' && c <= '9') || c == '+' || c == '-'; }
 
 } // namespace
@@ -16,7 +19,7 @@ bool IsForbiddenFirst(char c) { return (c >= '0' && c <= '9') || c == '+' || c =
 std::string MakeDefName(std::string_view text) {
   std::string name;
   if (text.empty() || IsForbiddenFirst(text.front())) name = "_";
-  for (const char c : text)
+  for (const char c : text.substr(0, longestName))
     name += IsForbiddenInNames(c) ? '_' : c;
   return name;
 }

@@ -8,7 +8,7 @@ namespace quarvel {
 
 /// A text as a DEF name: the characters that VRML97 (grammar, IdFirstChar and IdRestChars), the X3D classic encoding
 /// and XML attributes do not allow become "_", and a name that may not begin as it does gets a "_" in front. Ordinary
-/// names come through unchanged.
+/// names come through unchanged, very long ones are cut.
 std::string MakeDefName(std::string_view text);
 
 /// A text for a quoted string of the scene: apostrophes become one backquote, double quotes two, and characters that

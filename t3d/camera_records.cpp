@@ -1,11 +1,13 @@
 #include "t3d/camera_records.h"
 
+#include "base/ascii_text.h"
 #include "base/reference.h"
 #include "t3d/record_reading.h"
 
 #include <cctype>
 #include <charconv>
 #include <map>
+#include <utility>
 
 namespace quarvel {
 
@@ -49,26 +51,33 @@ void ReadActionKeys(const TextBlock& block, SceneActionRecord& action) {
   GetKeyValue(block, "PathVelocity=", action.PathVelocity);
 }
 
-/// Reads the sub-object of that name, which may stand before or after the entry that refers to it. False when the actor
-/// holds none, or one that is neither of the two kinds.
-bool ReadAction(const TextBlock& actor, std::string_view name, SceneActionRecord& action) {
+/// Where the sub-objects of an actor stand, by their names in lower case; the first of a name counts.
+using SubObjects = std::map<std::string, std::pair<TextCursor, TextCursor>>;
+
+SubObjects FindSubObjects(const TextBlock& actor) {
   constexpr std::string_view beginObject = "Begin Object";
+  SubObjects objects;
   const std::string_view text = actor.Text();
   TextCursor begin = FindText(text, beginObject, actor.From(), actor.To());
   while (begin != 0) {
     const TextCursor start = begin + static_cast<TextCursor>(beginObject.size());
     const TextCursor end = FindText(text, "End Object", start, actor.To());
-    if (end == 0) return false;
-    const TextBlock object(text, start, end);
-    if (SameText(GetStringValue(object, "Name="), name)) {
-      const std::string className = GetStringValue(object, "Class=");
-      action.Kind = className.ends_with("ActionPause") ? SceneActionKind::Pause : SceneActionKind::MoveCamera;
-      ReadActionKeys(object, action);
-      return className.ends_with("ActionPause") || className.ends_with("ActionMoveCamera");
-    }
+    if (end == 0) break;
+    objects.try_emplace(LowerCase(GetStringValue(TextBlock(text, start, end), "Name=")), start, end);
     begin = FindText(text, beginObject, end, actor.To());
   }
-  return false;
+  return objects;
+}
+
+/// False when the actor holds no such sub-object, or one that is neither of the two kinds.
+bool ReadAction(const TextBlock& actor, const SubObjects& objects, std::string_view name, SceneActionRecord& action) {
+  const auto at = objects.find(LowerCase(name));
+  if (at == objects.end()) return false;
+  const TextBlock object(actor.Text(), at->second.first, at->second.second);
+  const std::string className = GetStringValue(object, "Class=");
+  action.Kind = className.ends_with("ActionPause") ? SceneActionKind::Pause : SceneActionKind::MoveCamera;
+  ReadActionKeys(object, action);
+  return className.ends_with("ActionPause") || className.ends_with("ActionMoveCamera");
 }
 
 /// The entries "Actions(n)=..." by their index.
@@ -92,13 +101,14 @@ std::map<int, std::string_view> ActionReferences(const TextBlock& block) {
 
 void ReadActions(const TextBlock& block, SceneManagerRecord& manager) {
   constexpr std::size_t gapsTold = 10;
+  const SubObjects objects = FindSubObjects(block);
   int next = 0;
   for (const auto& [index, reference] : ActionReferences(block)) {
     for (; next < index && manager.ActionGaps.size() < gapsTold; ++next)
       manager.ActionGaps.push_back(next);
     next = index + 1;
     SceneActionRecord action;
-    if (ReadAction(block, ReferenceName(Trimmed(reference)), action))
+    if (ReadAction(block, objects, ReferenceName(Trimmed(reference)), action))
       manager.Actions.push_back(action);
     else
       ++manager.MissingActions;

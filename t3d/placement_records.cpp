@@ -34,6 +34,8 @@ void ReadStaticMeshKeys(const TextBlock& block, StaticMeshRecord& mesh) {
   ReadPlace(block, mesh);
   mesh.DrawScale3D = GetVectorOr1(block, "DrawScale3D=");
   GetKeyValue(block, "DrawScale=", mesh.DrawScale);
+  GetKeyValue(block, "DrawType=", mesh.DrawType);
+  GetKeyValue(block, "bHidden=", mesh.bHidden);
 }
 
 } // namespace

@@ -34,6 +34,8 @@ struct StaticMeshRecord {
   Rotator3 Rotation;
   Vector3 DrawScale3D{1, 1, 1};
   double DrawScale = ClassDefaults::DrawScale;
+  std::string DrawType; ///< "DT_StaticMesh" ...; empty for the class's own
+  bool bHidden = false;
 };
 
 /// Each reads the record of one of the level's actors.

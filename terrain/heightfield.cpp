@@ -57,16 +57,19 @@ std::string WhyNoHeightfield(const TerrainRecord& terrain, int width, int height
   return {};
 }
 
+Vector3 TerrainCorner(int width, int height, const TerrainRecord& terrain, double groundScale) {
+  const double spacingX = terrain.TerrainScale.X * groundScale, spacingY = terrain.TerrainScale.Y * groundScale;
+  return AddVector(terrain.Location, {-width / 2.0 * spacingX, -height / 2.0 * spacingY, 0});
+}
+
 Heightfield MakeHeightfield(const Heightmap& map, const TerrainRecord& terrain, double groundScale,
                             const SceneSpace& space) {
   Heightfield field;
   field.Width = map.Width;
   field.Height = map.Height;
-  const double spacingX = terrain.TerrainScale.X * groundScale, spacingY = terrain.TerrainScale.Y * groundScale;
-  field.SpacingX = spacingX * space.Scale();
-  field.SpacingZ = spacingY * space.Scale();
-  const Vector3 toCorner{-map.Width / 2.0 * spacingX, -map.Height / 2.0 * spacingY, 0};
-  field.Corner = space.Position(AddVector(terrain.Location, toCorner));
+  field.SpacingX = terrain.TerrainScale.X * groundScale * space.Scale();
+  field.SpacingZ = terrain.TerrainScale.Y * groundScale * space.Scale();
+  field.Corner = space.Position(TerrainCorner(map.Width, map.Height, terrain, groundScale));
   field.Heights.reserve(map.Samples.size());
   const double unitsPerSample = terrain.TerrainScale.Z / samplesPerUnit * space.Scale();
   for (const std::uint16_t sample : map.Samples)

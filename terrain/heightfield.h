@@ -36,6 +36,9 @@ std::string WhyNoHeightfield(const TerrainRecord& terrain, int width, int height
 Heightfield MakeHeightfield(const Heightmap& map, const TerrainRecord& terrain, double groundScale,
                             const SceneSpace& space);
 
+/// The editor's place of the first sample at the middle height.
+Vector3 TerrainCorner(int width, int height, const TerrainRecord& terrain, double groundScale);
+
 /// Where the texture lies; the image's rows grow downwards, V upwards.
 TexturePoint TerrainTexturePoint(const Heightfield& field, int x, int y);
 

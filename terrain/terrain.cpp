@@ -14,6 +14,8 @@ namespace {
 
 /// Neighbouring squares are shaded as one surface, unless the user asks for an angle of their own.
 constexpr double smoothAngle = Pi / 2;
+/// Different ones; no real level has more than a few.
+constexpr int surfacesOfOneMap = 16;
 
 std::optional<Heightmap> LeaveOut(SceneContext& context, const TerrainRecord& terrain, const std::string& reason) {
   context.Findings.Add(FindingCode::TerrainLeftOut, terrain.Header.Name, reason);
@@ -46,14 +48,12 @@ void WriteTexturePoints(SceneWriter& scene, const std::vector<TexturePoint>& poi
   scene.OneListNode("        texCoord ", "TextureCoordinate", {}, "point", TexturePointList(points));
 }
 
-/// Writes a shape of this texture; `writeFields` is handed its geometry node.
-template <typename WriteFields>
-void WriteShape(SceneContext& context, int texture, const char* type, WriteFields writeFields) {
+/// Writes a shape of this texture; `writeGeometry` writes its geometry node behind the lead that it is handed.
+template <typename WriteGeometry>
+void WriteShape(SceneContext& context, int texture, WriteGeometry writeGeometry) {
   SceneNode shape = context.Scene.Open("    ", "Shape");
   context.Materials.WriteAppearance(texture, context.User);
-  SceneNode geometry = context.Scene.Open("      geometry ", type);
-  writeFields(geometry);
-  geometry.Close();
+  writeGeometry("      geometry ");
   shape.Close();
   context.Scene.Flush();
 }
@@ -84,59 +84,103 @@ bool HasHiddenSquare(const Heightfield& field, const TerrainRecord& terrain) {
   return false;
 }
 
-void WriteElevationGrid(SceneContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
-  WriteShape(context, texture, "ElevationGrid", [&](SceneNode& grid) {
-    grid.Field("        xDimension", std::to_string(field.Width));
-    grid.Field("        zDimension", std::to_string(field.Height));
-    grid.Field("        xSpacing", FormatFlt(field.SpacingX));
-    grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
-    WriteSurfaceFields(grid, context.Settings);
-    grid.List("        height", HeightList(field));
-    if (BaseLayer(terrain)) WriteTexturePoints(context.Scene, TexturePointsOf(field));
-  });
-  if (HasHiddenSquare(field, terrain)) context.Findings.Add(FindingCode::HiddenSquares, terrain.Header.Name);
+void WriteElevationGrid(SceneContext& context, const Heightfield& field, bool textured, SceneNode& grid) {
+  grid.Field("        xDimension", std::to_string(field.Width));
+  grid.Field("        zDimension", std::to_string(field.Height));
+  grid.Field("        xSpacing", FormatFlt(field.SpacingX));
+  grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
+  WriteSurfaceFields(grid, context.Settings);
+  grid.List("        height", HeightList(field));
+  if (textured) WriteTexturePoints(context.Scene, TexturePointsOf(field));
 }
 
-void WritePatch(SceneContext& context, const TerrainPatch& patch, bool textured, int texture) {
+void WritePatch(SceneContext& context, const TerrainPatch& patch, bool textured, SceneNode& faces) {
   SceneWriter& scene = context.Scene;
-  WriteShape(context, texture, "IndexedFaceSet", [&](SceneNode& faces) {
-    WriteSurfaceFields(faces, context.Settings);
-    scene.OneListNode("        coord ", "Coordinate", scene.TakeName("C_TerrainCoords"), "point",
-                      PointList(patch.Points));
-    if (textured) WriteTexturePoints(scene, patch.TexturePoints);
-    faces.List("        coordIndex", IndexList(patch.Faces));
-  });
+  WriteSurfaceFields(faces, context.Settings);
+  scene.OneListNode("        coord ", "Coordinate", scene.TakeName("C_TerrainCoords"), "point",
+                    PointList(patch.Points));
+  if (textured) WriteTexturePoints(scene, patch.TexturePoints);
+  faces.List("        coordIndex", IndexList(patch.Faces));
 }
 
-void WriteFaceSets(SceneContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
-  for (int top = 0; top < field.Height - 1; top += PatchSquares)
-    for (int left = 0; left < field.Width - 1; left += PatchSquares) {
-      const TerrainPatch patch = MakePatch(field, terrain, left, top);
-      if (!patch.Faces.empty()) WritePatch(context, patch, BaseLayer(terrain) != nullptr, texture);
-    }
+/// All that the geometry of a terrain depends on.
+std::string SurfaceKey(const TerrainRecord& terrain) {
+  std::string key = LowerCase(terrain.TerrainMap) + " " + FormatGeneral(terrain.TerrainScale.X) + " " +
+                    FormatGeneral(terrain.TerrainScale.Y) + " " + FormatGeneral(terrain.TerrainScale.Z);
+  if (const TerrainLayer* layer = BaseLayer(terrain))
+    key += " " + LowerCase(layer->Texture) + " " + FormatGeneral(layer->UScale) + " " + FormatGeneral(layer->VScale);
+  for (const auto bits : terrain.QuadVisibilityBitmap)
+    key += " " + std::to_string(bits);
+  return key;
 }
 
 } // namespace
 
-bool WriteTerrain(SceneContext& context, const TerrainRecord& terrain) {
-  const auto map = FindHeightmap(context, terrain);
-  if (!map) return false;
-  SceneWriter& scene = context.Scene;
-  const Heightfield field = MakeHeightfield(*map, terrain, context.Settings.TextTerrainScale, context.Space);
-  const TerrainLayer* layer = BaseLayer(terrain);
-  const int texture = context.Materials.TextureNumber(layer ? layer->Texture : std::string(), 0, true);
+void TerrainWriter::WriteSurface(const Heightfield& field, const TerrainRecord& terrain, const std::string& name,
+                                 Surface& surface) {
+  SceneWriter& scene = context_.Scene;
+  const bool textured = BaseLayer(terrain) != nullptr;
+  const auto writeShape = [&](const char* type, auto writeFields) {
+    WriteShape(context_, surface.Texture, [&](const char* lead) {
+      surface.Geometries.push_back(scene.TakeName("F_" + name));
+      SceneNode geometry = scene.Open(lead, type, surface.Geometries.back(), {.Routed = false});
+      writeFields(geometry);
+    });
+  };
+  if (!context_.Settings.OptionTerrainIFS) {
+    writeShape("ElevationGrid", [&](SceneNode& grid) { WriteElevationGrid(context_, field, textured, grid); });
+    return;
+  }
+  for (int top = 0; top < field.Height - 1; top += PatchSquares)
+    for (int left = 0; left < field.Width - 1; left += PatchSquares)
+      if (const TerrainPatch patch = MakePatch(field, terrain, left, top); !patch.Faces.empty())
+        writeShape("IndexedFaceSet", [&](SceneNode& faces) { WritePatch(context_, patch, textured, faces); });
+}
 
-  const std::string name = terrain.Header.Name.empty() ? terrain.Header.Class : terrain.Header.Name;
-  SceneNode transform = scene.Open("", "Transform", scene.TakeName(MakeDefName(name)));
-  transform.Field("  translation", FormatVec(field.Corner));
+bool TerrainWriter::Write(const TerrainRecord& terrain) {
+  const std::string key = SurfaceKey(terrain);
+  auto known = surfaces_.find(key);
+  std::optional<Heightfield> field;
+  if (known == surfaces_.end()) {
+    const auto map = FindHeightmap(context_, terrain);
+    if (!map) return false;
+    if (++surfacesOfMap_[LowerCase(terrain.TerrainMap)] > surfacesOfOneMap) {
+      context_.Findings.Add(FindingCode::TooManyTerrainsOfMap, terrain.Header.Name, surfacesOfOneMap);
+      return false;
+    }
+    field = MakeHeightfield(*map, terrain, context_.Settings.TextTerrainScale, context_.Space);
+    const TerrainLayer* layer = BaseLayer(terrain);
+    known = surfaces_.try_emplace(key).first;
+    known->second.Texture = context_.Materials.TextureNumber(layer ? layer->Texture : std::string(), 0, true);
+    known->second.Width = map->Width;
+    known->second.Height = map->Height;
+    if (!context_.Settings.OptionTerrainIFS && HasHiddenSquare(*field, terrain))
+      known->second.ShowsHiddenSquares = true;
+  }
+  Surface& surface = known->second;
+  if (surface.ShowsHiddenSquares) context_.Findings.Add(FindingCode::HiddenSquares, terrain.Header.Name);
+  WriteTransform(terrain, surface, field);
+  return true;
+}
+
+void TerrainWriter::WriteTransform(const TerrainRecord& terrain, Surface& surface,
+                                   const std::optional<Heightfield>& field) {
+  SceneWriter& scene = context_.Scene;
+  const std::string name =
+      scene.TakeName(MakeDefName(terrain.Header.Name.empty() ? terrain.Header.Class : terrain.Header.Name));
+  const Vector3 corner = TerrainCorner(surface.Width, surface.Height, terrain, context_.Settings.TextTerrainScale);
+  SceneNode transform = scene.Open("", "Transform", name);
+  transform.Field("  translation", context_.Space.PositionText(corner));
   transform.Children("  ");
-  if (context.Settings.OptionTerrainIFS)
-    WriteFaceSets(context, field, terrain, texture);
-  else
-    WriteElevationGrid(context, field, terrain, texture);
+  if (field) {
+    WriteSurface(*field, terrain, name, surface);
+  } else {
+    const char* type = context_.Settings.OptionTerrainIFS ? "IndexedFaceSet" : "ElevationGrid";
+    for (const std::string& geometry : surface.Geometries)
+      WriteShape(context_, surface.Texture, [&](const char* lead) { scene.Use(lead, type, geometry); });
+  }
   transform.Close();
   scene.Flush();
-  return true;
 }
 
 } // namespace quarvel

@@ -83,7 +83,7 @@ TEST_F(FlyThrough, FollowsTheActionsOfASceneManager) {
                    Action(SceneActionKind::MoveCamera, 3, "P2")};
   scene.Actions[5].PathStyle = "PATHSTYLE_Bezier";
   scene.Actions[5].StartControlPoint = {0, 40, 0};
-  const Flight flight = FlightOfScene(scene, triangle_, Findings);
+  const Flight flight = FlightOfScene(scene, IndexPoints(triangle_), Findings);
   MoverAnimation track = TrackOfFlight(flight, 0.5);
   EXPECT_EQ(track.PositionKeys,
             (std::vector<Vector3>{{0, 0, 0}, {0, 0, 0}, {100, 0, 0}, {100, 0, 0}, {100, 65, 0}, {100, 100, 0}}));

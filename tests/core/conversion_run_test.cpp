@@ -134,7 +134,9 @@ TEST(ConversionRun, ChoosesBrushesAndFaces) {
   settings.CheckBuildBrush = false;
   settings.CheckIgnore = true;
   settings.TextStartAtPoly = {"2", 2};
-  EXPECT_EQ(Convert(level, settings).Result.Faces, 1);
+  const Converted cut = Convert(level, settings);
+  EXPECT_EQ(cut.Result.Faces, 1);
+  EXPECT_EQ(cut.Result.Findings.Counts().at("faces left out that stand before TextStartAtPoly").Count, 2);
   settings.CheckDoGeometry = false;
   EXPECT_EQ(names(), Texts());
 }

@@ -94,6 +94,20 @@ TEST_F(SurroundingsTest, NewerLevelsInlineStaticMeshesAndThoseOfMovers) {
   EXPECT_EQ(Count("//Inline"), 0U);
 }
 
+TEST_F(SurroundingsTest, MeshesOfOtherClassesAreShownUnlessTheGameDoesNot) {
+  folder_.Write("lib/Gate.x3d", "");
+  const std::string gate = "    StaticMesh=StaticMesh'Pkg.Props.Gate'\n";
+  Convert(Actor("KVehicle", "Cart", newer + gate + "    Location=(X=105.0)\n") +
+          Actor("KVehicle", "Hidden", gate + "    bHidden=True\n") +
+          Actor("Decoration", "Sprite", gate + "    DrawType=DT_Sprite\n") +
+          Actor("Decoration", "None", "    StaticMesh=None\n"));
+  EXPECT_EQ(Count("//Inline"), 1U);
+  EXPECT_EQ(Count("//Transform[@DEF='MSHT_Cart'][@translation='2.0 0 0']/Inline[@DEF='MSH_Gate']"), 1U);
+  const auto& counts = result_.Findings.Counts();
+  EXPECT_EQ(counts.at("actors of class KVehicle of which only the mesh is shown").Count, 1);
+  EXPECT_EQ(counts.at("meshes of actors of class Decoration left out as the game does not draw them").Count, 1);
+}
+
 TEST_F(SurroundingsTest, TheLevelsPanSpeedComesBeforeThatOfItsZones) {
   const auto image = MadePngHead(70, 70);
   folder_.Write("lib/water.png", std::string(image.begin(), image.end()));

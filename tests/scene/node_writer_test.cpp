@@ -112,6 +112,7 @@ TEST(SceneNames, AreLegalAndNeverTakenTwice) {
   EXPECT_EQ(MakeDefName("12 a.b,c'd\"e#f{g}[h]\\i:j&k<l\xe4"), "_12_a_b_c_d_e_f_g__h__i_j_k_l_");
   EXPECT_EQ(MakeDefName("-x"), "_-x");
   EXPECT_EQ(MakeDefName(""), "_");
+  EXPECT_LT(MakeDefName(std::string(100000, 'x')).size(), 190U) << "names are repeated for every face";
   EXPECT_EQ(MakeSceneText("It's \"a\" & b<c\\\n"), "It`s ``a`` _ b_c__");
   UniqueNames names;
   EXPECT_EQ(names.Take("A"), "A");

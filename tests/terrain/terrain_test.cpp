@@ -45,7 +45,7 @@ class TerrainTest : public SceneFixture {
   }
   bool Write() {
     Begin();
-    return WriteTerrain(*context_, terrain_);
+    return TerrainWriter(*context_).Write(terrain_);
   }
   void Add(Surface& surface, double x, double z, const std::array<double, 3>& value) {
     const auto [at, isNew] = surface.try_emplace({std::lround(x * 100), std::lround(z * 100)}, value);
@@ -100,6 +100,28 @@ TEST_F(TerrainTest, BothFormsShowTheSameSurface) {
   EXPECT_TRUE(Element("//Coordinate[@DEF='C_TerrainCoords_6']"));
   EXPECT_EQ(CountElements("//Appearance[@USE]"), 5U);
   EXPECT_TRUE(report_.Findings().empty());
+}
+
+TEST_F(TerrainTest, OneHeightmapIsWrittenOnceAndThenUsed) {
+  for (const bool faceSets : {false, true}) {
+    settings_.OptionTerrainIFS = faceSets;
+    WriteHills(70, 5);
+    Begin();
+    TerrainWriter writer(*context_);
+    ASSERT_TRUE(writer.Write(terrain_));
+    terrain_.Location = {1, 2, 3};
+    ASSERT_TRUE(writer.Write(terrain_));
+    const std::string type = faceSets ? "//IndexedFaceSet" : "//ElevationGrid";
+    EXPECT_EQ(CountElements(type + "[@DEF]"), faceSets ? 2U : 1U);
+    EXPECT_EQ(CountElements("//Transform[@DEF='TerrainInfo0_2']" + type + "[@USE]"), faceSets ? 2U : 1U);
+    EXPECT_NE(Text().find("geometry USE F_TerrainInfo0\n"), std::string::npos);
+  }
+  TerrainWriter writer(*context_);
+  int written = 0;
+  for (int i = 0; i < 20; ++i, ++terrain_.TerrainScale.Z) // another shape each
+    written += writer.Write(terrain_);
+  EXPECT_EQ(written, 16);
+  EXPECT_EQ(report_.Findings().size(), 1U);
 }
 
 TEST_F(TerrainTest, HiddenSquaresAreLeftOutOrTold) {
