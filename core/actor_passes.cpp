@@ -24,7 +24,6 @@ ZoneBlock BrightestAmbience(const RunState& run) {
 } // namespace
 
 void ScanAmbience(RunState& run) {
-  run.Context.User.ShowPass("Scanning ambience");
   const auto infos = ReadAllShown(run.Part, run.Level, ActorFamily::Level, ReadLevel);
   if (!infos.empty()) WriteWorldInfo(run.Context.Scene, infos.front());
   FlushBlock(run);
@@ -37,8 +36,6 @@ void ScanAmbience(RunState& run) {
 }
 
 void WriteLights(RunState& run) {
-  if (!run.Context.Settings.CheckDoLights) return;
-  run.Context.User.ShowPass("Writing Lights");
   const ZoneBlock ambience = BrightestAmbience(run);
   if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Bounds);
   FlushBlock(run);
@@ -48,8 +45,6 @@ void WriteLights(RunState& run) {
 }
 
 void WriteAmbientSounds(RunState& run) {
-  if (!run.Context.Settings.CheckDoSounds) return;
-  run.Context.User.ShowPass("Writing Ambient Sounds");
   ForEachActor(run, ActorFamily::AmbientSound, ReadAmbientSound,
                [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Context, sound); });
   ForEachActor(run, ActorFamily::DynamicAmbientSound, ReadDynamicAmbientSound,
@@ -58,19 +53,19 @@ void WriteAmbientSounds(RunState& run) {
 
 void WriteSkyZone(RunState& run) {
   if (run.Sky == nullptr) return;
-  run.Context.User.ShowPass("Writing SkyZone");
   WriteSkyZoneWorld(run.Context, *run.Sky);
   FlushBlock(run);
 }
 
-void WriteTriggeredEvents(RunState& run) {
-  if (run.Context.Settings.CheckDoLights)
-    ForEachActor(run, ActorFamily::TriggerLight, ReadTriggerLight,
-                 [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Context, run.Triggers, light); });
-  if (run.Context.Settings.CheckDoSounds)
-    ForEachActor(
-        run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
-        [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Context, run.Triggers, sound); });
+void WriteTriggerLights(RunState& run) {
+  ForEachActor(run, ActorFamily::TriggerLight, ReadTriggerLight,
+               [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Context, run.Triggers, light); });
+}
+
+void WriteTriggeredSounds(RunState& run) {
+  ForEachActor(
+      run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
+      [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Context, run.Triggers, sound); });
 }
 
 } // namespace quarvel

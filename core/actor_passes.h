@@ -4,7 +4,8 @@
 
 namespace quarvel {
 
-/// The passes over all actors but brushes, movers and cameras, each with its progress text. They throw RunStopped.
+/// The passes over all actors but brushes, movers and cameras, as the table of passes orders them. They throw
+/// RunStopped.
 
 /// The level's title and author, and the fog of the level and its zones.
 void ScanAmbience(RunState& run);
@@ -18,7 +19,8 @@ void WriteAmbientSounds(RunState& run);
 /// The node that inlines the sky's own scene, when there is one.
 void WriteSkyZone(RunState& run);
 
-/// The lights and sounds that triggers start. Their links are noted, not yet written.
-void WriteTriggeredEvents(RunState& run);
+/// The lights and the sounds that triggers start. Their links are noted, not yet written.
+void WriteTriggerLights(RunState& run);
+void WriteTriggeredSounds(RunState& run);
 
 } // namespace quarvel

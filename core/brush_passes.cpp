@@ -54,8 +54,6 @@ std::optional<BrushRecord> ShownBrush(RunState& run, const ActorBlock& actor) {
 }
 
 void ProcessBrushes(RunState& run) {
-  if (!run.Context.Settings.CheckDoGeometry) return;
-  run.Context.User.ShowPass("Processing Brushes");
   if (ProcessWholeLevel(run)) return;
   if (run.Level.Actors.empty()) return ConvertPolyLists(run);
   run.Context.User.ShowItem("getting brush");

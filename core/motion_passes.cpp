@@ -46,8 +46,6 @@ void WritePrototypes(RunState& run) {
 }
 
 void WriteFlights(RunState& run) {
-  if (!run.Context.Settings.CheckOutputFlyThru || IsSky(run)) return;
-  run.Context.User.ShowPass("Getting Interpolation Points");
   const auto points = ReadAll(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint);
   const std::vector<Flight> flights = PlanFlights(run, points);
   ReportSpecialEvents(run);
@@ -62,19 +60,14 @@ void WriteFlights(RunState& run) {
 }
 
 void WriteStarts(RunState& run) {
+  ForEachActor(run, ActorFamily::PlayerStart, ReadPlacement,
+               [&](const PlacementRecord& start) { WriteViewpoint(run.Context, start); });
+}
+
+void WriteFirstView(RunState& run) {
   const auto starts = ReadAll(run, ActorFamily::PlayerStart, ReadPlacement);
-  if (run.Context.Settings.CheckOutputPlayerStarts) {
-    run.Context.User.ShowPass("Writing Starts");
-    for (const PlacementRecord& start : starts) {
-      WriteViewpoint(run.Context, start);
-      FlushBlock(run);
-      StepOn(run);
-    }
-  }
-  if (!run.Context.Settings.CheckMakeDefaultViewpoint || IsSky(run)) return;
   const Bounds3& bounds = run.Bounds;
   WriteDefaultViewpoint(run.Context, starts.empty() ? PlaceAbove(bounds, run.Context.Space) : starts.front(), bounds);
-  FlushBlock(run);
 }
 
 void WriteTeleports(RunState& run) {

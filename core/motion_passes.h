@@ -10,6 +10,8 @@ void WritePrototypes(RunState& run);
 /// The passes of everything that is a camera or takes visitors somewhere. Throw RunStopped.
 void WriteFlights(RunState& run);
 void WriteStarts(RunState& run);
+/// The default viewpoint, at the first start or above the level.
+void WriteFirstView(RunState& run);
 void WriteTeleports(RunState& run);
 
 } // namespace quarvel

@@ -46,8 +46,6 @@ void ProcessMoverClass(RunState& run, const MoverPass& pass) {
 }
 
 void ProcessMovers(RunState& run) {
-  if (!run.Context.Settings.CheckMovers) return;
-  run.Context.User.ShowPass("Processing Movers");
   const std::array<MoverPass, 4> passes{{
       {"Mover", "getting mover", "on mover ", "getting mover"},
       {"LoopMover", "getting mover", "on loopingmover ", "getting looper"},
@@ -63,30 +61,57 @@ void ProcessMovers(RunState& run) {
     if (isOwn(className)) ProcessMoverClass(run, {className, "getting mover", "on mover ", "getting mover", true});
 }
 
+using Settings = ConversionSettings;
+
+void ReportUnseen(RunState& run) { ReportUnseenActors(run.Level, run.Result.Findings); }
+void CollectTriggers(RunState& run) { run.Triggers = ReadTriggers(run.Context, run.Part, run.Level); }
+void WriteTriggers(RunState& run) { WriteTriggersAndLinks(run.Context, run.Triggers); }
+void ShowOnly(RunState& /*run*/) {}
+
+/// One pass over the level.
+struct Pass {
+  const char* Text;        ///< what the user is shown; empty while the text before it stays
+  bool Settings::*Option;  ///< nullptr: always made
+  void (*Make)(RunState&); ///< throws RunStopped
+  bool InSky = true;       ///< made for the sky's own scene, too
+};
+
+constexpr Pass allPasses[] = {
+    {"Pre-scan", nullptr, ReportUnseen, false},
+    {"Scanning ambience", nullptr, ScanAmbience},
+    {"getting triggers", nullptr, CollectTriggers},
+    {"Processing meshes", &Settings::CheckDoMeshes, ProcessMeshes},
+    {"Processing Brushes", &Settings::CheckDoGeometry, ProcessBrushes},
+    {"Processing Movers", &Settings::CheckMovers, ProcessMovers},
+    {"Processing terrain", &Settings::CheckDoTerrain, ProcessTerrain},
+    {"Processing non-geo", nullptr, ShowOnly},
+    {"Writing Lights", &Settings::CheckDoLights, WriteLights},
+    {"Getting Interpolation Points", &Settings::CheckOutputFlyThru, WriteFlights, false},
+    {"Writing Starts", &Settings::CheckOutputPlayerStarts, WriteStarts},
+    {"", &Settings::CheckMakeDefaultViewpoint, WriteFirstView, false},
+    {"Writing Ambient Sounds", &Settings::CheckDoSounds, WriteAmbientSounds},
+    {"Writing SkyZone", &Settings::CheckSkyZone, WriteSkyZone, false},
+    {"", nullptr, AnimateTextures},
+    {"", nullptr, WriteTeleports},
+    {"", &Settings::CheckDoLights, WriteTriggerLights},
+    {"", &Settings::CheckDoSounds, WriteTriggeredSounds},
+    {"", nullptr, WriteTriggers}, // last, when everything that they start has its name
+};
+
+bool IsMade(const Pass& pass, const RunState& run) {
+  if (!pass.InSky && run.Part.Kept == ScenePart::Kind::Sky) return false;
+  return pass.Option == nullptr || run.Context.Settings.*pass.Option;
+}
+
 } // namespace
 
 void MakePasses(RunState& run) {
-  run.Context.User.ShowPass("Pre-scan");
-  const bool isSky = run.Part.Kept == ScenePart::Kind::Sky;
-  if (!isSky) ReportUnseenActors(run.Level, run.Result.Findings);
-  ScanAmbience(run);
-  run.Context.User.ShowPass("getting triggers");
-  run.Triggers = ReadTriggers(run.Context, run.Part, run.Level);
-  ProcessMeshes(run);
-  ProcessBrushes(run);
-  ProcessMovers(run);
-  ProcessTerrain(run);
-  run.Context.User.ShowPass("Processing non-geo");
-  WriteLights(run);
-  WriteFlights(run);
-  WriteStarts(run);
-  WriteAmbientSounds(run);
-  WriteSkyZone(run);
-  AnimateTextures(run);
-  WriteTeleports(run);
-  WriteTriggeredEvents(run);
-  WriteTriggersAndLinks(run.Context, run.Triggers);
-  FlushBlock(run);
+  for (const Pass& pass : allPasses) {
+    if (!IsMade(pass, run)) continue;
+    if (*pass.Text != '\0') run.Context.User.ShowPass(pass.Text);
+    pass.Make(run);
+    FlushBlock(run);
+  }
 }
 
 } // namespace quarvel

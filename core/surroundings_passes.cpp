@@ -47,8 +47,6 @@ void PlaceStaticMeshes(RunState& run) {
 } // namespace
 
 void ProcessMeshes(RunState& run) {
-  if (!run.Context.Settings.CheckDoMeshes) return;
-  run.Context.User.ShowPass("Processing meshes");
   if (run.Level.LegacyFormat)
     PlaceClassMeshes(run);
   else
@@ -56,8 +54,6 @@ void ProcessMeshes(RunState& run) {
 }
 
 void ProcessTerrain(RunState& run) {
-  if (!run.Context.Settings.CheckDoTerrain) return;
-  run.Context.User.ShowPass("Processing terrain");
   ForEachActor(run, ActorFamily::Terrain, ReadTerrain,
                [&](const TerrainRecord& terrain) { WriteTerrain(run.Context, terrain); });
 }

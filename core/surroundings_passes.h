@@ -4,8 +4,7 @@
 
 namespace quarvel {
 
-// The passes over what surrounds the brushes of a level. Each does nothing when its option is off, and throws
-// RunStopped.
+// The passes over what surrounds the brushes of a level. They throw RunStopped.
 
 /// Static meshes, or in the older generation the actors whose class has a mesh file.
 void ProcessMeshes(RunState& run);
