@@ -39,7 +39,7 @@ void ScanAmbience(RunState& run) {
 void WriteLights(RunState& run) {
   if (!run.Context.Settings.CheckDoLights) return;
   run.Context.User.ShowPass("Writing Lights");
-  const ZoneBlock ambience = BrightestAmbience(run);
+  const ZoneBlock ambience = run.Context.Light ? ZoneBlock() : BrightestAmbience(run); // else it is baked
   if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Bounds);
   FlushBlock(run);
   ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Context, light); });

@@ -6,6 +6,7 @@
 #include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
 #include "scene/brush_geometry.h"
+#include "scene/mesh_light.h"
 #include "t3d/brush_record.h"
 #include "t3d/level_check.h"
 
@@ -72,11 +73,18 @@ void MakePasses(RunState& run) {
   ScanAmbience(run);
   run.Context.User.ShowPass("getting triggers");
   run.Triggers = ReadTriggers(run.Context, run.Part, run.Level);
-  ProcessMeshes(run);
-  ProcessBrushes(run);
+  if (run.Context.Settings.CheckBakeLight) {
+    ProcessBrushes(run); // whose light meshes take theirs from
+    ProcessMeshes(run);
+  } else {
+    ProcessMeshes(run);
+    ProcessBrushes(run);
+  }
   ProcessMovers(run);
   ProcessTerrain(run);
   run.Context.User.ShowPass("Processing non-geo");
+  WriteSharedMeshLights(run.Context);
+  FlushBlock(run);
   WriteLights(run);
   WriteFlights(run);
   WriteStarts(run);

@@ -4,6 +4,7 @@
 #include "math/number_text.h"
 #include "scene/geometry_fields.h"
 #include "terrain/heightfield.h"
+#include "terrain/terrain_light.h"
 
 #include <algorithm>
 #include <optional>
@@ -46,11 +47,23 @@ void WriteTexturePoints(SceneWriter& scene, const std::vector<TexturePoint>& poi
   scene.OneListNode("        texCoord ", "TextureCoordinate", {}, "point", TexturePointList(points));
 }
 
+/// The light of the samples, where it is baked; else none.
+std::vector<Vector3> ColorsOf(const SceneContext& context, const Heightfield& field) {
+  return context.Light ? TerrainColors(*context.Light, field, context.Space) : std::vector<Vector3>();
+}
+
+void WriteColors(SceneWriter& scene, const std::vector<Vector3>& colors) {
+  if (!colors.empty()) scene.OneListNode("        color ", "Color", {}, "color", PointList(colors));
+}
+
 /// Writes a shape of this texture; `writeFields` is handed its geometry node.
 template <typename WriteFields>
 void WriteShape(SceneContext& context, int texture, const char* type, WriteFields writeFields) {
   SceneNode shape = context.Scene.Open("    ", "Shape");
-  context.Materials.WriteAppearance(texture, context.User);
+  if (context.Light)
+    context.Materials.WriteBakedAppearance(texture, MaterialWriter::NoPage, context.User);
+  else
+    context.Materials.WriteAppearance(texture, context.User);
   SceneNode geometry = context.Scene.Open("      geometry ", type);
   writeFields(geometry);
   geometry.Close();
@@ -92,27 +105,33 @@ void WriteElevationGrid(SceneContext& context, const Heightfield& field, const T
     grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
     WriteSurfaceFields(grid, context.Settings);
     grid.List("        height", HeightList(field));
+    WriteColors(context.Scene, ColorsOf(context, field));
     if (BaseLayer(terrain)) WriteTexturePoints(context.Scene, TexturePointsOf(field));
   });
   if (HasHiddenSquare(field, terrain)) context.Findings.Add(FindingCode::HiddenSquares, terrain.Header.Name);
 }
 
-void WritePatch(SceneContext& context, const TerrainPatch& patch, bool textured, int texture) {
+void WritePatch(SceneContext& context, const TerrainPatch& patch, const std::vector<Vector3>& colors, bool textured,
+                int texture) {
   SceneWriter& scene = context.Scene;
   WriteShape(context, texture, "IndexedFaceSet", [&](SceneNode& faces) {
     WriteSurfaceFields(faces, context.Settings);
     scene.OneListNode("        coord ", "Coordinate", scene.TakeName("C_TerrainCoords"), "point",
                       PointList(patch.Points));
+    WriteColors(scene, colors);
     if (textured) WriteTexturePoints(scene, patch.TexturePoints);
     faces.List("        coordIndex", IndexList(patch.Faces));
   });
 }
 
 void WriteFaceSets(SceneContext& context, const Heightfield& field, const TerrainRecord& terrain, int texture) {
+  const std::vector<Vector3> colors = ColorsOf(context, field);
   for (int top = 0; top < field.Height - 1; top += PatchSquares)
     for (int left = 0; left < field.Width - 1; left += PatchSquares) {
       const TerrainPatch patch = MakePatch(field, terrain, left, top);
-      if (!patch.Faces.empty()) WritePatch(context, patch, BaseLayer(terrain) != nullptr, texture);
+      if (patch.Faces.empty()) continue;
+      WritePatch(context, patch, colors.empty() ? colors : PatchColors(colors, field, patch),
+                 BaseLayer(terrain) != nullptr, texture);
     }
 }
 
