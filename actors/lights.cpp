@@ -146,8 +146,9 @@ std::string WriteLightFor(SceneContext& context, const LightRecord& light, const
   const ConversionSettings& settings = context.Settings;
   if (settings.CheckIgnoreBlackLight && light.LightBrightness == 0) return {};
   LightPlan plan = PlanLight(context, light, use);
-  const bool written = settings.CheckOutputStaticLights || light.bDynamicLight || use.AlwaysWritten || Flickers(light);
-  if (!written) context.Findings.Count(FindingCode::StaticLights);
+  const bool written =
+      (settings.CheckOutputStaticLights && !context.Light) || use.AlwaysWritten || IsDynamicLight(light);
+  if (!written && !context.Light) context.Findings.Count(FindingCode::StaticLights);
   const bool hasSprite = HasSprite(context, light.Display, light.Header.Name);
   if (!written && !hasSprite) return {};
 
@@ -163,6 +164,8 @@ std::string WriteLightFor(SceneContext& context, const LightRecord& light, const
 }
 
 } // namespace
+
+bool IsDynamicLight(const LightRecord& light) { return light.bDynamicLight || Flickers(light); }
 
 std::string LightDefName(const ActorHeader& header) {
   const bool useName = header.Tag.empty() || SameText(header.Tag, "Light") || SameText(header.Tag, "Spotlight");

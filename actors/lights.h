@@ -9,6 +9,9 @@
 
 namespace quarvel {
 
+/// True for a light that changes while the scene runs: it is always written, and never baked.
+bool IsDynamicLight(const LightRecord& light);
+
 /// The name of a light's Transform before it is made unique: from its Tag, or from its Name when the Tag says nothing.
 std::string LightDefName(const ActorHeader& header);
 

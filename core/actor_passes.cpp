@@ -36,7 +36,7 @@ void ScanAmbience(RunState& run) {
 }
 
 void WriteLights(RunState& run) {
-  const ZoneBlock ambience = BrightestAmbience(run);
+  const ZoneBlock ambience = run.Context.Light ? ZoneBlock() : BrightestAmbience(run); // else it is baked
   if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Bounds);
   FlushBlock(run);
   ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Context, light); });

@@ -2,6 +2,7 @@
 
 #include "base/file_identity.h"
 #include "core/level_source.h"
+#include "core/light_pass.h"
 #include "core/motion_passes.h"
 #include "core/page_run.h"
 #include "core/run_failure.h"
@@ -244,14 +245,15 @@ void TellFailedFiles(RunResult& result) {
   result.Error = result.FailedFiles.front() + (more > 0 ? " (and " + std::to_string(more) + " more)" : "");
 }
 
-void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, RunMemory& memory,
+void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& asked, RunMemory& memory,
              RunInterface& user, RunResult& result, RunPurpose purpose) {
-  const SceneFileNames files = DeriveSceneFileNames(outFile, settings);
-  LoadText(inFile, settings, memory, user);
+  const SceneFileNames files = DeriveSceneFileNames(outFile, asked);
+  LoadText(inFile, asked, memory, user);
   for (const Finding& fault : memory.SourceFaults)
     result.Findings.Add(fault);
   const T3DLevel level(memory.T3DText, fs::path(memory.LoadedFileName).stem().string());
   if (const std::string why = WhyUnsupported(level); !why.empty()) throw InputFailed(inFile, why);
+  const ConversionSettings settings = SettingsForLight(asked, level, result.Findings);
   SceneOutputs outputs(memory.TypedOutput);
   const std::optional<SkyScene> sky = PlanSkyScene(level, files, settings, result.Findings);
   TakeOutputs(files, settings, inFile, memory.Files, BatchFiles::Kind::LevelScene, outputs);

@@ -6,6 +6,7 @@
 #include "math/vector.h"
 #include "settings/resource_kind.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -25,6 +26,14 @@ enum class RunOutcome {
   Done,    ///< the scene is complete
   Failed,  ///< the input could not be read or an output not be written; `RunResult::Error` says what
   Stopped, ///< the user asked the run to stop; the text scene is incomplete, the other outputs are not written
+};
+
+/// What was baked into light maps.
+struct BakedLightSummary {
+  std::size_t Lamps = 0;
+  std::uint64_t Texels = 0;
+  std::size_t Pages = 0;
+  double Seconds = 0;
 };
 
 /// What carving made of the brushes of a level, and of its sky.
@@ -64,6 +73,7 @@ struct RunResult {
   int UniqueMaterials = 0;
   CarvingResult Carving;
   Bounds3 Bounds = InitBounds(); ///< of the brush geometry, in scene units
+  BakedLightSummary Light;
   Report Findings;
   double Seconds = 0;
 };

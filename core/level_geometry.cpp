@@ -1,8 +1,10 @@
 #include "core/level_geometry.h"
 
 #include "core/brush_passes.h"
+#include "core/light_pass.h"
 #include "csg/carve.h"
 #include "scene/carved_level.h"
+#include "scene/lit_level.h"
 #include "scene/merged_level.h"
 
 #include <algorithm>
@@ -106,7 +108,12 @@ CarvedLevel CarveBrushes(const std::vector<LevelBrush>& brushes) {
 void WriteCarved(RunState& run, const GatheredBrushes& gathered) {
   run.Context.User.ShowItem("carving");
   const CarvedLevel level = CarveBrushes(gathered.Brushes);
-  const std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, gathered.Brushes, level);
+  std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, gathered.Brushes, level);
+  if (run.Context.Settings.CheckBakeLight) {
+    std::vector<LitSurface> lit = MakeLitSurfaces(surfaces);
+    AddHiddenSurfaces(run.Context, gathered.Brushes, level, lit);
+    BakeLight(run, surfaces, std::move(lit));
+  }
   CountCarving(run, level, surfaces.size());
   ReportOpenEdges(run, gathered.Brushes, level);
   run.Result.Brushes += static_cast<int>(gathered.Brushes.size() - level.Refused.size());
@@ -128,7 +135,9 @@ void WriteMerged(RunState& run, GatheredBrushes gathered) {
       kept.push_back(std::move(gathered.Brushes[i]));
   }
   run.Result.Brushes += static_cast<int>(kept.size());
-  WriteSurfaces(run, MakeSurfaces(run.Context, kept));
+  std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, kept);
+  if (run.Context.Settings.CheckBakeLight) BakeLight(run, surfaces, MakeLitSurfaces(surfaces));
+  WriteSurfaces(run, surfaces);
 }
 
 } // namespace

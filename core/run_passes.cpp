@@ -6,6 +6,7 @@
 #include "core/motion_passes.h"
 #include "core/surroundings_passes.h"
 #include "scene/brush_geometry.h"
+#include "scene/mesh_light.h"
 #include "t3d/brush_record.h"
 #include "t3d/level_check.h"
 
@@ -66,7 +67,15 @@ using Settings = ConversionSettings;
 void ReportUnseen(RunState& run) { ReportUnseenActors(run.Level, run.Result.Findings); }
 void CollectTriggers(RunState& run) { run.Triggers = ReadTriggers(run.Context, run.Part, run.Level); }
 void WriteTriggers(RunState& run) { WriteTriggersAndLinks(run.Context, run.Triggers); }
-void ShowOnly(RunState& /*run*/) {}
+void WriteMeshLights(RunState& run) { WriteSharedMeshLights(run.Context); }
+
+/// Meshes take their light from the level around them, so with baked light they come behind it.
+void MeshesFirst(RunState& run) {
+  if (!run.Context.Settings.CheckBakeLight) ProcessMeshes(run);
+}
+void MeshesInBakedLight(RunState& run) {
+  if (run.Context.Settings.CheckBakeLight) ProcessMeshes(run);
+}
 
 /// One pass over the level.
 struct Pass {
@@ -80,11 +89,12 @@ constexpr Pass allPasses[] = {
     {"Pre-scan", nullptr, ReportUnseen, false},
     {"Scanning ambience", nullptr, ScanAmbience},
     {"getting triggers", nullptr, CollectTriggers},
-    {"Processing meshes", &Settings::CheckDoMeshes, ProcessMeshes},
+    {"Processing meshes", &Settings::CheckDoMeshes, MeshesFirst},
     {"Processing Brushes", &Settings::CheckDoGeometry, ProcessBrushes},
+    {"", &Settings::CheckDoMeshes, MeshesInBakedLight},
     {"Processing Movers", &Settings::CheckMovers, ProcessMovers},
     {"Processing terrain", &Settings::CheckDoTerrain, ProcessTerrain},
-    {"Processing non-geo", nullptr, ShowOnly},
+    {"Processing non-geo", nullptr, WriteMeshLights},
     {"Writing Lights", &Settings::CheckDoLights, WriteLights},
     {"Getting Interpolation Points", &Settings::CheckOutputFlyThru, WriteFlights, false},
     {"Writing Starts", &Settings::CheckOutputPlayerStarts, WriteStarts},

@@ -12,7 +12,8 @@ RunState::RunState(const SceneFileNames& files, const ConversionSettings& settin
                    RunResult& result)
     : Level(level), Part(part), Sky(sky), Result(result), Outputs(outputs),
       File(outputs.Begin(files.Text, settings.CheckConforming ? TextCoding::Utf8 : TextCoding::AsIs, textName)),
-      Context(File, settings, resources, user, result.Findings, level.LitColor), Numbers(numbers) {}
+      Context(File, settings, resources, user, result.Findings, level.LitColor), Numbers(numbers),
+      SceneName(files.Document.stem().string()) {}
 
 void StepOn(RunState& run) {
   const double total = static_cast<double>(std::max<std::size_t>(run.Level.Actors.size(), 1));

@@ -6,6 +6,7 @@
 #include "core/conversion_run.h"
 #include "core/scene_outputs.h"
 #include "resources/resource_files.h"
+#include "scene/level_light.h"
 #include "scene/scene_context.h"
 #include "scene/text_file.h"
 #include "settings/conversion_settings.h"
@@ -13,6 +14,8 @@
 #include "t3d/world_records.h"
 
 #include <cstddef>
+#include <memory>
+#include <string>
 
 namespace quarvel {
 
@@ -37,6 +40,9 @@ struct RunState {
   SceneContext Context;
   TriggerList Triggers;
   NumberCheck& Numbers; ///< of the whole run
+
+  const std::string SceneName;       ///< the document's file name without its extension
+  std::unique_ptr<LevelLight> Light; ///< where light is baked
 
   int GeometryCount = 1;         ///< the number of the next brush or mover
   Bounds3 Bounds = InitBounds(); ///< of the brushes and movers, in scene units

@@ -86,6 +86,12 @@ std::string ContentText(const RunResult& result) {
          CountText(static_cast<std::size_t>(result.UniqueMaterials), "material", "materials");
 }
 
+std::string LightText(const BakedLightSummary& light) {
+  return "light of " + CountText(light.Lamps, "lamp", "lamps") +
+         " baked: " + CountText(light.Texels, "texel", "texels") + " on " + CountText(light.Pages, "page", "pages") +
+         " in " + SecondsText(light.Seconds);
+}
+
 std::string BoxText(const Bounds3& bounds) { return FormatVec(bounds.Min) + " to " + FormatVec(bounds.Max); }
 
 std::vector<ActorsOfReason> GroupByReason(const std::vector<Finding>& findings) {
@@ -117,6 +123,7 @@ void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
   for (const std::filesystem::path& file : result.FilesWritten)
     WriteLine(out, "wrote " + file.string());
   WriteLine(out, ContentText(result));
+  if (result.Light.Pages > 0) WriteLine(out, LightText(result.Light));
   if (!IsEmpty(result.Bounds)) WriteLine(out, "box: " + BoxText(result.Bounds));
   WriteCarving(out, result.Carving, inFull);
   for (const auto& [what, counted] : result.Findings.Counts())

@@ -18,6 +18,9 @@ std::string SecondsText(double seconds);
 /// "3 brushes, 18 faces, 2 materials".
 std::string ContentText(const RunResult& result);
 
+/// "light of 3 lamps baked: 5000 texels on 1 page in 0.12 s".
+std::string LightText(const BakedLightSummary& light);
+
 /// "0 0 0 to 1 2 3".
 std::string BoxText(const Bounds3& bounds);
 

@@ -20,12 +20,15 @@ std::string MovementType(const ConversionSettings& settings) {
   return type;
 }
 
-SceneNode OpenRoot(SceneWriter& scene) {
+/// Lights that reach no farther than their group, as lit meshes have them, take a later version than the rest.
+const char* VersionOf(const ConversionSettings& settings) { return settings.CheckBakeLight ? "3.3" : "3.0"; }
+
+SceneNode OpenRoot(SceneWriter& scene, const ConversionSettings& settings) {
   scene.BeginDocument("Converted with Quarvel/VRML");
   SceneNode root = scene.Open("", "X3D", {}, {.Scope = SceneScope::Document});
   root.Attribute("profile", "Immersive");
   if (!scene.Conforming()) return root;
-  root.Attribute("version", "3.0");
+  root.Attribute("version", VersionOf(settings));
   const SceneNode head = scene.Open("", "head", {}, {.Scope = SceneScope::Document});
   SceneNode component = scene.Open("", "component", {}, {.Scope = SceneScope::Document});
   component.Attribute("name", "Interpolation");
@@ -55,7 +58,7 @@ SceneNode OpenGroup(SceneWriter& scene, const ConversionSettings& settings) {
 
 void WriteTextHeader(SceneWriter& scene, const ConversionSettings& settings) {
   if (scene.IsX3DClassic()) {
-    scene.Line("#X3D V3.0 utf8");
+    scene.Line("#X3D V", VersionOf(settings), " utf8");
     scene.Line("");
     scene.Line("PROFILE Immersive");
     if (scene.Conforming()) scene.Line("COMPONENT Interpolation:", interpolationLevel);
@@ -76,7 +79,7 @@ void WriteTextHeader(SceneWriter& scene, const ConversionSettings& settings) {
 }
 
 SceneFrame::SceneFrame(SceneWriter& scene, const ConversionSettings& settings, const std::string& sceneName)
-    : root_(OpenRoot(scene)), scene_(scene.Open("", "Scene", {}, {.Scope = SceneScope::Document})),
+    : root_(OpenRoot(scene, settings)), scene_(scene.Open("", "Scene", {}, {.Scope = SceneScope::Document})),
       enclosing_(OpenEnclosing(scene, settings.CheckEnclose, sceneName)), group_(OpenGroup(scene, settings)) {}
 
 void SceneFrame::CloseContent() {

@@ -1,5 +1,6 @@
 #include "core/surroundings_passes.h"
 
+#include "scene/mesh_light.h"
 #include "scene/texture_animation.h"
 #include "t3d/placement_records.h"
 #include "t3d/terrain_record.h"
@@ -24,12 +25,17 @@ std::vector<std::string> ClassesWithMesh(RunState& run) {
   return classes;
 }
 
+void PlaceMesh(RunState& run, const StaticMeshRecord& actor, std::string_view mesh) {
+  const auto lit = OpenMeshLight(run.Context, actor.Location);
+  run.Context.Meshes.WritePlacedMesh(actor, mesh);
+}
+
 void PlaceClassMeshes(RunState& run) {
   for (const std::string& className : ClassesWithMesh(run))
     for (const ActorBlock* block : run.Level.ActorsOf(className)) {
       const auto actor = ReadShown(run.Part, run.Level, *block, ReadStaticMesh);
       if (!actor) continue;
-      run.Context.Meshes.WritePlacedMesh(*actor, className);
+      PlaceMesh(run, *actor, className);
       FlushBlock(run);
       StepOn(run);
     }
@@ -51,7 +57,7 @@ void PlaceMeshesOfOtherClasses(RunState& run) {
       continue;
     }
     run.Result.Findings.Count(FindingCode::MeshesOfOtherClasses, block.Class);
-    run.Context.Meshes.WritePlacedMesh(*actor, actor->StaticMesh);
+    PlaceMesh(run, *actor, actor->StaticMesh);
     FlushBlock(run);
   }
 }
@@ -59,7 +65,7 @@ void PlaceMeshesOfOtherClasses(RunState& run) {
 void PlaceStaticMeshes(RunState& run) {
   ForEachActor(run, ActorFamily::StaticMesh, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
     if (NamesMesh(actor.StaticMesh))
-      run.Context.Meshes.WritePlacedMesh(actor, actor.StaticMesh);
+      PlaceMesh(run, actor, actor.StaticMesh);
     else
       run.Result.Findings.Count(FindingCode::MeshActorsWithoutMesh);
   });

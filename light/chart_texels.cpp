@@ -1,6 +1,7 @@
 #include "light/chart_texels.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -10,6 +11,9 @@ namespace {
 
 constexpr double reachOfTexels = 3; // texels from a piece to the centre of one that filtering may read
 constexpr double inward = 0.5; // Unreal units, by which points on an outline, where a wall may stand, are moved inside
+
+/// From a texel's centre, in texels: turned against the texels, so that edges along them are smoothed too.
+constexpr std::array<PlanePoint, 4> sampleOffsets{{{-0.45, -0.15}, {0.15, -0.45}, {0.45, 0.15}, {-0.15, 0.45}}};
 
 enum class TexelState : std::uint8_t {
   Unused,
@@ -139,10 +143,10 @@ class ChartLighter {
 
   /// The points from which a texel looks at the lamps. One behind a wall becomes the eye itself.
   std::array<Vector3, 4> SamplesAround(const Vector3& eye) const {
-    const Vector3 u = ScaleVector(lattice_.U, lattice_.Texel / 4), v = ScaleVector(lattice_.V, lattice_.Texel / 4);
-    const Vector3 low = SubtractVector(eye, v), high = AddVector(eye, v);
-    std::array<Vector3, 4> samples{SubtractVector(low, u), AddVector(low, u), SubtractVector(high, u),
-                                   AddVector(high, u)};
+    std::array<Vector3, 4> samples;
+    for (std::size_t i = 0; i < 4; ++i)
+      samples[i] = AddVector(eye, AddVector(ScaleVector(lattice_.U, lattice_.Texel * sampleOffsets[i].U),
+                                            ScaleVector(lattice_.V, lattice_.Texel * sampleOffsets[i].V)));
     const std::array<bool, 4> open = shadows_.Connected(eye, samples, lattice_.Normal);
     for (std::size_t i = 0; i < 4; ++i)
       if (!open[i]) samples[i] = eye;

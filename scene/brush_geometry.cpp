@@ -1,10 +1,13 @@
 #include "scene/brush_geometry.h"
 
+#include "csg/polygon.h"
 #include "math/number_text.h"
 #include "resources/url.h"
 #include "scene/brush_placement.h"
+#include "scene/face_set_writer.h"
 #include "scene/face_sets.h"
-#include "scene/geometry_fields.h"
+#include "scene/level_light.h"
+#include "scene/mesh_light.h"
 
 #include <algorithm>
 #include <optional>
@@ -27,6 +30,18 @@ void ShowMapping(SceneContext& context, const ChosenFace& face) {
   context.User.ShowTextureMapping(file.Source, corners);
 }
 
+/// The baked light at the corners of a face where it stands.
+std::vector<Vector3> ColorsOf(const SceneContext& context, const PolygonRecord& polygon,
+                              const BrushPlacement& placement) {
+  if (!context.Light || (polygon.Flags & SurfaceUnlit)) return {};
+  std::vector<Vector3> corners;
+  for (const Vector3& vertex : polygon.Vertices)
+    corners.push_back(context.Space.Location(TransformPoint(placement.WorldMatrix, vertex)));
+  const Vector3 normal = NormalizeVector(NewellVector(corners));
+  return context.Light->OfCorners(corners, placement.Mirrored ? ScaleVector(normal, -1) : normal,
+                                  (polygon.Flags & SurfaceSpecialLit) != 0);
+}
+
 std::vector<ChosenFace> ChooseFaces(SceneContext& context, const BrushRecord& brush, const BrushPlacement& placement,
                                     Bounds3& bounds) {
   std::vector<ChosenFace> faces;
@@ -46,33 +61,11 @@ std::vector<ChosenFace> ChooseFaces(SceneContext& context, const BrushRecord& br
     for (const Vector3& vertex : polygon.Vertices)
       GrowBounds(bounds, TransformPoint(placement.WorldMatrix, vertex));
     context.User.ShowItem("processing texture");
-    faces.push_back({&polygon, number, context.Materials.TextureNumber(polygon.Texture, polygon.Flags)});
+    faces.push_back({&polygon, number, context.Materials.TextureNumber(polygon.Texture, polygon.Flags),
+                     ColorsOf(context, polygon, placement)});
     if (context.User.WantsTextureMapping()) ShowMapping(context, faces.back());
   }
   return faces;
-}
-
-void WriteFaceSet(SceneContext& context, const FaceSet& set, const std::string& brushName, int number, bool mirrored) {
-  SceneWriter& scene = context.Scene;
-  const ConversionSettings& settings = context.Settings;
-  const std::string piece = scene.TakePieceName(brushName + std::to_string(number));
-  SceneNode shape = scene.Open("    ", "Shape");
-  context.Materials.WriteAppearance(set.TextureNumber, context.User);
-
-  SceneNode geometry = scene.Open("      geometry ", "IndexedFaceSet", "F_" + piece, {.Routed = false});
-  if (settings.CheckCreaseAngle) geometry.Field("        creaseAngle", FormatFlt(settings.TextCreaseAngle * Pi / 180));
-  geometry.Flag("        ccw", settings.CheckCCW != mirrored);
-  geometry.Flag("        solid", IsSolidFace(set.Flags));
-  scene.OneListNode("        coord ", "Coordinate", "C_" + piece, "point", PointList(set.Points));
-  scene.OneListNode("        texCoord ", "TextureCoordinate", "TC_" + piece, "point",
-                    TexturePointList(set.TexturePoints));
-  // One list serves both indices, since a corner is a position and a texture coordinate.
-  const std::string indices = IndexList(set.Faces);
-  geometry.List("        coordIndex", indices);
-  geometry.List("        texCoordIndex", indices);
-  geometry.Close();
-  shape.Close();
-  context.User.ShowItem("saving verts");
 }
 
 void WriteSeparateFace(SceneContext& context, const ChosenFace& face, const BrushPlacement& placement,
@@ -87,7 +80,8 @@ void WriteSeparateFace(SceneContext& context, const ChosenFace& face, const Brus
     WritePassable(*collision, "    collide");
     collision->Children("    ");
   }
-  WriteFaceSet(context, MakeFaceSet(face, placement, context.Materials), brushName, face.Number, placement.Mirrored);
+  WriteFaceSet(context, MakeFaceSet(face, placement, context.Materials), brushName + std::to_string(face.Number),
+               placement.Mirrored);
   if (collision) collision->Close();
   scene.Flush();
 }
@@ -96,7 +90,7 @@ void WriteMergedFaces(SceneContext& context, const std::vector<ChosenFace>& face
                       const BrushPlacement& placement, const std::string& brushName) {
   int number = 0;
   const auto write = [&](const FaceSet& set) {
-    WriteFaceSet(context, set, brushName, number++, placement.Mirrored);
+    WriteFaceSet(context, set, brushName + std::to_string(number++), placement.Mirrored);
     context.Scene.Flush();
   };
   for (const FaceSet& set : MergeFaces(faces, placement, context.Materials)) {
@@ -166,7 +160,10 @@ WrittenBrush WriteBrush(SceneContext& context, const BrushRecord& brush, int num
   if (!address.empty()) anchor.emplace(OpenAnchor(scene, address));
   WriteFaces(context, brush, faces, placement, written.Name);
   if (anchor) anchor->Close();
-  if (HasMeshForPolygons(brush, context.Settings)) context.Meshes.WriteMoverMesh(brush);
+  if (HasMeshForPolygons(brush, context.Settings)) {
+    const auto lit = OpenMeshLight(context, brush.Location);
+    context.Meshes.WriteMoverMesh(brush);
+  }
   transform.Close();
   context.User.ShowItem("done poly");
 

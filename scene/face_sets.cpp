@@ -28,6 +28,13 @@ struct CornerHash {
 
 using CornerIndex = std::unordered_map<Corner, int, CornerHash>;
 
+FaceSet NewSet(int textureNumber, std::uint32_t flags) {
+  FaceSet set;
+  set.TextureNumber = textureNumber;
+  set.Flags = flags;
+  return set;
+}
+
 int AddCorner(FaceSet& set, const Corner& corner) {
   set.Points.push_back(corner.Point);
   set.TexturePoints.push_back(corner.Texture);
@@ -69,8 +76,9 @@ class PositionGroups {
 } // namespace
 
 FaceSet MakeFaceSet(const ChosenFace& face, const BrushPlacement& placement, const MaterialWriter& materials) {
-  FaceSet set{face.TextureNumber, face.Polygon->Flags, {}, {}, {}};
+  FaceSet set = NewSet(face.TextureNumber, face.Polygon->Flags);
   std::vector<int>& indices = set.Faces.emplace_back();
+  if (!face.Colors.empty()) set.FaceColors.push_back(face.Colors);
   ForEachCorner(face, placement, materials, [&](const Corner& corner) { indices.push_back(AddCorner(set, corner)); });
   return set;
 }
@@ -83,13 +91,14 @@ std::vector<FaceSet> MergeFaces(const std::vector<ChosenFace>& faces, const Brus
   for (const ChosenFace& face : faces) {
     const auto [at, isNew] = setOfTexture.try_emplace(face.TextureNumber, sets.size());
     if (isNew) {
-      sets.push_back({face.TextureNumber, face.Polygon->Flags, {}, {}, {}});
+      sets.push_back(NewSet(face.TextureNumber, face.Polygon->Flags));
       corners.emplace_back();
     }
     FaceSet& set = sets[at->second];
     CornerIndex& known = corners[at->second];
     std::vector<int>& indices = set.Faces.emplace_back();
     indices.reserve(face.Polygon->Vertices.size());
+    if (!face.Colors.empty()) set.FaceColors.push_back(face.Colors);
     ForEachCorner(face, placement, materials, [&](const Corner& corner) {
       const auto [place, unseen] = known.try_emplace(corner, static_cast<int>(set.Points.size()));
       if (unseen) AddCorner(set, corner);
@@ -108,11 +117,13 @@ std::vector<FaceSet> SplitByPosition(const FaceSet& faces) {
   std::vector<FaceSet> pieces;
   std::map<int, std::size_t> pieceOfRoot;
   std::vector<int> newIndex(faces.Points.size(), -1);
-  for (const std::vector<int>& face : faces.Faces) {
+  for (std::size_t number = 0; number < faces.Faces.size(); ++number) {
+    const std::vector<int>& face = faces.Faces[number];
     const auto [at, isNew] = pieceOfRoot.try_emplace(groups.Root(face.front()), pieces.size());
-    if (isNew) pieces.push_back({faces.TextureNumber, faces.Flags, {}, {}, {}});
+    if (isNew) pieces.push_back(NewSet(faces.TextureNumber, faces.Flags));
     FaceSet& piece = pieces[at->second];
     std::vector<int>& indices = piece.Faces.emplace_back();
+    if (!faces.FaceColors.empty()) piece.FaceColors.push_back(faces.FaceColors[number]);
     for (const int corner : face) {
       const auto from = static_cast<std::size_t>(corner);
       if (newIndex[from] < 0) newIndex[from] = AddCorner(piece, {faces.Points[from], faces.TexturePoints[from]});

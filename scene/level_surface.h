@@ -23,6 +23,7 @@ struct LevelSurface {
 
   int LightPage = -1;                    ///< number of the light map that lights it; -1 for none
   std::vector<TexturePoint> LightPoints; ///< where its corners are on that; as many, or none
+  std::vector<Vector3> Colors;           ///< the light of its corners, for scenes without light maps; as many, or none
 };
 
 } // namespace quarvel

@@ -134,27 +134,87 @@ void MaterialWriter::WriteTexture(const TextureEntry& entry) {
   WriteImage(entry);
 }
 
-void MaterialWriter::WriteImage(const TextureEntry& entry) {
+void MaterialWriter::WriteImage(const TextureEntry& entry, std::string_view lead) {
   if (!imagesWritten_.insert(entry.ImageName).second) {
-    scene_.Use("        texture ", "ImageTexture", entry.ImageName);
+    scene_.Use(lead, "ImageTexture", entry.ImageName);
     return;
   }
-  SceneNode image = scene_.Open("        texture ", "ImageTexture", entry.ImageName);
+  SceneNode image = scene_.Open(lead, "ImageTexture", entry.ImageName);
   image.Strings("          url", entry.File.Url);
 }
 
-void MaterialWriter::WriteTransform(int number) {
+void MaterialWriter::WriteTransform(int number, std::string_view lead) {
   const TextureMotion motion = MotionOf(Entry(number).Flags);
   const char* name = TextureTransformName(motion);
   int& definedBy = definedBy_[static_cast<std::size_t>(motion)];
   if (definedBy >= 0) {
-    scene_.Use("        textureTransform ", "TextureTransform", name);
+    scene_.Use(lead, "TextureTransform", name);
     return;
   }
   definedBy = number;
-  SceneNode transform = scene_.Open("        textureTransform ", "TextureTransform", name);
+  SceneNode transform = scene_.Open(lead, "TextureTransform", name);
   transform.Field("          translation", "0 0");
   transform.Field("          scale", "1 1");
+}
+
+void MaterialWriter::WriteBakedAppearance(int number, int page, RunInterface& user) {
+  const TextureEntry& entry = Entry(number);
+  const auto [at, isNew] = bakedNames_.try_emplace({number, page});
+  if (!isNew) {
+    scene_.Use("      appearance ", "Appearance", at->second);
+    return;
+  }
+  at->second = page == NoPage ? entry.AppearanceName : names_.Take(entry.AppearanceName + "_L" + std::to_string(page));
+  user.ShowUniqueMaterials(++uniqueMaterialCount_);
+  const SceneNode appearance = scene_.Open("      appearance ", "Appearance", at->second);
+  if ((entry.Flags & SurfaceTranslucent) && !scene_.IsX3DClassic()) {
+    // VRML97 has no transparent colours.
+    SceneNode material = scene_.Open("        material ", "Material", {}, {.Scope = SceneScope::Text});
+    material.Field("          diffuseColor", "0 0 0");
+    material.Field("          emissiveColor", ".5 .5 .5");
+    material.Field("          transparency", ".5");
+  }
+  WriteBakedTextures(entry, page);
+  if (page == NoPage || entry.File.Url.empty())
+    WriteTransform(number);
+  else if (MotionOf(entry.Flags) != TextureMotion::Still)
+    WriteMapTransform(number);
+}
+
+void MaterialWriter::WriteBakedTextures(const TextureEntry& entry, int page) {
+  const bool hasImage = !entry.File.Url.empty();
+  if (page == NoPage) {
+    if (hasImage) WriteImage(entry);
+    return;
+  }
+  if (!hasImage) return WritePage(page, "        texture ");
+  const SceneScope maps = scene_.IsX3DClassic() ? SceneScope::Both : SceneScope::Document;
+  SceneNode both = scene_.Open("        texture ", "MultiTexture", {}, {.Scope = maps});
+  both.TextField("          mode", "[\"MODULATE\" \"MODULATE\"]");
+  both.Attribute("mode", "\"MODULATE\" \"MODULATE\"");
+  both.Nodes("          texture");
+  WriteImage(entry, scene_.IsX3DClassic() ? "            " : "        texture ");
+  WritePage(page, "            ");
+}
+
+/// A page of light maps, which VRML97 knows no use for.
+void MaterialWriter::WritePage(int page, std::string_view lead) {
+  const SceneScope maps = scene_.IsX3DClassic() ? SceneScope::Both : SceneScope::Document;
+  const std::string name = "LIGHTMAP" + std::to_string(page);
+  if (!pagesWritten_.insert(page).second) return scene_.Use(lead, "ImageTexture", name, maps);
+  SceneNode image = scene_.Open(lead, "ImageTexture", name, {.Scope = maps});
+  image.Strings("              url", pageUrls_[static_cast<std::size_t>(page)]);
+  image.Flag("              repeatS", false);
+  image.Flag("              repeatT", false);
+}
+
+/// What moves is the surface's own texture; its light map stands still.
+void MaterialWriter::WriteMapTransform(int number) {
+  const SceneScope maps = scene_.IsX3DClassic() ? SceneScope::Both : SceneScope::Document;
+  SceneNode both = scene_.Open("        textureTransform ", "MultiTextureTransform", {}, {.Scope = maps});
+  both.Nodes("          textureTransform");
+  WriteTransform(number, scene_.IsX3DClassic() ? "            " : "        textureTransform ");
+  const SceneNode still = scene_.Open("            ", "TextureTransform", {}, {.Scope = maps});
 }
 
 } // namespace quarvel

@@ -6,10 +6,12 @@
 #include "settings/conversion_settings.h"
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace quarvel {
@@ -46,15 +48,25 @@ class MaterialWriter {
   /// Writes the entry's appearance into the shape that was just opened.
   void WriteAppearance(int number, RunInterface& user);
 
+  /// The same for a surface whose light is baked: without a Material, so that no light changes it. `page` is that of
+  /// its light map, NoPage when the corners of the face set carry its light, or none does.
+  void WriteBakedAppearance(int number, int page, RunInterface& user);
+  /// Where the pages of light maps are: `url` of an ImageTexture. To be set before they are used.
+  void SetLightPages(std::vector<std::string> urls) { pageUrls_ = std::move(urls); }
+  static constexpr int NoPage = -1;
+
   int UniqueMaterialCount() const { return uniqueMaterialCount_; }
   /// Number of the texture that defined a shared transform, -1 while none did.
   int DefinedBy(TextureMotion motion) const { return definedBy_[static_cast<std::size_t>(motion)]; }
 
  private:
+  void WriteBakedTextures(const TextureEntry& entry, int page);
+  void WritePage(int page, std::string_view lead);
+  void WriteMapTransform(int number);
   void WriteMaterial(const TextureEntry& entry);
   void WriteTexture(const TextureEntry& entry);
-  void WriteImage(const TextureEntry& entry);
-  void WriteTransform(int number);
+  void WriteImage(const TextureEntry& entry, std::string_view lead = "        texture ");
+  void WriteTransform(int number, std::string_view lead = "        textureTransform ");
   std::string ImageNameFor(const TextureEntry& entry);
 
   SceneWriter& scene_;
@@ -67,6 +79,9 @@ class MaterialWriter {
   UniqueNames names_;
   std::set<std::string> materialsWritten_;
   std::set<std::string> imagesWritten_;
+  std::vector<std::string> pageUrls_;
+  std::map<std::pair<int, int>, std::string> bakedNames_; ///< by entry and page
+  std::set<int> pagesWritten_;
   int definedBy_[5] = {-1, -1, -1, -1, -1};
   int uniqueMaterialCount_ = 0;
 };

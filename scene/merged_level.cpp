@@ -1,8 +1,6 @@
 #include "scene/merged_level.h"
 
-#include "math/number_text.h"
-#include "scene/face_sets.h"
-#include "scene/geometry_fields.h"
+#include "scene/face_set_writer.h"
 
 #include <algorithm>
 #include <bit>
@@ -38,8 +36,15 @@ std::size_t Mix(std::size_t hash, double value) {
 struct PointHash {
   std::size_t operator()(const Vector3& p) const { return std::rotl(Mix(Mix(Mix(0, p.X), p.Y), p.Z), 32); }
 };
-struct TexturePointHash {
-  std::size_t operator()(const TexturePoint& p) const { return std::rotl(Mix(Mix(0, p.U), p.V), 32); }
+/// A corner on its texture and on its light map.
+struct SurfacePoint {
+  TexturePoint Texture, Light;
+  bool operator==(const SurfacePoint&) const = default;
+};
+struct SurfacePointHash {
+  std::size_t operator()(const SurfacePoint& p) const {
+    return std::rotl(Mix(Mix(Mix(Mix(0, p.Texture.U), p.Texture.V), p.Light.U), p.Light.V), 32);
+  }
 };
 
 Bounds3 BoxOf(const LevelSurface& surface) {
@@ -79,42 +84,29 @@ void AppendInPieces(SurfaceGroup group, std::size_t mostCorners, std::vector<Sur
 
 /// Positions and texture coordinates have lists and indices of their own: walls that meet share a position, hardly ever
 /// a texture coordinate.
-struct IndexedSurfaces {
-  Numbering<Vector3, PointHash> Points; ///< scene units
-  Numbering<TexturePoint, TexturePointHash> TexturePoints;
-  std::vector<std::vector<int>> PointIndices, TextureIndices;
-};
-
-IndexedSurfaces IndexSurfaces(const SurfaceGroup& group, const SceneSpace& space) {
-  IndexedSurfaces indexed;
+FaceSet IndexSurfaces(const SurfaceGroup& group, const SceneSpace& space) {
+  Numbering<Vector3, PointHash> points; // scene units
+  Numbering<SurfacePoint, SurfacePointHash> onSurface;
+  FaceSet set;
+  set.TextureNumber = group.Surfaces.front()->TextureNumber;
+  set.Flags = group.Surfaces.front()->Flags;
+  set.LightPage = group.Surfaces.front()->LightPage;
   for (const LevelSurface* surface : group.Surfaces) {
-    std::vector<int>& points = indexed.PointIndices.emplace_back();
-    std::vector<int>& textures = indexed.TextureIndices.emplace_back();
+    std::vector<int>& face = set.Faces.emplace_back();
+    std::vector<int>& textureFace = set.TextureFaces.emplace_back();
     for (std::size_t i = 0; i < surface->Points.size(); ++i) {
-      points.push_back(indexed.Points.NumberOf(space.Position(surface->Points[i])));
-      textures.push_back(indexed.TexturePoints.NumberOf(surface->TexturePoints[i]));
+      face.push_back(points.NumberOf(space.Position(surface->Points[i])));
+      const TexturePoint light = surface->LightPoints.empty() ? TexturePoint() : surface->LightPoints[i];
+      textureFace.push_back(onSurface.NumberOf({surface->TexturePoints[i], light}));
     }
+    if (!surface->Colors.empty()) set.FaceColors.push_back(surface->Colors);
   }
-  return indexed;
-}
-
-void WriteShape(SceneContext& context, const SurfaceGroup& group, int number) {
-  SceneWriter& scene = context.Scene;
-  const LevelSurface& first = *group.Surfaces.front();
-  const IndexedSurfaces indexed = IndexSurfaces(group, context.Space);
-  const std::string piece = scene.TakePieceName(levelName + std::to_string(number));
-  SceneNode shape = scene.Open("    ", "Shape");
-  context.Materials.WriteAppearance(first.TextureNumber, context.User);
-  SceneNode geometry = scene.Open("      geometry ", "IndexedFaceSet", "F_" + piece, {.Routed = false});
-  if (context.Settings.CheckCreaseAngle)
-    geometry.Field("        creaseAngle", FormatFlt(context.Settings.TextCreaseAngle * Pi / 180));
-  geometry.Flag("        ccw", context.Settings.CheckCCW);
-  geometry.Flag("        solid", IsSolidFace(first.Flags));
-  scene.OneListNode("        coord ", "Coordinate", "C_" + piece, "point", PointList(indexed.Points.Values));
-  scene.OneListNode("        texCoord ", "TextureCoordinate", "TC_" + piece, "point",
-                    TexturePointList(indexed.TexturePoints.Values));
-  geometry.List("        coordIndex", IndexList(indexed.PointIndices));
-  geometry.List("        texCoordIndex", IndexList(indexed.TextureIndices));
+  set.Points = std::move(points.Values);
+  for (const SurfacePoint& point : onSurface.Values) {
+    set.TexturePoints.push_back(point.Texture);
+    if (set.LightPage >= 0) set.LightPoints.push_back(point.Light);
+  }
+  return set;
 }
 
 void WriteGroup(SceneContext& context, const SurfaceGroup& group, int number) {
@@ -130,7 +122,7 @@ void WriteGroup(SceneContext& context, const SurfaceGroup& group, int number) {
     WritePassable(*collision, "    collide");
     collision->Children("    ");
   }
-  WriteShape(context, group, number);
+  WriteFaceSet(context, IndexSurfaces(group, context.Space), levelName + std::to_string(number), false);
   if (collision) collision->Close();
   if (anchor) anchor->Close();
   context.Scene.Flush();
@@ -139,12 +131,12 @@ void WriteGroup(SceneContext& context, const SurfaceGroup& group, int number) {
 } // namespace
 
 std::vector<SurfaceGroup> GroupSurfaces(std::span<const LevelSurface> surfaces, std::size_t mostCorners) {
-  using Kind = std::tuple<int, int, bool, bool, std::string_view>;
+  using Kind = std::tuple<int, int, bool, bool, bool, std::string_view>;
   std::map<Kind, std::size_t> known;
   std::vector<SurfaceGroup> groups;
   for (const LevelSurface& surface : surfaces) {
-    const Kind kind{surface.TextureNumber, surface.LightPage, surface.Passable, IsSolidFace(surface.Flags),
-                    surface.Url};
+    const Kind kind{surface.TextureNumber,      surface.LightPage,       surface.Passable,
+                    IsSolidFace(surface.Flags), !surface.Colors.empty(), surface.Url};
     const auto [at, isNew] = known.try_emplace(kind, groups.size());
     if (isNew) groups.emplace_back();
     groups[at->second].Surfaces.push_back(&surface);

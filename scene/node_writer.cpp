@@ -140,6 +140,12 @@ void SceneNode::Children(std::string_view indent, int closing) {
   writer_->open_.back().ChildrenClosing = closing < 0 ? static_cast<int>(indent.size()) : closing;
 }
 
+void SceneNode::Nodes(std::string_view line) {
+  if (!InText()) return;
+  writer_->Line(line, " [");
+  writer_->open_.back().ChildrenClosing = static_cast<int>(IndentOf(line));
+}
+
 SceneWriter::SceneWriter(TextFile& file, TextEncoding encoding, bool conforming)
     : file_(file), encoding_(encoding), conforming_(conforming) {}
 
@@ -199,21 +205,24 @@ void SceneWriter::OneFieldNode(std::string_view lead, const char* type, const ch
 }
 
 void SceneWriter::OneListNode(std::string_view lead, const char* type, std::string_view def, const char* field,
-                              const std::string& values) {
-  if (def.empty())
-    Line(lead, type, " { ", field, " [");
-  else
-    Line(lead, "DEF ", def, " ", type, " { ", field, " [");
-  Line(values, "]");
-  Line(lead.substr(0, IndentOf(lead)), "}");
+                              const std::string& values, SceneScope scope) {
+  if (scope != SceneScope::Document) {
+    if (def.empty())
+      Line(lead, type, " { ", field, " [");
+    else
+      Line(lead, "DEF ", def, " ", type, " { ", field, " [");
+    Line(values, "]");
+    Line(lead.substr(0, IndentOf(lead)), "}");
+  }
+  if (scope == SceneScope::Text) return;
   pugi::xml_node element = Innermost().append_child(type);
   if (!def.empty()) AddAttribute(element, "DEF", std::string(def));
   AddAttribute(element, field, values);
 }
 
-void SceneWriter::Use(std::string_view lead, const char* type, const std::string& name) {
-  Line(lead, "USE ", name);
-  AddAttribute(Innermost().append_child(type), "USE", name);
+void SceneWriter::Use(std::string_view lead, const char* type, const std::string& name, SceneScope scope) {
+  if (scope != SceneScope::Document) Line(lead, "USE ", name);
+  if (scope != SceneScope::Text) AddAttribute(Innermost().append_child(type), "USE", name);
 }
 
 void SceneWriter::DeclarePrototype(const char* name, std::span<const char* const> lines) {

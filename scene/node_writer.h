@@ -91,6 +91,8 @@ class SceneNode {
 
   /// Begins the list of children, which ends with the node. `closing` indents its end; -1: as its begin is.
   void Children(std::string_view indent, int closing = -1);
+  /// The same for another field that holds nodes.
+  void Nodes(std::string_view line);
   void Close();
 
   SceneWriter& Writer() const { return *writer_; }
@@ -141,9 +143,9 @@ class SceneWriter {
   void OneFieldNode(std::string_view lead, const char* type, const char* field, const std::string& value);
   /// Writes a node with one long list, whose values have a line of their own. No route will ever name it.
   void OneListNode(std::string_view lead, const char* type, std::string_view def, const char* field,
-                   const std::string& values);
+                   const std::string& values, SceneScope scope = SceneScope::Both);
   /// Writes a node that was written before: `lead`, "USE " and the name.
-  void Use(std::string_view lead, const char* type, const std::string& name);
+  void Use(std::string_view lead, const char* type, const std::string& name, SceneScope scope = SceneScope::Both);
 
   /// Declares a prototype by the lines of its text, unless that is done. One may not stand inside a node, so with
   /// `CheckEnclose` this has to be called before the enclosing Transform is begun.

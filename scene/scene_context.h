@@ -10,11 +10,15 @@
 #include "settings/conversion_settings.h"
 #include "t3d/actor_index.h"
 
+#include <array>
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quarvel {
+
+class LevelLight;
 
 /// An audio clip that stands in the scene and may be used again.
 struct WrittenClip {
@@ -38,7 +42,9 @@ struct SceneContext {
   SceneWriter Scene;
   MaterialWriter Materials;
   MeshInliner Meshes;
-  std::map<std::string, WrittenClip> Clips; ///< by the sound file's name in lower case
+  const LevelLight* Light = nullptr; ///< the light that is baked into the scene, if any; nothing else lights it then
+  std::vector<std::array<Vector3, 4>> MeshLight; ///< what was baked for each mesh, from the SidesOfLight
+  std::map<std::string, WrittenClip> Clips;      ///< by the sound file's name in lower case
 };
 
 /// The DEF name for an actor: `prefix` and its Name, made unique in the scene.

@@ -89,6 +89,9 @@ struct ConversionSettings {
   bool OptionIntensityOverride = false;
   NumberText TextLightIntensity{"1", 1};
   NumberText TextAmbientInfluence{"0.2", 0.2};
+  bool CheckBakeLight = false;
+  NumberText TextLightTexel{"16", 16};       ///< Unreal units
+  NumberText TextLightMapSize{"1024", 1024}; ///< texels
   NumberText TextSpriteScale{"1", 1};
   bool CheckFog = true;
   bool CheckHeadlight = true;

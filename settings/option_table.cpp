@@ -20,6 +20,8 @@ constexpr NumberRange positive{0, unbounded, true};
 constexpr NumberRange notNegative{0};
 constexpr NumberRange count{0, 1e9, false, true};
 constexpr NumberRange fraction{0, 1};
+constexpr NumberRange lightTexel{0.25, 4096};
+constexpr NumberRange lightMapSize{1, 4096, false, true};
 
 template <auto Member>
 constexpr OptionField Field() {
@@ -246,6 +248,12 @@ Rows ExtraRows() {
       Check(FIELD(CheckOutputStaticLights), "Output Static Lights", Tab::Lights,
             "Output Static Lights: also the many that never change; browsers show the first 8 lights only",
             "CheckDoLights"),
+      Check(FIELD(CheckBakeLight), "Bake light", Tab::Lights,
+            "Bakes the lights that never change into light maps, with shadows, as the game does; merges the level"),
+      Number(FIELD(TextLightTexel), "Texel", Tab::Lights, lightTexel, "Unreal units to one texel of a light map",
+             "CheckBakeLight"),
+      Number(FIELD(TextLightMapSize), "Map size", Tab::Lights, lightMapSize,
+             "Texels along the side of a light map; fewer than 16 become 16", "CheckBakeLight"),
       Number(FIELD(TextSoundRadiusScale), "Radius scale", Tab::Sounds, positive,
              "Scale sound radii by this amount (normally 1)", "CheckDoSounds"),
       Number(FIELD(TextSpriteScale), "Sprite scale", Tab::Lights, positive,

@@ -4,6 +4,7 @@
 #include "math/number_text.h"
 #include "scene/geometry_fields.h"
 #include "terrain/heightfield.h"
+#include "terrain/terrain_light.h"
 
 #include <algorithm>
 #include <optional>
@@ -48,11 +49,23 @@ void WriteTexturePoints(SceneWriter& scene, const std::vector<TexturePoint>& poi
   scene.OneListNode("        texCoord ", "TextureCoordinate", {}, "point", TexturePointList(points));
 }
 
+/// The light of the samples, where it is baked; else none.
+std::vector<Vector3> ColorsOf(const SceneContext& context, const Heightfield& field) {
+  return context.Light ? TerrainColors(*context.Light, field, context.Space) : std::vector<Vector3>();
+}
+
+void WriteColors(SceneWriter& scene, const std::vector<Vector3>& colors) {
+  if (!colors.empty()) scene.OneListNode("        color ", "Color", {}, "color", PointList(colors));
+}
+
 /// Writes a shape of this texture; `writeGeometry` writes its geometry node behind the lead that it is handed.
 template <typename WriteGeometry>
 void WriteShape(SceneContext& context, int texture, WriteGeometry writeGeometry) {
   SceneNode shape = context.Scene.Open("    ", "Shape");
-  context.Materials.WriteAppearance(texture, context.User);
+  if (context.Light)
+    context.Materials.WriteBakedAppearance(texture, MaterialWriter::NoPage, context.User);
+  else
+    context.Materials.WriteAppearance(texture, context.User);
   writeGeometry("      geometry ");
   shape.Close();
   context.Scene.Flush();
@@ -91,14 +104,17 @@ void WriteElevationGrid(SceneContext& context, const Heightfield& field, bool te
   grid.Field("        zSpacing", FormatFlt(field.SpacingZ));
   WriteSurfaceFields(grid, context.Settings);
   grid.List("        height", HeightList(field));
+  WriteColors(context.Scene, ColorsOf(context, field));
   if (textured) WriteTexturePoints(context.Scene, TexturePointsOf(field));
 }
 
-void WritePatch(SceneContext& context, const TerrainPatch& patch, bool textured, SceneNode& faces) {
+void WritePatch(SceneContext& context, const TerrainPatch& patch, const std::vector<Vector3>& colors, bool textured,
+                SceneNode& faces) {
   SceneWriter& scene = context.Scene;
   WriteSurfaceFields(faces, context.Settings);
   scene.OneListNode("        coord ", "Coordinate", scene.TakeName("C_TerrainCoords"), "point",
                     PointList(patch.Points));
+  WriteColors(scene, colors);
   if (textured) WriteTexturePoints(scene, patch.TexturePoints);
   faces.List("        coordIndex", IndexList(patch.Faces));
 }
@@ -131,14 +147,18 @@ void TerrainWriter::WriteSurface(const Heightfield& field, const TerrainRecord& 
     writeShape("ElevationGrid", [&](SceneNode& grid) { WriteElevationGrid(context_, field, textured, grid); });
     return;
   }
+  const std::vector<Vector3> colors = ColorsOf(context_, field);
   for (int top = 0; top < field.Height - 1; top += PatchSquares)
     for (int left = 0; left < field.Width - 1; left += PatchSquares)
       if (const TerrainPatch patch = MakePatch(field, terrain, left, top); !patch.Faces.empty())
-        writeShape("IndexedFaceSet", [&](SceneNode& faces) { WritePatch(context_, patch, textured, faces); });
+        writeShape("IndexedFaceSet", [&](SceneNode& faces) {
+          WritePatch(context_, patch, colors.empty() ? colors : PatchColors(colors, field, patch), textured, faces);
+        });
 }
 
 bool TerrainWriter::Write(const TerrainRecord& terrain) {
-  const std::string key = SurfaceKey(terrain);
+  std::string key = SurfaceKey(terrain);
+  if (context_.Light) key += " " + terrain.Header.Name + FormatVec(terrain.Location); // each has a light of its own
   auto known = surfaces_.find(key);
   std::optional<Heightfield> field;
   if (known == surfaces_.end()) {

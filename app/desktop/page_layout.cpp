@@ -34,6 +34,7 @@ std::vector<PageSection> NamedSections() {
        {"CheckDoLights", "CheckOutputStaticLights", "CheckIgnoreBlackLight", "CheckLightTransform",
         "TextLightRadiusScale", "TextSpriteScale"}},
       {Tab::Lights, 1, "Light intensity", {"OptionIntensityHack", "OptionIntensityOverride", "TextLightIntensity"}},
+      {Tab::Lights, 1, "Light maps", {"CheckBakeLight", "TextLightTexel", "TextLightMapSize"}},
       {Tab::Lights, 1, "Surroundings", {"CheckHeadlight", "CheckFog", "TextAmbientInfluence"}},
 
       {Tab::Sounds, 0, "Sounds", {"CheckDoSounds", "TextSoundRadiusScale"}},

@@ -1,5 +1,6 @@
 #include "scene/carved_level.h"
 #include "scene/merged_level.h"
+#include "tests/core/box_actor.h"
 #include "tests/core/converted.h"
 #include "tests/csg/made_brushes.h"
 #include "tests/scene/scene_readers.h"
@@ -14,24 +15,9 @@
 namespace quarvel {
 namespace {
 
-namespace fs = std::filesystem;
+using test::BoxActor;
 
-/// A brush actor with the box's polygons; `keys` are lines of the actor.
-std::string BoxActor(const std::string& name, const CsgBrush& box, const std::string& keys,
-                     const std::string& texture = "brick") {
-  std::ostringstream text;
-  text << "Begin Actor Class=Brush Name=" << name << "\n" << keys << "\n Begin Brush Name=Model1\n  Begin PolyList\n";
-  for (const CsgPolygon& polygon : box.Polygons) {
-    const Vector3 along = NormalizeVector(SubtractVector(polygon.Points[1], polygon.Points[0]));
-    text << "   Begin Polygon Texture=" << texture << "\n    Origin 0,0,0\n    TextureU " << along.X << "," << along.Y
-         << "," << along.Z << "\n    TextureV 0,0,-1\n";
-    for (const Vector3& point : polygon.Points)
-      text << "    Vertex " << point.X << "," << point.Y << "," << point.Z << "\n";
-    text << "   End Polygon\n";
-  }
-  text << "  End PolyList\n End Brush\n Name=" << name << "\nEnd Actor\n";
-  return text.str();
-}
+namespace fs = std::filesystem;
 
 const std::string room = BoxActor("Room", test::SubtractBox({0, 0, 0}, {1050, 2100, 525}), " CsgOper=CSG_Subtract");
 const std::string block = BoxActor("Block", test::AddBox({105, 105, 0}, {210, 210, 105}), " CsgOper=CSG_Add", "crate");

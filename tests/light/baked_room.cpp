@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace quarvel::testing {
+namespace quarvel::test {
 
 namespace {
 
@@ -96,4 +96,4 @@ BakedScene Bake(std::vector<LitSurface> surfaces, const std::vector<Lamp>& lamps
   return scene;
 }
 
-} // namespace quarvel::testing
+} // namespace quarvel::test

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-namespace quarvel::testing {
+namespace quarvel::test {
 
 /// A rectangle with one corner at `corner` and two sides; its normal points to where they turn left to right as seen
 /// from the front in the editor's left-handed axes, which is the right-handed cross product of the sides.
@@ -31,4 +31,4 @@ struct BakedScene {
 
 BakedScene Bake(std::vector<LitSurface> surfaces, const std::vector<Lamp>& lamps, const BakeOptions& options = {});
 
-} // namespace quarvel::testing
+} // namespace quarvel::test

@@ -7,7 +7,7 @@
 namespace quarvel {
 namespace {
 
-using namespace testing;
+using namespace test;
 
 // The sides of BoxSides.
 constexpr int floorSide = 0, lowX = 2, highX = 3;
