@@ -5,6 +5,9 @@
 #include "scene/brush_placement.h"
 
 #include <algorithm>
+#include <optional>
+#include <set>
+#include <utility>
 
 namespace quarvel {
 
@@ -55,7 +58,13 @@ class SurfaceMaker {
   void Add(int brushNumber, int polygonNumber, const Vector3& normal, std::vector<Vector3> points) {
     const LevelBrush& brush = brushes_[static_cast<std::size_t>(brushNumber)];
     const PolygonRecord& polygon = brush.Polygons[static_cast<std::size_t>(polygonNumber)];
-    if (polygonNumber < firstPolygon_ || IsIgnoredFace(polygon, context_.Settings)) return;
+    const std::optional<FindingCode> why = polygonNumber < firstPolygon_
+                                               ? std::optional(FindingCode::FacesBeforeStart)
+                                               : WhyIgnored(polygon, context_.Settings);
+    if (why) {
+      if (ignored_.emplace(brushNumber, polygonNumber).second) context_.Findings.Count(*why);
+      return;
+    }
     const int texture = context_.Materials.TextureNumber(polygon.Texture, polygon.Flags);
     const TextureFile& file = context_.Materials.Entry(texture).File;
     const TexturePlane plane = MakeTexturePlane(polygon, file.Width, file.Height);
@@ -79,6 +88,7 @@ class SurfaceMaker {
   SceneContext& context_;
   std::span<const LevelBrush> brushes_;
   int firstPolygon_;
+  std::set<std::pair<int, int>> ignored_; ///< polygons of brushes, counted once however often they are cut
 };
 
 std::vector<Vector3> PointsInLevel(const LevelBrush& brush, const PolygonRecord& polygon) {

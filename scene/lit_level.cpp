@@ -88,7 +88,7 @@ void AddHiddenSurfaces(const SceneContext& context, std::span<const LevelBrush> 
   for (std::size_t i = 0; i < level.Faces.size(); ++i) {
     const CarvedFace& face = level.Faces[i];
     const LevelBrush& brush = brushes[static_cast<std::size_t>(face.Brush)];
-    if (!IsIgnoredFace(brush.Polygons[static_cast<std::size_t>(face.Polygon)], context.Settings)) continue;
+    if (!WhyIgnored(brush.Polygons[static_cast<std::size_t>(face.Polygon)], context.Settings)) continue;
     LitSurface lit = MakeLitSurface(PointsOf(level.Mesh, i), face.Plane.Normal, face.Flags);
     lit.TakesLight = false;
     surfaces.push_back(std::move(lit));
