@@ -216,6 +216,13 @@ ExitCode Complain(const Console& console, const std::string& error, ExitCode cod
   return code;
 }
 
+/// The command line is wrong; `hint` says where to read what is right.
+ExitCode ComplainOfUsage(const Console& console, const std::string& error, const char* hint) {
+  Complain(console, error, ExitCode::Usage);
+  console.Err << hint << std::endl;
+  return ExitCode::Usage;
+}
+
 /// Half a report is worse than none. Returns why it could not be written.
 std::string WriteReport(const std::filesystem::path& path, const std::vector<RunResult>& results) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -299,7 +306,7 @@ ExitCode RunWith(const CommandLine& line, SettingsStore& store, const Console& c
   ConversionSettings settings;
   const std::vector<RefusedSetting> refused = LoadSettings(settings, store);
   if (std::string error = ApplyCommandLine(line, settings); !error.empty())
-    return Complain(console, error + "\nTry --list-options.", ExitCode::Usage);
+    return ComplainOfUsage(console, error, "Try --list-options.");
   if (line.Open && !settings.CheckMakePage) return Complain(console, "--open opens a page: add --web", ExitCode::Usage);
   if (line.Web && line.Verbose) console.Err << "--web sets " << OptionSetText(WebOptions()) << std::endl;
   TellRefused(refused, line, store, console);
@@ -365,7 +372,7 @@ std::string ApplyCommandLine(const CommandLine& line, ConversionSettings& settin
 
 ExitCode RunCommandLine(int argc, const char* const* argv, const Console& console, const Conversion& convert) try {
   const ParsedCommandLine parsed = ParseCommandLine(argc, argv);
-  if (!parsed.Error.empty()) return Complain(console, parsed.Error + "\nTry --help.", ExitCode::Usage);
+  if (!parsed.Error.empty()) return ComplainOfUsage(console, parsed.Error, "Try --help.");
   if (parsed.Answer.empty()) return Run(parsed.Line, console, convert);
   console.Out << parsed.Answer;
   return ExitCode::Done;

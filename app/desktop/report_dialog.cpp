@@ -37,6 +37,7 @@ ReportDialog::ReportDialog(const RunResult& result, QWidget* parent) : QDialog(p
   list_->setObjectName(QStringLiteral("ListReport"));
   list_->setHeaderHidden(true);
   list_->setUniformRowHeights(true);
+  list_->setTextElideMode(Qt::ElideMiddle); // of paths, both ends matter
   FillIn(result);
   QLabel* head = MakeWrappedLabel(HeadText(result), this);
   head->setObjectName(QStringLiteral("LabelContent"));
@@ -68,7 +69,7 @@ void ReportDialog::FillIn(const RunResult& result) {
   for (const std::filesystem::path& file : result.FilesWritten)
     files.append(ToQString(file));
   for (const auto& [what, counted] : result.Findings.Counts())
-    counts.append(ToQString(what + ": " + std::to_string(counted.Count)));
+    counts.append(WithCaptions(ToQString(what + ": " + std::to_string(counted.Count))));
   if (!files.isEmpty()) AddGroup(QStringLiteral("Files written"), files);
   if (!messages.isEmpty()) AddGroup(QStringLiteral("Messages"), messages);
   if (!counts.isEmpty()) AddGroup(QStringLiteral("Left out"), counts);

@@ -93,7 +93,7 @@ TEST_F(CommandLineTest, SetsOptionsWithoutTakingInputsForValues) {
 
 TEST_F(CommandLineTest, RefusesOptionsThatDoNotExistAndValuesOfTheWrongKind) {
   EXPECT_EQ(Run({"a.t3d", "--set", "CheckFogg=1"}), 2);
-  EXPECT_TRUE(Complains("there is no option CheckFogg; did you mean CheckFog?")) << err_.str();
+  EXPECT_TRUE(Complains("there is no option CheckFogg; did you mean CheckFog?\nTry --list-options.\n")) << err_.str();
   EXPECT_EQ(Run({"a.t3d", "--set", "textscale=big"}), 2);
   EXPECT_TRUE(Complains("TextScale must be a number above 0, not \"big\"")) << err_.str();
   EXPECT_EQ(Run({"a.t3d", "--set", "TextScale"}), 2);

@@ -316,7 +316,6 @@ TEST_F(FormRun, AStoppedBatchIsNotDoneAndANewInputClearsIt) {
     QTimer::singleShot(20, [&] { QTest::keyClick(form_.get(), Qt::Key_Escape); });
   });
   EXPECT_TRUE(TextOf("LabelPos").startsWith(QStringLiteral("Stopped")));
-  EXPECT_TRUE(fs::exists(folder_.Path() / "out" / "b.wrl"));
   CloseDialogs();
   SetInput(Name("harbour.t3d"));
   EXPECT_FALSE(Find<QTreeWidget>("ListBatch")->isVisible());
