@@ -47,9 +47,11 @@ async function load() {
   await advance(0.8);
   await browser.replaceWorld(scene);
   walker = new Walker(browser, level);
+  walker.onNoFloor = view => { view.resetUserOffsets(); walker.take(view); setFlying(true); };
   connectLinks();
   listViews();
   goTo(findView(query.get("view")) ?? findView(level.views[0]?.name));
+  if (!level.views.length) lookOn();
   await advance(1);
   ready();
 }
@@ -76,6 +78,12 @@ function connectLinks() {
     scene.getNamedNode(name).addFieldCallback("link", "touchTime", () => {
       if (/^https?:/i.test(address)) window.open(address, "_blank", "noopener,noreferrer");
     });
+}
+
+// A level without a start is looked on from outside.
+function lookOn() {
+  browser.viewAll(walker.layer, 0);
+  setFlying(true);
 }
 
 // -- Views

@@ -4,6 +4,7 @@ const turnPerPixel = 0.0022, steepest = 1.55; // radians
 const runFactor = 1.9, flyFactor = 1.6;
 const longestStep = 0.06; // seconds; longer ones could lead past a thin sensor
 const quickness = 12;          // 1/s: how fast speed and the eye's height follow
+const longestFall = 4;         // seconds; then there is no floor below
 const jumpHeight = 64, unrealGravity = 950; // Unreal units, and per second squared
 const keyAxes = { KeyW: [0, 1], ArrowUp: [0, 1], KeyS: [0, -1], ArrowDown: [0, -1], KeyA: [-1, 0], ArrowLeft: [-1, 0],
   KeyD: [1, 0], ArrowRight: [1, 0] };
@@ -38,6 +39,8 @@ class Walker {
     this.speed = [0, 0, 0];
     this.lag = 0;
     this.height = undefined;
+    this.safe = undefined;
+    this.fallen = 0;
     this.info._transitionType = new X3D.MFString("TELEPORT");
     if (!this.carried) this.browser._viewer = this.flying ? "NONE" : "WALK";
   }
@@ -138,6 +141,8 @@ class Walker {
   stride(view, seconds) {
     let [x, y, z] = this.eye;
     y = this.settle(y, seconds);
+    if (this.lost(seconds)) return this.rescue(view);
+    if (this.onGround) this.safe = [x, y, z];
     view.setUserPosition(this.vector(x, y, z));
     if (this.speed[0] || this.speed[2]) {
       const way = this.vector(this.speed[0] * seconds, 0, this.speed[2] * seconds);
@@ -148,6 +153,22 @@ class Walker {
     y += this.rise();
     this.height = y;
     view.setUserPosition(this.vector(x, y - this.lag, z));
+  }
+
+  // True for who falls out of the level.
+  lost(seconds) {
+    this.fallen = this.layer.speed < 0 ? this.fallen + seconds : 0;
+    return this.fallen > longestFall;
+  }
+
+  // Back to where there was a floor; who never had one flies.
+  rescue(view) {
+    this.fallen = 0;
+    this.height = undefined;
+    this.layer.speed = 0;
+    if (this.safe) view.setUserPosition(this.vector(...this.safe));
+    else this.onNoFloor?.(view);
+    this.wake();
   }
 
   // The height at which the visitor stands. The viewer lifts the eye onto a step in one frame; what it lifted lags and
