@@ -20,6 +20,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <fstream>
 #include <new>
 
 namespace quarvel {
@@ -225,6 +226,7 @@ void WriteReports(RunState& run, const fs::path& outFile) {
     Tell(run, message);
   result.MissingLists = lists.FilesWritten;
   result.FilesWritten.insert(result.FilesWritten.end(), lists.FilesWritten.begin(), lists.FilesWritten.end());
+  run.Context.Resources.SaveCopyList();
   result.FailedFiles = run.Context.Resources.Errors();
   result.FailedFiles.insert(result.FailedFiles.end(), lists.Errors.begin(), lists.Errors.end());
   WritePreloadScript(run, outFile, result.FailedFiles);
@@ -252,7 +254,8 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   TakeOutputs(files, settings, inFile, memory.Files, BatchFiles::Kind::LevelScene, outputs);
   if (sky) TakeOutputs(sky->Files, sky->Settings, inFile, memory.Files, BatchFiles::Kind::SkyScene, outputs);
 
-  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user);
+  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user,
+                          &memory.Outputs);
   resources.KnowTextures(memory.TextureNames);
   NumberCheck numbers;
   const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
