@@ -239,8 +239,13 @@ std::vector<RunResult> RunBatch(const std::vector<ConversionJob>& jobs, const Co
                                 const Conversion& convert) {
   std::vector<RunResult> results;
   memory.Files = {};
-  for (const ConversionJob& job : jobs)
+  memory.Outputs = {};
+  for (const ConversionJob& job : jobs) {
     memory.Files.AddInput(job.InFile);
+    memory.Outputs.Reserve(job.InFile);
+    for (const fs::path& scene : ScenesOf(job.OutFile, settings))
+      memory.Outputs.Reserve(scene);
+  }
   for (const ConversionJob& job : jobs) {
     if (events.Started) events.Started(job);
     user.ProcessEvents();

@@ -23,6 +23,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <fstream>
 #include <new>
 
 namespace quarvel {
@@ -231,6 +232,7 @@ void WriteLists(const fs::path& outFile, const ConversionSettings& settings, Run
 void WriteReports(RunState& run, const fs::path& outFile, RunPurpose purpose) {
   RunResult& result = run.Result;
   result.Missing = run.Context.Resources.Missing();
+  if (purpose != RunPurpose::Page) run.Context.Resources.SaveCopyList();
   result.FailedFiles = run.Context.Resources.Errors();
   if (purpose == RunPurpose::Page) return;
   WriteLists(outFile, run.Context.Settings, run.Context.User, result);
@@ -259,7 +261,8 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   TakeOutputs(files, settings, inFile, memory.Files, BatchFiles::Kind::LevelScene, outputs);
   if (sky) TakeOutputs(sky->Files, sky->Settings, inFile, memory.Files, BatchFiles::Kind::SkyScene, outputs);
 
-  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user);
+  ResourceFiles resources(settings, inFile, files.Text, result.Findings, FindProgramData(ProgramPath()), &user,
+                          &memory.Outputs);
   resources.KnowTextures(memory.TextureNames);
   if (purpose == RunPurpose::Page) resources.KeepWebImages();
   NumberCheck numbers;

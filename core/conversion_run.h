@@ -4,6 +4,7 @@
 #include "base/run_interface.h"
 #include "core/batch_files.h"
 #include "math/vector.h"
+#include "resources/destination.h"
 #include "settings/resource_kind.h"
 
 #include <cstdint>
@@ -84,6 +85,7 @@ struct RunMemory {
   std::string LoadedFileName;
   std::map<std::string, std::string> TextureNames; ///< what the level's package tells beyond the text
   std::vector<Finding> SourceFaults;               ///< what of that package could not be read
+  OutputFolders Outputs;                           ///< what the runs of a batch may not take from each other
   std::filesystem::path TypedOutput;               ///< the output, where the user named it; else empty
   BatchFiles Files;
 };

@@ -5,7 +5,6 @@
 #include "resources/url.h"
 
 #include <algorithm>
-#include <array>
 #include <fstream>
 #include <iterator>
 
@@ -47,14 +46,25 @@ void OutputFolders::Note(const fs::path& folder, const std::string& name) {
   NamesIn(folder)[FoldName(name)].insert(name);
 }
 
-bool OutputFolders::Claim(const fs::path& file, const std::string& owner) {
-  return owners_.try_emplace(FoldName(Utf8Path(file)), owner).first->second == owner;
+std::string OutputFolders::KeyOf(const fs::path& file) const {
+  const fs::path folder = AbsolutePath(file).parent_path();
+  const auto [at, isNew] = real_.try_emplace(folder);
+  if (isNew) {
+    std::error_code error;
+    at->second = fs::weakly_canonical(AbsolutePath(folder), error);
+    if (error) at->second = AbsolutePath(folder);
+  }
+  return FoldName(Utf8Path(at->second / file.filename()));
 }
 
-void OutputFolders::Release(const fs::path& file) { owners_.erase(FoldName(Utf8Path(file))); }
+bool OutputFolders::Claim(const fs::path& file, const std::string& owner) {
+  return owners_.try_emplace(KeyOf(file), owner).first->second == owner;
+}
+
+void OutputFolders::Release(const fs::path& file) { owners_.erase(KeyOf(file)); }
 
 std::string OutputFolders::OwnerOf(const fs::path& file) const {
-  const auto found = owners_.find(FoldName(Utf8Path(file)));
+  const auto found = owners_.find(KeyOf(file));
   return found == owners_.end() ? std::string() : found->second;
 }
 
@@ -89,26 +99,6 @@ std::string Destination::UrlInLibrary(const FoundFile& found) const {
   if (!UrlPrefix(options_.DestPrependPath).empty()) return Place(found, found.Name).Url;
   const fs::path relative = found.Path.lexically_relative(sceneFolder_);
   return EncodeUrlPath(relative.empty() ? found.Name : Utf8Path(relative));
-}
-
-bool SameContent(const fs::path& a, const fs::path& b) {
-  std::error_code error;
-  if (fs::equivalent(a, b, error)) return true;
-  const auto sizeA = fs::file_size(a, error);
-  if (error) return false;
-  const auto sizeB = fs::file_size(b, error);
-  if (error || sizeA != sizeB) return false;
-  std::ifstream streamA(a, std::ios::binary);
-  std::ifstream streamB(b, std::ios::binary);
-  std::array<char, 16384> bufferA{};
-  std::array<char, 16384> bufferB{};
-  while (streamA && streamB) {
-    streamA.read(bufferA.data(), bufferA.size());
-    streamB.read(bufferB.data(), bufferB.size());
-    if (streamA.gcount() != streamB.gcount()) return false;
-    if (!std::equal(bufferA.begin(), bufferA.begin() + streamA.gcount(), bufferB.begin())) return false;
-  }
-  return streamA.eof() && streamB.eof();
 }
 
 bool HoldsBytes(const fs::path& file, std::span<const std::uint8_t> bytes) {

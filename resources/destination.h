@@ -19,8 +19,8 @@ struct FoundFile {
   std::string Name;             ///< its file name in UTF-8
 };
 
-/// The folders that a run copies files into: which names they hold, whatever the letter case, and which of these the
-/// run has given away to which source.
+/// The folders that the runs of a batch copy files into: which names they hold, whatever the letter case, and which of
+/// these have been given away, and to what.
 class OutputFolders {
  public:
   /// The name, in its own letter case, of a file that is already there.
@@ -30,18 +30,22 @@ class OutputFolders {
   /// Remembers a file that was just written.
   void Note(const std::filesystem::path& folder, const std::string& name);
 
-  /// Gives the file to `owner` unless another one has it; true when `owner` has it now.
+  /// Gives the file, however its folder is named, to `owner` unless another one has it; true when `owner` has it now.
   bool Claim(const std::filesystem::path& file, const std::string& owner);
   void Release(const std::filesystem::path& file);
+  /// Keeps a file from everybody: an input, a scene or a report of the batch.
+  void Reserve(const std::filesystem::path& file) { Claim(file, "|reserved"); }
   /// Who has the file; empty when nobody.
   std::string OwnerOf(const std::filesystem::path& file) const;
 
  private:
+  std::string KeyOf(const std::filesystem::path& file) const;
   using Names = std::map<std::string, std::set<std::string>>; ///< by folded name
   Names& NamesIn(const std::filesystem::path& folder);
 
   std::map<std::filesystem::path, Names> folders_;
   std::map<std::string, std::string> owners_;
+  mutable std::map<std::filesystem::path, std::filesystem::path> real_; ///< the folders without links
 };
 
 /// Where a file goes, and what the scene calls it.
@@ -76,8 +80,6 @@ class Destination {
   std::string kindFolder_;
 };
 
-/// True when two files hold the same bytes.
-bool SameContent(const std::filesystem::path& a, const std::filesystem::path& b);
 /// True when a file holds these bytes.
 bool HoldsBytes(const std::filesystem::path& file, std::span<const std::uint8_t> bytes);
 

@@ -3,13 +3,14 @@
 #include "base/report.h"
 #include "images/image.h"
 #include "images/image_size.h"
+#include "resources/copy_list.h"
 #include "resources/destination.h"
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -26,19 +27,22 @@ class PackedContent {
  public:
   using Bytes = std::vector<std::uint8_t>;
 
-  /// `make` yields no bytes when it fails. `imageSize` is that of an image.
-  explicit PackedContent(std::function<Bytes()> make, std::optional<ImageSize> imageSize = {})
-      : make_(std::move(make)), imageSize_(imageSize) {}
+  /// `make` yields no bytes when it fails. `imageSize` is that of an image. `hash` tells the content without making it;
+  /// empty for the hash of the bytes.
+  explicit PackedContent(std::function<Bytes()> make, std::optional<ImageSize> imageSize = {}, std::string hash = {})
+      : make_(std::move(make)), imageSize_(imageSize), hash_(std::move(hash)) {}
 
   const Bytes& Get() {
     if (!bytes_) bytes_ = make_();
     return *bytes_;
   }
   const std::optional<ImageSize>& Size() const { return imageSize_; }
+  const std::string& Hash() const { return hash_; }
 
  private:
   std::function<Bytes()> make_;
   std::optional<ImageSize> imageSize_;
+  std::string hash_;
   std::optional<Bytes> bytes_;
 };
 
@@ -52,40 +56,75 @@ struct CopyJob {
   std::shared_ptr<PackedContent> Packed = {}; ///< of a file in a package, of which `Found.Path` is a mere name
 };
 
-/// Copies and converts files, and keeps different files from taking each other's place.
+/// The bytes of a source, or why there are none: the reason as the system words it.
+struct FileBytes {
+  std::vector<std::uint8_t> Bytes;
+  std::string Error;
+};
+
+/// What became of a job.
+struct CopyResult {
+  std::string Url;
+  std::filesystem::path File;
+  std::string Unreadable; ///< why the source cannot be read; empty when it can
+};
+
+/// What a copier asks about the user's libraries.
+struct LibraryQueries {
+  /// Whether a file is one of a library's own.
+  std::function<bool(const std::filesystem::path& file)> IsLibraryFile;
+  /// Whether a library has another file in that folder that a copy of this name is to be kept for.
+  std::function<bool(const std::filesystem::path& folder, const CopyJob& job)> IsNameOfAnother;
+};
+
+/// Copies and converts files. A copy belongs to the bytes of its source: a file that is there with other bytes is never
+/// taken for it, and only replaced where the settings say so and nobody else has a right to it. Within a batch the
+/// claims tell who has a file, across runs the list of copies.
 class FileCopier {
  public:
-  explicit FileCopier(Report& report) : report_(report) {}
+  FileCopier(OutputFolders& folders, const std::filesystem::path& sceneFolder, LibraryQueries library, Report& report)
+      : folders_(folders), list_(sceneFolder), library_(std::move(library)), report_(report) {}
 
   OutputFolders& Folders() { return folders_; }
-  const OutputFolders& Folders() const { return folders_; }
+  const CopyList& List() const { return list_; }
 
-  /// Brings a file to its destination, unless one of that name is there already and may stay. An image that cannot be
-  /// read is copied as it is. Returns the URL.
-  std::string Copy(const Destination& destination, const CopyJob& job);
-  /// The same for a file in a package. Returns where it went.
-  Placement CopyPacked(const Destination& destination, const CopyJob& job);
-  /// The same for a place that is already decided.
-  std::string CopyTo(const Placement& placement, const CopyJob& job, bool overwrite);
+  /// Brings a file to its destination, unless its copy is there already; when another file has the name, under one of
+  /// its own. An image of which the pixels cannot be read is copied as it is.
+  CopyResult Copy(const Destination& destination, const CopyJob& job);
+  /// The same for a place that is already decided: what is there with other bytes stays and is used.
+  CopyResult CopyTo(const Placement& placement, const CopyJob& job, bool overwrite);
 
+  /// Saves the list of copies; a failure is among the errors.
+  void SaveList();
+
+  /// Files that could not be written, one sentence each without a full stop.
   const std::vector<std::string>& Errors() const { return errors_; }
   int FilesWritten() const { return filesWritten_; }
 
  private:
-  enum class Result { Written, Unreadable, Failed };
+  /// How a place stands to a job.
+  enum class Standing {
+    Free, ///< the copy is to be written there
+    Kept, ///< it is there
+    Taken ///< by something else
+  };
+  struct Source;
 
-  Placement PlaceUnclaimed(const Destination& destination, const CopyJob& job);
-  bool Take(const Placement& placement, const CopyJob& job);
-  void NoteDifference(const Placement& placement, const CopyJob& job);
-  Result Write(const Placement& placement, const CopyJob& job);
-  Result WriteConverted(const Placement& placement, const CopyJob& job);
-  Result WritePacked(const Placement& placement, const CopyJob& job);
-  Result WriteVerbatim(const Placement& placement, const CopyJob& job);
-  Result Fail(const Placement& placement, const std::string& reason);
+  Placement ChoosePlace(const Destination& destination, Source& source, bool overwrite, Standing& standing);
+  Standing Judge(const Placement& placement, Source& source, bool overwrite);
+  bool MayReplace(const std::filesystem::path& file) const;
+  bool IsOther(const Placement& placement, const Source& source) const;
+  CopyResult Bring(const Placement& placement, Standing standing, Source& source);
+  bool Write(const Placement& placement, Source& source);
+  void Fail(const Placement& placement, const std::string& reason);
+  std::string HashOfSource(const CopyJob& job, FileBytes& bytes);
 
+  OutputFolders& folders_;
+  CopyList list_;
+  LibraryQueries library_;
   Report& report_;
-  OutputFolders folders_;
-  std::set<std::string> written_; ///< owners whose file this run has written already
+  std::map<std::string, std::string> hashes_; ///< by path
+  std::map<std::string, int> nextNumbers_;    ///< by the name in front of the number
   std::vector<std::string> errors_;
   int filesWritten_ = 0;
 };

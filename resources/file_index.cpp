@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 namespace quarvel {
 
@@ -122,7 +123,44 @@ FileIndex::FileIndex(std::vector<fs::path> roots, Walk walk, RunInterface* user)
   for (std::size_t root = 0; root < roots_.size(); ++root)
     folders.WalkRoot(root);
   std::sort(files_.begin(), files_.end(), ByKeyThenPath);
+  NoteCrowds();
   std::sort(unreadable_.begin(), unreadable_.end());
+}
+
+std::vector<std::string> FoldersAround(const IndexedFile& file, const fs::path& root) {
+  std::vector<std::string> names;
+  for (const auto& part : file.Folder)
+    if (!part.empty()) names.push_back(FoldName(Utf8Path(part)));
+  std::reverse(names.begin(), names.end());
+  names.push_back(FoldName(Utf8Path(root.filename())));
+  return names;
+}
+
+/// Comparing the folders of all files of one name for every reference to it would take the square of their number.
+void FileIndex::NoteCrowds() {
+  constexpr std::size_t crowd = 16;
+  for (auto first = files_.begin(); first != files_.end();) {
+    const auto last =
+        std::find_if(first, files_.end(), [&](const IndexedFile& file) { return file.Key != first->Key; });
+    if (static_cast<std::size_t>(last - first) > crowd) {
+      std::vector<NearFile>& near = crowds_[first->Key];
+      for (auto file = first; file != last; ++file) {
+        const std::vector<std::string> around = FoldersAround(*file, roots_[file->Root]);
+        for (std::size_t i = 0; i < around.size(); ++i)
+          near.push_back({around[i], static_cast<int>(i), static_cast<std::size_t>(file - first)});
+      }
+      std::sort(near.begin(), near.end(), [](const NearFile& a, const NearFile& b) {
+        return std::tie(a.Folder, a.Distance, a.File) < std::tie(b.Folder, b.Distance, b.File);
+      });
+    }
+    first = last;
+  }
+}
+
+const std::vector<NearFile>* FileIndex::Crowd(std::string_view baseName) const {
+  if (crowds_.empty()) return nullptr;
+  const auto found = crowds_.find(FoldName(baseName));
+  return found == crowds_.end() ? nullptr : &found->second;
 }
 
 std::span<const IndexedFile> FileIndex::Find(std::string_view baseName) const {

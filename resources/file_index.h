@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,6 +20,16 @@ struct IndexedFile {
   std::string Name;             ///< the file's own name, with its extension, in UTF-8
   std::size_t Root = 0;         ///< which of the index's roots it lies below
 };
+
+/// A file whose folder, or one further up, bears a name.
+struct NearFile {
+  std::string Folder;   ///< the folded name
+  int Distance = 0;     ///< folders between that one and the file
+  std::size_t File = 0; ///< its place among those of its base name
+};
+
+/// The folded names of the folders around a file, the nearest first; the last is the name of the root itself.
+std::vector<std::string> FoldersAround(const IndexedFile& file, const std::filesystem::path& root);
 
 /// How far a walk goes.
 enum class Walk { Tree, FolderOnly };
@@ -37,6 +48,10 @@ class FileIndex {
   /// The files with this base name, compared without regard to case; ordered by root, then by path.
   std::span<const IndexedFile> Find(std::string_view baseName) const;
 
+  /// Of a base name that many files share, what the folders around them are called; sorted by folder, then distance.
+  /// Null for other names.
+  const std::vector<NearFile>* Crowd(std::string_view baseName) const;
+
   /// Every file, ordered by base name.
   std::span<const IndexedFile> Files() const { return files_; }
   const std::vector<std::filesystem::path>& Roots() const { return roots_; }
@@ -47,9 +62,12 @@ class FileIndex {
 
  private:
   friend class FolderWalk;
+  void NoteCrowds();
+
   std::vector<std::filesystem::path> roots_;
   std::vector<IndexedFile> files_;
   std::vector<std::filesystem::path> unreadable_;
+  std::map<std::string, std::vector<NearFile>> crowds_;
   bool complete_ = true;
 };
 

@@ -11,15 +11,8 @@
 namespace quarvel {
 namespace {
 
-/// The folded names of the folders around a file, the nearest first; the last is the name of the root itself.
-std::vector<std::string> FoldersAround(const FileIndex& index, const IndexedFile& file) {
-  std::vector<std::string> names;
-  for (const auto& part : file.Folder)
-    if (!part.empty()) names.push_back(FoldName(Utf8Path(part)));
-  std::reverse(names.begin(), names.end());
-  names.push_back(FoldName(Utf8Path(index.Roots()[file.Root].filename())));
-  return names;
-}
+/// Farther than any folder.
+constexpr int nowhere = 1'000'000;
 
 std::string WithoutPackage(const ResourceReference& reference) {
   std::string name;
@@ -45,7 +38,7 @@ std::vector<std::string> PlainNames(const ResourceReference& reference) {
 
 FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceReference& reference) {
   if (reference.Folders.empty()) return {};
-  const std::vector<std::string> around = FoldersAround(index, file);
+  const std::vector<std::string> around = FoldersAround(file, index.Roots()[file.Root]);
   FolderFit fit{static_cast<int>(around.size()), 0, true};
   for (std::size_t i = 0; i < reference.Folders.size(); ++i) {
     const auto found = std::find(around.begin(), around.end(), FoldName(reference.Folders[i]));
@@ -57,33 +50,82 @@ FolderFit FitOf(const FileIndex& index, const IndexedFile& file, const ResourceR
     if (i == 0) fit.OtherPackage = false;
   }
   // How deep a file lies must not tell files apart that fit nothing.
-  if (fit.UnmatchedParts == static_cast<int>(reference.Folders.size())) fit.Distance = 1'000'000;
+  if (fit.UnmatchedParts == static_cast<int>(reference.Folders.size())) fit.Distance = nowhere;
   return fit;
 }
+
+namespace {
+
+/// The best of the files that were looked at.
+class BestFile {
+ public:
+  BestFile(const FileIndex& index, const ResourceReference& reference, std::span<const std::string_view> extensions,
+           const std::function<bool(const IndexedFile&)>& refused)
+      : index_(index), reference_(reference), extensions_(extensions), refused_(refused) {}
+
+  const IndexedFile* Get() const { return best_; }
+
+  void ConsiderAll(const std::string& name, std::size_t nameRank) {
+    const auto files = index_.Find(name);
+    const std::vector<NearFile>* crowd = reference_.Folders.empty() ? nullptr : index_.Crowd(name);
+    if (crowd && ConsiderNear(files, *crowd, nameRank)) return;
+    for (const IndexedFile& file : files)
+      Consider(file,
+               crowd ? FolderFit{nowhere, static_cast<int>(reference_.Folders.size()), true}
+                     : FitOf(index_, file, reference_),
+               nameRank);
+  }
+
+ private:
+  bool Consider(const IndexedFile& file, const FolderFit& fit, std::size_t nameRank) {
+    const auto extension = std::find(extensions_.begin(), extensions_.end(), file.Extension);
+    if (extension == extensions_.end()) return false;
+    const std::tuple rank(fit, nameRank, extension - extensions_.begin());
+    if ((rank_ && !(rank < *rank_)) || (refused_ && refused_(file))) return false;
+    rank_ = rank;
+    best_ = &file;
+    return true;
+  }
+
+  /// Those around which a folder is named like a part of the reference, from the nearest on, until one is fit.
+  bool ConsiderNear(std::span<const IndexedFile> files, const std::vector<NearFile>& crowd, std::size_t nameRank) {
+    constexpr int deepest = 64;
+    bool found = false;
+    for (int distance = 0; distance < deepest && !found; ++distance)
+      for (const std::string& part : reference_.Folders) {
+        const auto [from, to] =
+            std::equal_range(crowd.begin(), crowd.end(), NearFile{FoldName(part), distance, 0},
+                             [](const NearFile& a, const NearFile& b) {
+                               return std::tie(a.Folder, a.Distance) < std::tie(b.Folder, b.Distance);
+                             });
+        for (auto near = from; near != to; ++near)
+          found |= Consider(files[near->File], FitOf(index_, files[near->File], reference_), nameRank);
+      }
+    return found;
+  }
+
+  const FileIndex& index_;
+  const ResourceReference& reference_;
+  std::span<const std::string_view> extensions_;
+  const std::function<bool(const IndexedFile&)>& refused_;
+  const IndexedFile* best_ = nullptr;
+  std::optional<std::tuple<FolderFit, std::size_t, std::ptrdiff_t>> rank_;
+};
+
+} // namespace
 
 const IndexedFile* FindReferenced(const FileIndex& index, const ResourceReference& reference, bool qualified,
                                   std::span<const std::string_view> extensions,
                                   const std::function<bool(const IndexedFile&)>& refused) {
-  const IndexedFile* best = nullptr;
-  std::optional<std::tuple<FolderFit, std::size_t, std::ptrdiff_t>> bestRank;
-  const auto consider = [&](const std::string& name, std::size_t nameRank) {
-    for (const IndexedFile& file : index.Find(name)) {
-      const auto extension = std::find(extensions.begin(), extensions.end(), file.Extension);
-      if (extension == extensions.end() || (refused && refused(file))) continue;
-      const std::tuple rank(FitOf(index, file, reference), nameRank, extension - extensions.begin());
-      if (bestRank && !(rank < *bestRank)) continue;
-      bestRank = rank;
-      best = &file;
-    }
-  };
+  BestFile best(index, reference, extensions, refused);
   for (const std::string& name : qualified ? QualifiedNames(reference) : std::vector<std::string>()) {
-    consider(name, 0);
-    if (best) return best;
+    best.ConsiderAll(name, 0);
+    if (best.Get()) return best.Get();
   }
   const std::vector<std::string> names = PlainNames(reference);
   for (std::size_t i = 0; i < names.size(); ++i)
-    consider(names[i], i);
-  return best;
+    best.ConsiderAll(names[i], i);
+  return best.Get();
 }
 
 std::vector<std::string_view> ImageExtensions(ImageType wanted) {

@@ -26,9 +26,16 @@ std::string_view LastPart(std::string_view path) {
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
-constexpr const char* SceneOwner = "the scene";
-
 std::string VariantOf(TextureUse use) { return use == TextureUse::Masked ? "masked" : "opaque"; }
+
+/// What a picture of a package shows, whatever file is made of it.
+std::string HashOfPicture(const Image& picture) {
+  std::string text = std::to_string(picture.Width) + "x" + std::to_string(picture.Height) + ":";
+  text.append(picture.Values.begin(), picture.Values.end());
+  for (const Rgba& color : picture.Palette)
+    text.append(color.begin(), color.end());
+  return HashOf(text);
+}
 
 /// The folders in which resources of a kind are searched, as typed.
 const std::string& SearchPath(const ConversionSettings& settings, ResourceKind kind) {
@@ -41,18 +48,18 @@ Destination DestinationOf(const ConversionSettings& settings, ResourceKind kind,
 
 } // namespace
 
-bool ResourceFiles::FoldedLess::operator()(const std::string& a, const std::string& b) const {
-  return FoldName(a) < FoldName(b);
-}
-
 ResourceFiles::ResourceFiles(const ConversionSettings& settings, const fs::path& inputFile, const fs::path& textScene,
-                             Report& report, const fs::path& programData, RunInterface* user)
+                             Report& report, const fs::path& programData, RunInterface* user, OutputFolders* batch)
     : settings_(settings), inputFolder_(AbsolutePath(inputFile).parent_path()), programData_(programData),
       sceneFolder_(AbsolutePath(textScene).parent_path()), sceneFolderAsGiven_(textScene.parent_path()),
       report_(report), user_(user), destinations_(DestinationOf(settings, ResourceKind::Texture, sceneFolder_),
                                                   DestinationOf(settings, ResourceKind::Sound, sceneFolder_),
                                                   DestinationOf(settings, ResourceKind::Mesh, sceneFolder_)),
-      copier_(report), packed_(inputFile, report) {
+      copier_(batch ? *batch : ownFolders_, sceneFolder_,
+              {[this](const fs::path& file) { return IsLibraryFile(file); },
+               [this](const fs::path& folder, const CopyJob& job) { return IsNameOfAnother(folder, job); }},
+              report),
+      packed_(inputFile, report) {
   ClaimSceneFiles(textScene);
 }
 
@@ -63,10 +70,58 @@ void ResourceFiles::ClaimSceneFiles(const fs::path& textScene) {
   if (stem.size() > 1 && stem.back() == '-') stems.push_back(stem.substr(0, stem.size() - 1));
   for (const std::string& name : stems)
     for (const char* extension : {".wrl", ".x3d", ".x3dv", ".xml"})
-      copier_.Folders().Claim(sceneFolder_ / PathOfUtf8(name + extension), SceneOwner);
+      scenes_.push_back(sceneFolder_ / PathOfUtf8(name + extension));
+  for (const fs::path& scene : scenes_)
+    copier_.Folders().Reserve(scene);
 }
 
-bool ResourceFiles::IsSceneFile(const fs::path& file) const { return copier_.Folders().OwnerOf(file) == SceneOwner; }
+bool ResourceFiles::IsSceneFile(const fs::path& file) const {
+  const std::string name = FoldName(Utf8Path(file));
+  return std::any_of(scenes_.begin(), scenes_.end(),
+                     [&](const fs::path& scene) { return FoldName(Utf8Path(scene)) == name; });
+}
+
+/// Whether a file is one of the user's own. Where the library is the scene's folder, copies lie among them.
+bool ResourceFiles::IsLibraryFile(const fs::path& file) const {
+  if (copier_.List().Find(file)) return false;
+  return std::any_of(indexes_.begin(), indexes_.end(), [&](const auto& index) {
+    const auto& roots = index.second.Roots();
+    return std::any_of(roots.begin(), roots.end(), [&](const fs::path& root) { return LiesWithin(file, root); });
+  });
+}
+
+/// Copies of images go to their plain names only where no other image of the library has a better right to them, so
+/// that the order of references does not matter.
+bool ResourceFiles::IsNameOfAnother(const fs::path& folder, const CopyJob& job) const {
+  if (!indexOfKind_[ResourceKind::Texture] || job.Found.Path.parent_path() == folder) return false;
+  const std::vector<std::string_view> images = ImageExtensions(ImageType::Png);
+  if (std::find(images.begin(), images.end(), FoldName(ExtensionOf(job.Name))) == images.end()) return false;
+  const FileIndex& index = *indexOfKind_[ResourceKind::Texture];
+  const auto isAnother = [&](const IndexedFile& file) {
+    const fs::path path = index.PathOf(file);
+    return path.parent_path() == folder && !copier_.List().Find(path) &&
+           std::find(images.begin(), images.end(), file.Extension) != images.end();
+  };
+  const auto files = index.Find(StemOf(job.Name));
+  return std::any_of(files.begin(), files.end(), isAnother);
+}
+
+/// Copies that lie in the library are found only where nothing else is: what they were made from comes first.
+const IndexedFile* ResourceFiles::FindInLibrary(const FileIndex& index, const ResourceReference& reference,
+                                                bool qualified, std::span<const std::string_view> extensions) {
+  const auto isCopy = [&](const IndexedFile& file) { return copier_.List().Find(index.PathOf(file)) != nullptr; };
+  const IndexedFile* file = FindReferenced(index, reference, qualified, extensions, isCopy);
+  return file ? file : FindReferenced(index, reference, qualified, extensions);
+}
+
+/// A source that cannot be read is as good as missing.
+bool ResourceFiles::IsUnreadable(ResourceKind kind, const CopyResult& copied, const FoundFile& found,
+                                 const std::string& name) {
+  if (copied.Unreadable.empty()) return false;
+  report_.Add(FindingCode::UnreadableFile, Utf8Path(found.Path), copied.Unreadable);
+  NoteMissing(kind, name);
+  return true;
+}
 
 const FileIndex& ResourceFiles::IndexOfFolders(std::vector<fs::path> folders) {
   const auto known = indexes_.find(folders);
@@ -99,7 +154,8 @@ const FileIndex& ResourceFiles::SceneFolderIndex() {
 MissingResources ResourceFiles::Missing() const {
   MissingResources lists;
   for (const ResourceKind kind : ResourceKinds)
-    lists[kind].assign(missing_[kind].begin(), missing_[kind].end());
+    for (const auto& [folded, name] : missing_[kind])
+      lists[kind].push_back(name);
   return lists;
 }
 
@@ -126,20 +182,22 @@ TextureFile ResourceFiles::LookUpTexture(const ResourceReference& reference, Tex
   TextureFile texture;
   const FileIndex& index = IndexOf(ResourceKind::Texture);
   const IndexedFile* file =
-      FindReferenced(index, reference, Qualified(ResourceKind::Texture), ImageExtensions(WantedType(use)));
+      FindInLibrary(index, reference, Qualified(ResourceKind::Texture), ImageExtensions(WantedType(use)));
   if (!file) texture = LookUpPackedTexture(reference, use);
   if (texture.Found) return texture;
   if (!file) {
-    missing_[ResourceKind::Texture].insert(reference.Text);
+    NoteMissing(ResourceKind::Texture, reference.Text);
     texture.Url =
         destinations_[ResourceKind::Texture].PlaceByName(FileNameOf(reference.Name) + "." + WantedExtension(use)).Url;
     return texture;
   }
-  const FoundFile found = EarlierVariant(Located(index, *file), use);
+  const FoundFile found = Located(index, *file);
+  const CopyResult copied = CopyTexture(found, reference, use);
+  texture.Url = copied.Url;
+  if (IsUnreadable(ResourceKind::Texture, copied, found, reference.Text)) return texture;
   texture.Found = true;
   texture.Source = found.Path;
   NoteTextureSize(texture);
-  texture.Url = CopyTexture(found, reference, use);
   return texture;
 }
 
@@ -170,23 +228,14 @@ TextureFile ResourceFiles::CopyPackedTexture(PackedTexture packed, const Resourc
   if (job.Package.empty()) job.Package = StemOf(packed.Package);
   job.Variant = VariantOf(masked ? TextureUse::Masked : TextureUse::Ordinary);
   const ImageSize size{packed.Picture.Width, packed.Picture.Height};
+  std::string hash = HashOfPicture(packed.Picture);
   job.Packed = std::make_shared<PackedContent>(
       [picture = std::move(packed.Picture), alpha, wanted] { return EncodeImage(ToRgba(picture, alpha), wanted); },
-      size);
-  const Placement placement = copier_.CopyPacked(destinations_[ResourceKind::Texture], job);
-  texture.Url = placement.Url;
-  texture.Source = placement.File();
+      size, std::move(hash));
+  const CopyResult copied = copier_.Copy(destinations_[ResourceKind::Texture], job);
+  texture.Url = copied.Url;
+  texture.Source = copied.File;
   return texture;
-}
-
-/// Where the library is the scene's own folder, an earlier run's conversions are in it. One that had to be told apart
-/// from another image of the same file ("grate.png", "grate_masked.png") is found again here.
-FoundFile ResourceFiles::EarlierVariant(const FoundFile& found, TextureUse use) {
-  const fs::path folder = found.Path.parent_path();
-  if (destinations_[ResourceKind::Texture].Place(found, found.Name).Folder != folder) return found;
-  const std::string name = StemOf(found.Name) + "_" + VariantOf(use) + "." + WantedExtension(use);
-  const auto existing = copier_.Folders().Existing(folder, name);
-  return existing ? FoundFile{folder / PathOfUtf8(*existing), found.Folder, *existing} : found;
 }
 
 void ResourceFiles::NoteTextureSize(TextureFile& texture) {
@@ -209,9 +258,9 @@ std::optional<ImageConversion> ResourceFiles::ConversionOf(const FoundFile& foun
   return ImageConversion{wanted, use == TextureUse::Masked ? Transparency::Masked : Transparency::Dropped};
 }
 
-std::string ResourceFiles::CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use) {
+CopyResult ResourceFiles::CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use) {
   if (!destinations_[ResourceKind::Texture].Options().DestDoCopy)
-    return destinations_[ResourceKind::Texture].UrlInLibrary(found);
+    return {destinations_[ResourceKind::Texture].UrlInLibrary(found), found.Path, {}};
   CopyJob job{found, found.Name, reference.Package(), {}, ConversionOf(found, use)};
   if (job.Conversion) {
     job.Name = StemOf(found.Name) + "." + WantedExtension(use);
@@ -227,9 +276,9 @@ std::optional<fs::path> ResourceFiles::FindTextureSource(std::string_view refere
   if (parsed.Name.empty() || FoldName(parsed.Text) == "none") return std::nullopt;
   const FileIndex& index = IndexOf(ResourceKind::Texture);
   const IndexedFile* file =
-      FindReferenced(index, parsed, Qualified(ResourceKind::Texture), ImageExtensions(ImageType::Bmp));
+      FindInLibrary(index, parsed, Qualified(ResourceKind::Texture), ImageExtensions(ImageType::Bmp));
   if (file) return index.PathOf(*file);
-  missing_[ResourceKind::Texture].insert(parsed.Text);
+  NoteMissing(ResourceKind::Texture, parsed.Text);
   return std::nullopt;
 }
 
@@ -244,7 +293,11 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
   const DestinationOptions& options = destinations_[ResourceKind::Sound].Options();
   const std::string copyName = FileNameOf(StemOf(name)) + "." + FileNameOf(ExtensionOf(name));
   const Placement expected = destinations_[ResourceKind::Sound].PlaceByName(copyName);
-  if (const auto existing = copier_.Folders().Existing(expected.Folder, copyName); existing && !options.DestOverwrite) {
+  const std::string soundPath = Utf8Path(sceneFolderAsGiven_ / expected.File().lexically_relative(sceneFolder_));
+  const auto existing = copier_.Folders().Existing(expected.Folder, copyName);
+  // What lies there is the sound, unless it is known to be that of another source.
+  const bool isKnown = !copier_.Folders().OwnerOf(expected.File()).empty() || copier_.List().Find(expected.File());
+  if (existing && !isKnown && !options.DestOverwrite) {
     Placement kept = expected;
     kept.Name = copier_.Folders().AlignCase(expected.Folder, *existing, copyName);
     return {true, kept.Name == copyName ? expected.Url : destinations_[ResourceKind::Sound].PlaceByName(kept.Name).Url,
@@ -262,16 +315,16 @@ ResourceFile ResourceFiles::LookUpSound(const std::string& name, std::string_vie
   if (!file && extension == "wav")
     if (ResourceFile sound = LookUpPackedSound(packed, copyName); sound.Found) return sound;
   if (!file) {
-    missing_[ResourceKind::Sound].insert(
-        Utf8Path(sceneFolderAsGiven_ / expected.File().lexically_relative(sceneFolder_)));
+    if (existing) return {true, expected.Url, expected.File()};
+    NoteMissing(ResourceKind::Sound, soundPath);
     return {false, expected.Url, {}};
   }
   FoundFile found = Located(index, *file);
   const fs::path source = found.Path;
   if (!options.DestDoCopy) return {true, destinations_[ResourceKind::Sound].UrlInLibrary(found), source};
-  const CopyJob job{found, copyName, {}, {}, {}};
-  return {true, copier_.CopyTo(destinations_[ResourceKind::Sound].Place(found, copyName), job, options.DestOverwrite),
-          source};
+  const CopyJob job{found, copyName, parsed.Package(), {}, {}, {}};
+  const CopyResult copied = copier_.Copy(destinations_[ResourceKind::Sound], job);
+  return {!IsUnreadable(ResourceKind::Sound, copied, found, soundPath), copied.Url, source};
 }
 
 ResourceFile ResourceFiles::LookUpPackedSound(const ResourceReference& reference, const std::string& copyName) {
@@ -281,9 +334,8 @@ ResourceFile ResourceFiles::LookUpPackedSound(const ResourceReference& reference
   CopyJob job{packed->Found, copyName, {}, {}, {}, {}};
   job.Packed =
       std::make_shared<PackedContent>([file = packed->File] { return PackedContent::Bytes(file.begin(), file.end()); });
-  const Destination& destination = destinations_[ResourceKind::Sound];
-  const Placement placement = destination.Place(packed->Found, copyName);
-  return {true, copier_.CopyTo(placement, job, destination.Options().DestOverwrite), placement.File()};
+  const CopyResult copied = copier_.Copy(destinations_[ResourceKind::Sound], job);
+  return {copied.Unreadable.empty(), copied.Url, copied.File};
 }
 
 const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWhenMissing) {
@@ -294,7 +346,7 @@ const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWh
     if (settings_.CheckInlineWRL) at->second.Wrl = LookUpMesh(parsed, "wrl");
     if (settings_.CheckInlineX3D) at->second.X3d = LookUpMesh(parsed, "x3d");
   }
-  if (listWhenMissing && !at->second.Found()) missing_[ResourceKind::Mesh].insert(parsed.Text);
+  if (listWhenMissing && !at->second.Found()) NoteMissing(ResourceKind::Mesh, parsed.Text);
   return at->second;
 }
 
@@ -305,7 +357,8 @@ ResourceFile ResourceFiles::LookUpMesh(const ResourceReference& reference, std::
     const IndexedFile* file = FindReferenced(*index, reference, Qualified(ResourceKind::Mesh), extensions, isScene);
     if (!file) continue;
     const FoundFile found = Located(*index, *file);
-    return {true, CopyVerbatim(ResourceKind::Mesh, found, reference.Package()), found.Path};
+    const CopyResult copied = CopyVerbatim(ResourceKind::Mesh, found, reference.Package());
+    return {!IsUnreadable(ResourceKind::Mesh, copied, found, reference.Text), copied.Url, found.Path};
   }
   return {};
 }
@@ -341,19 +394,20 @@ ResourceFile ResourceFiles::FindAndCopyFile(std::string_view fileName, ResourceK
     if (file.Extension != extension) continue;
     const FoundFile found = Located(index, file);
     if (!options.DestDoCopy) return {true, beside.UrlInLibrary(found), found.Path};
-    return {true, copier_.CopyTo(placement, {found, name, {}, {}, {}}, options.DestOverwrite), found.Path};
+    const CopyResult copied = copier_.CopyTo(placement, {found, name, {}, {}, {}, {}}, options.DestOverwrite);
+    return {!IsUnreadable(kind, copied, found, name), copied.Url, found.Path};
   }
   std::error_code error;
   if (const fs::path own = programData_ / PathOfUtf8(name); !programData_.empty() && fs::is_regular_file(own, error))
-    return {true, copier_.CopyTo(placement, {{own, {}, name}, name, {}, {}, {}}, options.DestOverwrite), own};
+    return {true, copier_.CopyTo(placement, {{own, {}, name}, name, {}, {}, {}, {}}, options.DestOverwrite).Url, own};
   if (copier_.Folders().Existing(placement.Folder, name)) return {true, placement.Url, placement.File()};
-  missing_[kind].insert(name);
+  NoteMissing(kind, name);
   return {false, placement.Url, {}};
 }
 
-std::string ResourceFiles::CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package) {
+CopyResult ResourceFiles::CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package) {
   const Destination& destination = destinations_[kind];
-  if (!destination.Options().DestDoCopy) return destination.UrlInLibrary(found);
+  if (!destination.Options().DestDoCopy) return {destination.UrlInLibrary(found), found.Path, {}};
   return copier_.Copy(destination, {found, found.Name, package, {}, {}});
 }
 

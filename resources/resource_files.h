@@ -2,6 +2,7 @@
 
 #include "base/reference.h"
 #include "base/report.h"
+#include "base/text_coding.h"
 #include "images/image_type.h"
 #include "resources/destination.h"
 #include "resources/file_copier.h"
@@ -14,6 +15,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,10 +57,13 @@ class ResourceFiles {
   /// Relative paths are taken from the current folder. The scene's folder is `textScene`'s; an empty search path, or
   /// one of which no folder exists, means the folder of `inputFile`.
   /// `programData` holds the files that the program brings along, empty for none. `user`, if given, may process events
-  /// while a library is walked, and end the walk.
+  /// while a library is walked, and end the walk. `batch` is what the runs of a batch share, nullptr for a run by
+  /// itself.
   ResourceFiles(const ConversionSettings& settings, const std::filesystem::path& inputFile,
                 const std::filesystem::path& textScene, Report& report, const std::filesystem::path& programData = {},
-                RunInterface* user = nullptr);
+                RunInterface* user = nullptr, OutputFolders* batch = nullptr);
+  /// The end of a run: saves the list of copies, also when it was stopped.
+  ~ResourceFiles() { copier_.SaveList(); }
   ResourceFiles(const ResourceFiles&) = delete;
   ResourceFiles& operator=(const ResourceFiles&) = delete;
 
@@ -101,15 +106,14 @@ class ResourceFiles {
 
   /// Files that could not be written, one sentence each without a full stop.
   const std::vector<std::string>& Errors() const { return copier_.Errors(); }
+  /// Saves the list of copies beside the scene.
+  void SaveCopyList() { copier_.SaveList(); }
   /// How many files this run wrote.
   int FilesCopied() const { return copier_.FilesWritten(); }
 
  private:
   /// Names compared without regard to case, listed as they were first met.
-  struct FoldedLess {
-    bool operator()(const std::string& a, const std::string& b) const;
-  };
-  using NameList = std::set<std::string, FoldedLess>;
+  using NameList = std::map<std::string, std::string>; ///< by folded name
 
   const FileIndex& IndexOf(ResourceKind kind);
   const FileIndex& SceneFolderIndex();
@@ -122,9 +126,14 @@ class ResourceFiles {
   TextureFile LookUpPackedTexture(const ResourceReference& reference, TextureUse use);
   TextureFile CopyPackedTexture(PackedTexture texture, const ResourceReference& reference, TextureUse use);
   bool IsUsable(const PackedObject& packed, const ResourceReference& reference, ResourceKind kind);
-  FoundFile EarlierVariant(const FoundFile& found, TextureUse use);
+  const IndexedFile* FindInLibrary(const FileIndex& index, const ResourceReference& reference, bool qualified,
+                                   std::span<const std::string_view> extensions);
+  bool IsLibraryFile(const std::filesystem::path& file) const;
+  bool IsNameOfAnother(const std::filesystem::path& folder, const CopyJob& job) const;
+  void NoteMissing(ResourceKind kind, const std::string& name) { missing_[kind].try_emplace(FoldName(name), name); }
+  bool IsUnreadable(ResourceKind kind, const CopyResult& copied, const FoundFile& found, const std::string& name);
   std::optional<ImageConversion> ConversionOf(const FoundFile& found, TextureUse use);
-  std::string CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use);
+  CopyResult CopyTexture(const FoundFile& found, const ResourceReference& reference, TextureUse use);
   void NoteTextureSize(TextureFile& texture);
 
   ResourceFile LookUpSound(const std::string& name, std::string_view reference);
@@ -132,7 +141,7 @@ class ResourceFiles {
   ResourceFile LookUpMesh(const ResourceReference& reference, std::string_view extension);
   void ClaimSceneFiles(const std::filesystem::path& textScene);
 
-  std::string CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package);
+  CopyResult CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package);
   bool IsSceneFile(const std::filesystem::path& file) const;
 
   const ConversionSettings settings_;
@@ -145,6 +154,8 @@ class ResourceFiles {
   RunInterface* user_;
 
   PerKind<Destination> destinations_;
+  std::vector<std::filesystem::path> scenes_; ///< of this run
+  OutputFolders ownFolders_;                  ///< of a run outside a batch
   FileCopier copier_;
   PackedFiles packed_;
   std::map<std::string, std::string> fullNames_;

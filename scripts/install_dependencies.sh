@@ -11,14 +11,14 @@ fi
 
 # "a|b": either satisfies, the first is installed.
 needed=(build-essential g++ cmake ninja-build
-        libpugixml-dev libsimpleini-dev libcli11-dev nlohmann-json3-dev libutf8proc-dev libpng-dev zlib1g-dev
+        libpugixml-dev libsimpleini-dev libcli11-dev nlohmann-json3-dev libutf8proc-dev libxxhash-dev libpng-dev zlib1g-dev
         "libjpeg-dev|libjpeg62-turbo-dev|libjpeg-turbo8-dev" libembree-dev libstb-dev
         "${window[@]}" libgtest-dev libbenchmark-dev "$@")
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
   cat >&2 <<'MESSAGE'
 This is not a Debian-based system, so nothing is installed here. Quarvel needs a C++20 compiler (g++ 12 or newer),
-CMake 3.25 or newer, Ninja, and with their headers the libraries pugixml, SimpleIni, CLI11, JSON for Modern C++, utf8proc, libpng, zlib,
+CMake 3.25 or newer, Ninja, and with their headers the libraries pugixml, SimpleIni, CLI11, JSON for Modern C++, utf8proc, xxHash, libpng, zlib,
 libjpeg-turbo, Embree 3, stb, Qt 6 Widgets, GoogleTest and Google Benchmark. Install them with your package manager and
 run this again.
 MESSAGE

@@ -27,7 +27,8 @@ class ResourceFilesTest : public TempFolder {
   Names Output() const {
     Names names;
     for (const auto& entry : fs::recursive_directory_iterator(folder_ / "out"))
-      if (entry.is_regular_file()) names.push_back(entry.path().lexically_relative(folder_ / "out").generic_string());
+      if (entry.is_regular_file() && entry.path().filename() != CopyList::FileName)
+        names.push_back(entry.path().lexically_relative(folder_ / "out").generic_string());
     std::sort(names.begin(), names.end());
     return names;
   }
@@ -218,15 +219,141 @@ TEST_F(ResourceFilesTest, DestinationOptionsDecideFolderAndUrl) {
 TEST_F(ResourceFilesTest, AFileThatIsThereStaysUnlessOverwritingIsAskedFor) {
   Write("lib/wall.png", MadePngHead(1, 1));
   Write("out/WALL.png", "mine");
-  EXPECT_EQ(Run().FindTexture("wall", TextureUse::Ordinary).Url, "wall.png");
-  EXPECT_EQ(Read("out/wall.png"), "mine") << "under the name that the scene uses";
+  EXPECT_EQ(Run().FindTexture("wall", TextureUse::Ordinary).Url, "lib.wall.png");
+  EXPECT_EQ(Read("out/WALL.png"), "mine");
   EXPECT_EQ(report_.Findings().size(), 1U) << "it is another file";
+  fs::remove(folder_ / "out/lib.wall.png");
+  fs::remove(folder_ / "out" / CopyList::FileName);
   settings_.TextureDest.DestOverwrite = true;
   ResourceFiles files = Run();
-  files.FindTexture("wall", TextureUse::Ordinary);
+  EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Url, "wall.png");
   files.FindTexture("Pack.wall", TextureUse::Masked);
   EXPECT_EQ(Read("out/wall.png"), Read("lib/wall.png"));
   EXPECT_EQ(files.FilesCopied(), 1);
+}
+
+/// Two pixels, red and green or the other way round: bitmaps of one size, of which the first pixel is masked.
+Blob TwoColors(bool swapped) {
+  const std::uint8_t one = swapped ? 255 : 0, other = swapped ? 0 : 255;
+  return MadeBmp(2, 1, 8, {0, one, other, 0, 0, other, one, 0}, {0, 1, 0, 0});
+}
+
+TEST_F(ResourceFilesTest, LevelsThatShareAFolderKeepTheirOwnCopies) {
+  Write("lib/wall.bmp", TwoColors(false));
+  Write("lib2/wall.bmp", TwoColors(true));
+  int copied = 0;
+  const auto url = [&](const char* library, TextureUse use, OutputFolders* batch) {
+    settings_.TextSearchPathTxt = (folder_ / library).string();
+    ResourceFiles files(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report_, {}, nullptr, batch);
+    const std::string found = files.FindTexture("wall", use).Url;
+    copied += files.FilesCopied();
+    return found;
+  };
+  OutputFolders batch;
+  EXPECT_EQ(url("lib", TextureUse::Ordinary, &batch), "wall.png");
+  EXPECT_EQ(url("lib2", TextureUse::Ordinary, &batch), "lib2.wall.png");
+  EXPECT_EQ(url("lib", TextureUse::Masked, &batch), "wall_masked.png");
+  EXPECT_NE(PictureIn(folder_ / "out/wall.png").Values, PictureIn(folder_ / "out/lib2.wall.png").Values);
+
+  Write("out/lib2.wall.png", "retouched");
+  copied = 0;
+  EXPECT_EQ(url("lib2", TextureUse::Ordinary, nullptr), "lib2.wall.png") << "whatever comes first this time";
+  EXPECT_EQ(url("lib", TextureUse::Masked, nullptr), "wall_masked.png");
+  EXPECT_EQ(url("lib", TextureUse::Ordinary, nullptr), "wall.png");
+  EXPECT_EQ(Read("out/lib2.wall.png"), "retouched");
+  EXPECT_EQ(copied, 0);
+
+  Write("lib/wall.bmp", TwoColors(true));
+  EXPECT_NE(url("lib", TextureUse::Ordinary, nullptr), "wall.png") << "the library has another picture now";
+}
+
+TEST_F(ResourceFilesTest, InALibraryThatIsTheScenesFolderEachNameShowsItsOwnPicture) {
+  settings_.TextSearchPathTxt = (folder_ / "out").string();
+  settings_.TextureDest.DestOverwrite = true;
+  for (const bool subFirst : {true, false}) {
+    for (const auto& entry : fs::directory_iterator(folder_ / "out"))
+      fs::remove_all(entry);
+    Write("out/brick.bmp", TwoColors(false));
+    Write("out/sub/brick.bmp", TwoColors(true));
+    Write("out/stone.png", MadePngHead(1, 1));
+    Write("out/sub/stone.png", MadePngHead(2, 2));
+    ResourceFiles files = Run();
+    const auto url = [&](const char* name) { return files.FindTexture(name, TextureUse::Ordinary).Url; };
+    if (subFirst) url("sub.brick"), url("sub.stone");
+    EXPECT_EQ(url("brick"), "brick.png");
+    EXPECT_EQ(url("sub.brick"), "sub.brick.png");
+    EXPECT_EQ(url("stone"), "stone.png");
+    EXPECT_EQ(url("sub.stone"), "sub.stone.png");
+    EXPECT_EQ(PictureIn(folder_ / "out/brick.png").Values[0], 255);
+    EXPECT_EQ(Read("out/sub.stone.png"), Read("out/sub/stone.png"));
+    const Blob stone = MadePngHead(1, 1);
+    EXPECT_EQ(Read("out/stone.png"), std::string(stone.begin(), stone.end()));
+  }
+}
+
+TEST_F(ResourceFilesTest, OverwritingSparesScenesInputsAndWhatLinksLeadTo) {
+  settings_.MeshDest.DestOverwrite = settings_.TextureDest.DestOverwrite = true;
+  Write("lib/other.wrl", "mesh");
+  Write("lib/input.wrl", "mesh");
+  Write("lib/wall.png", MadePngHead(1, 1));
+  Write("out/other.wrl", "#VRML V2.0 utf8\r\n# Converted by Quarvel VRML converter\r\n");
+  Write("out/input.wrl", "input");
+  Write("victim", "mine");
+  fs::create_symlink("../victim", folder_ / "out/wall.png");
+  fs::create_symlink("../victim", folder_ / "out" / CopyList::FileName);
+  OutputFolders batch;
+  batch.Reserve(folder_ / "out/../out/input.wrl");
+  {
+    ResourceFiles files(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report_, {}, nullptr, &batch);
+    EXPECT_EQ(files.FindMesh("other", true).Wrl.Url, "lib.other.wrl");
+    EXPECT_EQ(files.FindMesh("input", true).Wrl.Url, "lib.input.wrl");
+    EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Url, "lib.wall.png");
+  }
+  EXPECT_EQ(Read("out/input.wrl"), "input");
+  EXPECT_EQ(Read("victim"), "mine");
+  EXPECT_FALSE(fs::is_symlink(folder_ / "out" / CopyList::FileName));
+}
+
+TEST_F(ResourceFilesTest, AListOfCopiesLeadsNowhereElse) {
+  Write("lib/wall.png", MadePngHead(1, 1));
+  const std::string bytes = Read("lib/wall.png");
+  Write(std::string("out/") + CopyList::FileName, "../wall.png\t-\t" + HashOf(bytes) +
+                                                      "\twall.png\r\n/tmp/wall.png\t-\t" + HashOf(bytes) +
+                                                      "\twall.png\r\nbroken line\r\n");
+  EXPECT_EQ(Run().FindTexture("wall", TextureUse::Ordinary).Url, "wall.png");
+  EXPECT_EQ(Output(), Names{"wall.png"});
+  EXPECT_FALSE(fs::exists(folder_ / "wall.png"));
+}
+
+TEST_F(ResourceFilesTest, ASourceThatVanishedIsMissing) {
+  Write("lib/wall.png", MadePngHead(1, 1));
+  Write("lib/stone.bmp", TwoColors(false));
+  ResourceFiles files = Run();
+  files.FindTexture("first", TextureUse::Ordinary);
+  fs::remove(folder_ / "lib/wall.png");
+  fs::remove(folder_ / "lib/stone.bmp");
+  EXPECT_FALSE(files.FindTexture("wall", TextureUse::Ordinary).Found);
+  EXPECT_FALSE(files.FindTexture("stone", TextureUse::Ordinary).Found);
+  EXPECT_EQ(files.Missing()[ResourceKind::Texture], (Names{"first", "stone", "wall"}));
+  EXPECT_EQ(files.Errors(), Names{}) << "no destination is to blame";
+  ASSERT_EQ(report_.Findings().size(), 2U);
+  EXPECT_EQ(report_.Findings()[0].Reason, "cannot be read: No such file or directory");
+}
+
+TEST_F(ResourceFilesTest, ManyTexturesOfOneNameAreToldApartInLinearTime) {
+  constexpr int count = 300;
+  for (int i = 0; i < count; ++i) {
+    Blob bitmap = TwoColors(false);
+    bitmap[54] = static_cast<std::uint8_t>(i % 251); // a colour of the palette
+    bitmap[55] = static_cast<std::uint8_t>(i / 251);
+    Write("lib/Pack/G" + std::to_string(i) + "/wall.bmp", bitmap);
+  }
+  ResourceFiles files = Run();
+  std::set<std::string> urls;
+  for (int i = 0; i < count; ++i)
+    urls.insert(files.FindTexture("Pack.G" + std::to_string(i) + ".wall", TextureUse::Masked).Url);
+  EXPECT_EQ(urls.size(), static_cast<std::size_t>(count));
+  EXPECT_EQ(files.FilesCopied(), count);
 }
 
 TEST_F(ResourceFilesTest, ACopyThatFailsIsAnError) {
