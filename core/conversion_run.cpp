@@ -216,7 +216,7 @@ void TellBadNumbers(RunState& run) {
   const std::string where = numbers.FirstActor.empty() ? "" : ", the first in " + numbers.FirstActor;
   Tell(run.Result, run.Context.User,
        "Input file contains badly formatted numbers: " +
-                CountText(static_cast<std::size_t>(numbers.Places), "place", "places") + where);
+           CountText(static_cast<std::size_t>(numbers.Places), "place", "places") + where);
 }
 
 /// The lists of what is missing, beside the output.
@@ -331,8 +331,7 @@ RunResult ConvertFile(const fs::path& inFile, const fs::path& outFile, const Con
     if (const std::string error = SaveSettings(settings, store); !error.empty()) throw RunFailed{error};
     std::optional<PageRun> page;
     if (settings.CheckMakePage) page.emplace(outFile, settings, memory.TypedOutput);
-    if (!page || !settings.CheckPageOnly)
-      Convert(inFile, outFile, settings, memory, user, result, RunPurpose::Files);
+    if (!page || !settings.CheckPageOnly) Convert(inFile, outFile, settings, memory, user, result, RunPurpose::Files);
     if (page) ConvertToPage(inFile, outFile, settings, *page, memory, user, result);
   } catch (const RunStopped&) {
     result.Outcome = RunOutcome::Stopped;

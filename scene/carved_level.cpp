@@ -58,9 +58,8 @@ class SurfaceMaker {
   void Add(int brushNumber, int polygonNumber, const Vector3& normal, std::vector<Vector3> points) {
     const LevelBrush& brush = brushes_[static_cast<std::size_t>(brushNumber)];
     const PolygonRecord& polygon = brush.Polygons[static_cast<std::size_t>(polygonNumber)];
-    const std::optional<FindingCode> why = polygonNumber < firstPolygon_
-                                               ? std::optional(FindingCode::FacesBeforeStart)
-                                               : WhyIgnored(polygon, context_.Settings);
+    const std::optional<FindingCode> why = polygonNumber < firstPolygon_ ? std::optional(FindingCode::FacesBeforeStart)
+                                                                         : WhyIgnored(polygon, context_.Settings);
     if (why) {
       if (ignored_.emplace(brushNumber, polygonNumber).second) context_.Findings.Count(*why);
       return;

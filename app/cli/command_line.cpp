@@ -32,7 +32,8 @@ constexpr const char* description =
 
 constexpr const char* footer =
     "INPUT is a file, a pattern in quotes (\"maps/*.t3d\", with all folders below) or a list (maps,a.t3d,b.t3d).\n"
-    "The last argument is the OUTPUT when it ends in .wrl, .x3dv, .x3d, .xml or .html, or is a folder that ends in \"/\"; "
+    "The last argument is the OUTPUT when it ends in .wrl, .x3dv, .x3d, .xml or .html, or is a folder that ends in "
+    "\"/\"; "
     "without\n"
     "it, scenes are written beside their inputs. With several inputs only its folder counts. Folders are made.\n\n"
     "Exit codes: 0 done (also with missing textures, sounds or meshes), 1 an input could not be read or an output not\n"
