@@ -11,6 +11,11 @@ namespace {
 
 bool IsConverted(const ActorBlock& actor) { return FindClass(actor.Class) != nullptr; }
 
+/// Of the later generation, actors of any class may be shown by a mesh.
+bool NamesMeshOfItsOwn(const T3DLevel& level, const ActorBlock& actor) {
+  return !level.LegacyFormat && actor.IsComplete() && FindText(level.Text, "StaticMesh=", actor.From, actor.To) != 0;
+}
+
 bool Contains(std::string_view text, std::string_view what) { return text.find(what) != text.npos; }
 
 bool IsUtf16(std::string_view text) { return text.starts_with("\xff\xfe") || text.starts_with("\xfe\xff"); }
@@ -20,7 +25,9 @@ bool IsUtf16(std::string_view text) { return text.starts_with("\xff\xfe") || tex
 std::string WhyUnsupported(const T3DLevel& level) {
   const std::string_view text = level.Text;
   if (IsUtf16(text)) return "is UTF-16 text; export it as plain text";
-  const bool known = std::any_of(level.Actors.begin(), level.Actors.end(), IsConverted);
+  const bool known = std::any_of(level.Actors.begin(), level.Actors.end(), [&](const ActorBlock& actor) {
+    return IsConverted(actor) || NamesMeshOfItsOwn(level, actor);
+  });
   if (known || (level.Actors.empty() && Contains(text, "Begin PolyList"))) return {};
   if (Contains(text, "Archetype="))
     return "comes from a newer generation of the editor, whose exports are not supported";

@@ -49,7 +49,7 @@ ShadowLevel ReadShadowLevel() {
   RunInterface user;
   const std::string text = ReadWholeFile(packages / "CheckerMap.t3d", user).value_or("");
   const T3DLevel level(text);
-  NumberCheck numbers{user};
+  NumberCheck numbers;
   std::vector<CsgBrush> brushes;
   for (const ActorBlock* actor : level.ActorsOf(ActorFamily::Brush)) {
     BrushRecord brush = ReadBrush(level, *actor, numbers);

@@ -1,7 +1,5 @@
 #include "tests/scene/scene_readers.h"
 
-#include "tests/scene/node_rules.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -13,6 +11,59 @@ namespace quarvel::test {
 namespace {
 
 constexpr std::string_view separators = " \t\r\n,";
+
+/// The fields of every node type that a scene may hold, in both text encodings.
+const std::map<std::string, std::string, std::less<>>& FieldsOfTypes() {
+  static const std::map<std::string, std::string, std::less<>> fields{
+      {"Anchor", "children description parameter url bboxCenter bboxSize"},
+      {"Appearance", "material texture textureTransform"},
+      {"AudioClip", "description loop pitch startTime stopTime url"},
+      {"Billboard", "axisOfRotation children"},
+      {"BooleanFilter", ""},
+      {"Box", "size"},
+      {"Collision", "children collide enabled proxy"},
+      {"Coordinate", "point"},
+      {"DirectionalLight", "ambientIntensity color direction intensity on"},
+      {"ElevationGrid", "ccw color colorPerVertex creaseAngle height normal normalPerVertex set_height solid texCoord "
+                        "xDimension xSpacing zDimension zSpacing"},
+      {"Fog", "color fogType visibilityRange"},
+      {"Group", "children"},
+      {"ImageTexture", "url repeatS repeatT"},
+      {"IndexedFaceSet", "ccw color colorPerVertex convex coord coordIndex creaseAngle normal solid texCoord "
+                         "texCoordIndex"},
+      {"IndexedLineSet", "color colorIndex colorPerVertex coord coordIndex"},
+      {"Inline", "url bboxCenter bboxSize load"},
+      {"Material", "ambientIntensity diffuseColor emissiveColor shininess specularColor transparency"},
+      {"NavigationInfo", "avatarSize headlight speed type visibilityLimit"},
+      {"OrientationInterpolator", "key keyValue"},
+      {"PointLight", "ambientIntensity attenuation color intensity location on radius"},
+      {"PositionInterpolator", "key keyValue"},
+      {"PositionInterpolator2D", "key keyValue"},
+      {"ProximitySensor", "center enabled size"},
+      {"Script", "directOutput mustEvaluate url"},
+      {"Shape", "appearance geometry"},
+      {"Sound", "direction intensity location maxBack maxFront minBack minFront priority source spatialize"},
+      {"Sphere", "radius"},
+      {"SpotLight", "ambientIntensity attenuation beamWidth color cutOffAngle direction intensity location on radius"},
+      {"Switch", "choice whichChoice"},
+      {"TextureCoordinate", "point"},
+      {"TextureTransform", "center rotation scale translation"},
+      {"TimeSensor", "cycleInterval enabled loop startTime stopTime"},
+      {"TouchSensor", "enabled"},
+      {"Transform", "center children rotation scale scaleOrientation translation bboxCenter bboxSize"},
+      {"Viewpoint", "description fieldOfView jump orientation position"},
+      {"WorldInfo", "info title"},
+  };
+  return fields;
+}
+
+/// Whether a word stands in a list of words with blanks between them.
+bool IsOneOf(std::string_view word, std::string_view list) {
+  const auto isEnd = [&](std::size_t at) { return at >= list.size() || list[at] == ' '; };
+  for (std::size_t at = list.find(word); at != list.npos; at = list.find(word, at + 1))
+    if ((at == 0 || list[at - 1] == ' ') && isEnd(at + word.size())) return !word.empty();
+  return false;
+}
 
 bool IsNumber(std::string_view word) {
   if (word.starts_with('+')) word.remove_prefix(1);
@@ -51,92 +102,9 @@ struct Token {
   std::string Text;
 };
 
-/// What both kinds of readers check of the nodes that were read.
-class SceneChecker {
- public:
-  SceneChecker(ReadScene& scene, SceneEncoding encoding) : scene_(scene), encoding_(encoding) {}
-
-  /// `where` begins the fault.
-  void CheckNode(std::size_t number, const std::string& where) {
-    const ReadNode& node = scene_.Nodes[number];
-    for (const auto& [field, value] : node.Fields) {
-      const auto numbers = static_cast<std::size_t>(NumbersOf(node.Type, field));
-      const auto words = Words(value);
-      const bool isWrong =
-          numbers != 0 && (words.size() != numbers || !std::all_of(words.begin(), words.end(), IsNumber));
-      if (isWrong) Fault(where + node.Type + "." + field + " is " + value);
-    }
-    if (node.Type.ends_with("Interpolator")) CheckKeys(node, where);
-    if (node.Type == "IndexedFaceSet") CheckIndices(number, where);
-  }
-
-  /// `nodes` are the types of the names; those of scripts stand with their events in `scriptFields`.
-  void CheckRoute(const std::string& from, const std::string& to, const std::string& where) {
-    CheckEnd(from, true, where);
-    CheckEnd(to, false, where);
-  }
-
-  void DeclareScriptField(const std::string& script, const std::string& name) {
-    scriptFields_.insert(script + "." + name);
-  }
-
- private:
-  void Fault(const std::string& what) { scene_.Faults.push_back(what); }
-
-  void CheckEnd(const std::string& end, bool sends, const std::string& where) {
-    const std::size_t point = end.find('.');
-    const std::string name = end.substr(0, point), event = point == end.npos ? "" : end.substr(point + 1);
-    const ReadNode* node = scene_.Find(name);
-    if (node == nullptr) return Fault(where + "a ROUTE names " + name + ", which is not defined before");
-    if (node->Type == "Script" && scriptFields_.contains(name + "." + event)) return;
-    const bool known = encoding_ == SceneEncoding::Vrml97 && node->Type == "BooleanFilter"
-                           ? IsOneOf(event, "set_boolean inputTrue inputFalse inputNegate")
-                       : sends ? SendsEvent(node->Type, event, encoding_)
-                               : TakesEvent(node->Type, event, encoding_);
-    if (!known) Fault(where + node->Type + (sends ? " does not send " : " does not take ") + event);
-  }
-
-  static std::size_t CountOf(const ReadNode& node, const char* field) {
-    const auto at = node.Fields.find(field);
-    return at == node.Fields.end() ? 0 : Words(at->second).size();
-  }
-
-  void CheckKeys(const ReadNode& node, const std::string& where) {
-    const std::size_t width = node.Type == "OrientationInterpolator" ? 4 : 3;
-    if (CountOf(node, "key") * width != CountOf(node, "keyValue")) Fault(where + "keys and key values do not match");
-    double last = -1;
-    if (const auto keys = node.Fields.find("key"); keys != node.Fields.end())
-      for (const std::string& word : Words(keys->second)) {
-        const double key = std::strtod(word.c_str(), nullptr);
-        if (key < last || key < 0 || key > 1) Fault(where + "the keys do not rise from 0 to 1");
-        last = key;
-      }
-  }
-
-  void CheckIndices(std::size_t number, const std::string& where) {
-    for (std::size_t child = number + 1; child < scene_.Nodes.size(); ++child) {
-      const ReadNode& list = scene_.Nodes[child];
-      if (list.Parent != static_cast<int>(number)) continue;
-      const bool isCoordinate = list.Type == "Coordinate";
-      const long size = static_cast<long>(CountOf(list, "point") / (isCoordinate ? 3 : 2));
-      for (const std::string& index : Words(scene_.Nodes[number].Fields[isCoordinate ? "coordIndex" : "texCoordIndex"]))
-        if (std::stol(index) < -1 || std::stol(index) >= size)
-          return Fault(where + "index " + index + " is out of range");
-    }
-  }
-
-  ReadScene& scene_;
-  SceneEncoding encoding_;
-  std::set<std::string> scriptFields_;
-};
-
 class VrmlReader {
  public:
-  explicit VrmlReader(std::string_view text)
-      : text_(text), encoding_(text.starts_with("#X3D") ? SceneEncoding::X3DClassic : SceneEncoding::Vrml97),
-        checker_(scene_, encoding_) {
-    Advance();
-  }
+  explicit VrmlReader(std::string_view text) : text_(text) { Advance(); }
 
   ReadScene Read() {
     while (token_.Kind != Token::Kind::End && scene_.Faults.size() < 20)
@@ -145,11 +113,10 @@ class VrmlReader {
   }
 
  private:
-  std::string Where() const {
+  void Fault(const std::string& what) {
     const auto line = 1 + std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), '\n');
-    return "line " + std::to_string(line) + ": ";
+    scene_.Faults.push_back("line " + std::to_string(line) + ": " + what);
   }
-  void Fault(const std::string& what) { scene_.Faults.push_back(Where() + what); }
 
   void SkipBlanksAndComments() {
     for (;;) {
@@ -208,7 +175,7 @@ class VrmlReader {
       return Advance();
     }
     if (token_.Kind != Token::Kind::Word) return Fault("'" + Take() + "' where a node is due");
-    ReadNodeStatement(-1, "");
+    ReadNodeStatement(-1);
   }
 
   void ReadRoute() {
@@ -216,7 +183,10 @@ class VrmlReader {
     const std::string from = Take();
     if (Take() != "TO") Fault("a ROUTE without TO");
     const std::string to = Take();
-    checker_.CheckRoute(from, to, Where());
+    for (const std::string& end : {from, to}) {
+      const std::string name = end.substr(0, end.find('.'));
+      if (!defined_.contains(name)) Fault("a ROUTE names " + name + ", which is not defined before");
+    }
     scene_.Routes.push_back(from + " TO " + to);
   }
 
@@ -236,26 +206,16 @@ class VrmlReader {
 
   void Define(const std::string& name) {
     if (!IsLegalName(name)) Fault("'" + name + "' is no name");
-    // In VRML97 the last of several holds (ISO/IEC 14772-1, clause 4.6.2).
-    if (!defined_.insert(name).second && encoding_ != SceneEncoding::Vrml97) Fault(name + " is defined twice");
+    defined_.insert(name);
   }
 
-  void CheckPlace(int parent, const std::string& field, const std::string& type) {
-    const std::string above = parent < 0 ? "" : scene_.Nodes[static_cast<std::size_t>(parent)].Type;
-    if (above == "Script" || prototypes_.contains(type)) return;
-    if (!MayHold(above, field, type)) Fault("a " + type + " in " + (above.empty() ? "the scene" : above + "." + field));
-  }
-
-  void ReadNodeStatement(int parent, const std::string& field) {
+  void ReadNodeStatement(int parent) {
     ReadNode node;
     node.Parent = parent;
     if (IsWord("USE")) {
       Advance();
       node.Use = Take();
-      if (const ReadNode* used = scene_.Find(node.Use))
-        CheckPlace(parent, field, used->Type);
-      else
-        Fault("USE of " + node.Use + ", which is not defined before");
+      if (!defined_.contains(node.Use)) Fault("USE of " + node.Use + ", which is not defined before");
       scene_.Nodes.push_back(std::move(node));
       return;
     }
@@ -264,16 +224,15 @@ class VrmlReader {
       Define(node.Def = Take());
     }
     node.Type = Take();
-    if (!IsNodeType(node.Type, encoding_) && !prototypes_.contains(node.Type))
+    if (!FieldsOfTypes().contains(node.Type) && !prototypes_.contains(node.Type))
       Fault("'" + node.Type + "' is no node type");
-    CheckPlace(parent, field, node.Type);
     const auto number = scene_.Nodes.size();
     scene_.Nodes.push_back(std::move(node));
     Expect("{");
     while (!IsMark("}") && token_.Kind != Token::Kind::End && scene_.Faults.size() < 20)
       ReadField(static_cast<int>(number));
     Expect("}");
-    checker_.CheckNode(number, Where());
+    CheckValues(number);
   }
 
   void ReadField(int node) {
@@ -281,15 +240,15 @@ class VrmlReader {
     const std::string type = scene_.Nodes[static_cast<std::size_t>(node)].Type;
     const std::string name = Take();
     if (name == "ROUTE" || name == "PROTO") Fault("a " + name + " inside a node");
-    const bool isX3D = encoding_ == SceneEncoding::X3DClassic;
-    if (type == "Script" &&
-        IsOneOf(name, isX3D ? "inputOnly outputOnly initializeOnly inputOutput" : "eventIn eventOut field")) {
+    if (type == "Script" && IsOneOf(name, "eventIn eventOut field exposedField inputOnly outputOnly initializeOnly "
+                                          "inputOutput")) {
       Advance();
-      checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(node)].Def, Take());
-      if (IsOneOf(name, "field initializeOnly inputOutput")) ReadValue(node, "");
+      Advance();
+      if (IsOneOf(name, "field exposedField initializeOnly inputOutput")) ReadValue(node, "");
       return;
     }
-    if (!HasField(type, name, encoding_) && !prototypes_.contains(type)) Fault(type + " has no field " + name);
+    const auto fields = FieldsOfTypes().find(type);
+    if (fields != FieldsOfTypes().end() && !IsOneOf(name, fields->second)) Fault(type + " has no field " + name);
     ReadValue(node, name);
   }
 
@@ -298,10 +257,10 @@ class VrmlReader {
     if (IsMark("[")) {
       Advance();
       while (!IsMark("]") && token_.Kind != Token::Kind::End && scene_.Faults.size() < 20)
-        ReadItem(node, field, values);
+        ReadItem(node, values);
       Expect("]");
     } else {
-      ReadItem(node, field, values);
+      ReadItem(node, values);
       while (IsScalar())
         values.push_back(Take());
     }
@@ -313,80 +272,60 @@ class VrmlReader {
            (token_.Kind == Token::Kind::Word && (IsOneOf(token_.Text, "TRUE FALSE NULL") || IsNumber(token_.Text)));
   }
 
-  void ReadItem(int node, const std::string& field, std::vector<std::string>& values) {
+  void ReadItem(int node, std::vector<std::string>& values) {
     if (IsScalar())
       values.push_back(Take());
     else if (IsWord("ROUTE") || IsWord("PROTO"))
       Fault("a " + Take() + " inside a list");
     else if (token_.Kind == Token::Kind::Word)
-      ReadNodeStatement(node, field);
+      ReadNodeStatement(node);
     else
       Fault("'" + Take() + "' where a value is due");
   }
 
+  void CheckValues(std::size_t number) {
+    const ReadNode& node = scene_.Nodes[number];
+    const auto count = [&](const char* field) {
+      const auto at = node.Fields.find(field);
+      return at == node.Fields.end() ? 0 : Words(at->second).size();
+    };
+    const std::size_t width = node.Type == "OrientationInterpolator" ? 4 : node.Type == "PositionInterpolator" ? 3 : 0;
+    if (width != 0 && count("key") * width != count("keyValue")) Fault("keys and key values do not match");
+    if (node.Type == "IndexedFaceSet") CheckIndices(number);
+  }
+
+  void CheckIndices(std::size_t number) {
+    for (std::size_t child = number + 1; child < scene_.Nodes.size(); ++child) {
+      const ReadNode& list = scene_.Nodes[child];
+      if (list.Parent != static_cast<int>(number)) continue;
+      const bool isCoordinate = list.Type == "Coordinate";
+      const auto points = list.Fields.find("point");
+      const std::size_t numbers = points == list.Fields.end() ? 0 : Words(points->second).size();
+      const long size = static_cast<long>(numbers / (isCoordinate ? 3 : 2));
+      for (const std::string& index : Words(scene_.Nodes[number].Fields[isCoordinate ? "coordIndex" : "texCoordIndex"]))
+        if (std::stol(index) < -1 || std::stol(index) >= size) return Fault("index " + index + " is out of range");
+    }
+  }
+
   std::string_view text_;
   std::size_t at_ = 0;
-  SceneEncoding encoding_;
   Token token_;
   ReadScene scene_;
-  SceneChecker checker_;
   std::set<std::string> defined_, prototypes_;
 };
 
 /// Elements that stand for no node of the text.
 constexpr std::string_view frame = "Group MultiTexture texture NavigationInfo";
 
-class X3DReader {
- public:
-  ReadScene Read(const pugi::xml_node& root) {
-    for (const pugi::xml_node& node : root.children())
-      ReadElement(node, -1, "");
-    for (const auto& [from, to] : routes_) // both ends may stand behind a ROUTE
-      checker_.CheckRoute(from, to, "");
-    for (std::size_t number = 0; number < scene_.Nodes.size(); ++number)
-      checker_.CheckNode(number, scene_.Nodes[number].Def + ": ");
-    return std::move(scene_);
-  }
-
- private:
-  void Fault(const std::string& what) { scene_.Faults.push_back(what); }
-
-  void ReadElement(const pugi::xml_node& element, int parent, const std::string& above) {
-    const std::string type = element.name();
-    if (type == "ROUTE") return ReadRoute(element);
-    if (type == "field" && above == "Script") {
-      checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(parent)].Def,
-                                  element.attribute("name").value());
-      return;
-    }
-    if (element.type() != pugi::node_element) return;
-    CheckElement(element, above);
-    int number = parent;
-    if (!IsOneOf(type, frame) || element.attribute("DEF")) number = AddNode(element, parent);
-    for (const pugi::xml_node& child : element.children())
-      ReadElement(child, number, type);
-  }
-
-  void ReadRoute(const pugi::xml_node& element) {
+void ReadElement(const pugi::xml_node& element, int parent, ReadScene& scene) {
+  if (element.name() == std::string_view("ROUTE")) {
     const auto value = [&](const char* name) { return std::string(element.attribute(name).value()); };
-    routes_.emplace_back(value("fromNode") + "." + value("fromField"), value("toNode") + "." + value("toField"));
-    scene_.Routes.push_back(routes_.back().first + " TO " + routes_.back().second);
+    scene.Routes.push_back(value("fromNode") + "." + value("fromField") + " TO " + value("toNode") + "." +
+                           value("toField"));
+    return;
   }
-
-  void CheckElement(const pugi::xml_node& element, const std::string& above) {
-    const std::string type = element.name();
-    if (!IsNodeType(type, SceneEncoding::X3DXml)) Fault("'" + type + "' is no node type");
-    if (!MayHold(above, "", type)) Fault("a " + type + " in " + (above.empty() ? "the scene" : above));
-    for (const pugi::xml_attribute& attribute : element.attributes()) {
-      const std::string name = attribute.name(), value = attribute.value();
-      if (name == "DEF" && !defined_.emplace(value, type).second) Fault(value + " is defined twice");
-      if (name == "USE" && defined_[value] != type) Fault("USE of " + value + ", which is no " + type + " before");
-      if (name != "DEF" && name != "USE" && !HasField(type, name, SceneEncoding::X3DXml))
-        Fault(type + " has no field " + name);
-    }
-  }
-
-  int AddNode(const pugi::xml_node& element, int parent) {
+  int number = parent;
+  if (!IsOneOf(element.name(), frame)) {
     ReadNode node;
     node.Type = element.name();
     node.Parent = parent;
@@ -396,15 +335,12 @@ class X3DReader {
       std::string& value = name == "DEF" ? node.Def : name == "USE" ? node.Use : node.Fields[std::string(name)];
       value = attribute.value();
     }
-    scene_.Nodes.push_back(std::move(node));
-    return static_cast<int>(scene_.Nodes.size()) - 1;
+    number = static_cast<int>(scene.Nodes.size());
+    scene.Nodes.push_back(std::move(node));
   }
-
-  ReadScene scene_;
-  SceneChecker checker_{scene_, SceneEncoding::X3DXml};
-  std::map<std::string, std::string> defined_; ///< types by name
-  std::vector<std::pair<std::string, std::string>> routes_;
-};
+  for (const pugi::xml_node& child : element.children())
+    ReadElement(child, number, scene);
+}
 
 /// Fields as both encodings write them: separators, quotes and the case of booleans do not count.
 std::string Normal(std::string_view value) {
@@ -443,18 +379,19 @@ std::string ReadScene::OwnerOf(const ReadNode& node) const {
 }
 
 const ReadNode* ReadScene::Find(std::string_view def) const {
-  // The last one of a name holds.
-  const auto at = std::find_if(Nodes.rbegin(), Nodes.rend(), [&](const ReadNode& node) { return node.Def == def; });
-  return at == Nodes.rend() ? nullptr : &*at;
+  const auto at = std::find_if(Nodes.begin(), Nodes.end(), [&](const ReadNode& node) { return node.Def == def; });
+  return at == Nodes.end() ? nullptr : &*at;
 }
 
 ReadScene ReadVrml(std::string_view text) { return VrmlReader(text).Read(); }
 
 ReadScene ReadX3D(const std::string& text) {
+  ReadScene scene;
   pugi::xml_document document;
   const pugi::xml_parse_result result = document.load_buffer(text.data(), text.size());
-  ReadScene scene = X3DReader().Read(document.child("X3D").child("Scene"));
   if (!result) scene.Faults.push_back(std::string(result.description()) + " at " + std::to_string(result.offset));
+  for (const pugi::xml_node& node : document.child("X3D").child("Scene").children())
+    ReadElement(node, -1, scene);
   return scene;
 }
 
