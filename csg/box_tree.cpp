@@ -7,7 +7,7 @@ namespace quarvel {
 
 namespace {
 
-constexpr std::uint32_t boxesInLeaf = 4;
+constexpr std::uint32_t boxesInLeaf = 12;
 
 double Vector3::*LongestAxis(const Bounds3& box) {
   const Vector3 size = SubtractVector(box.Max, box.Min);
@@ -23,6 +23,12 @@ BoxTree::BoxTree(std::vector<Bounds3> boxes) : boxes_(std::move(boxes)), order_(
   nodes_.reserve(boxes_.size());
   nodes_.emplace_back();
   Build(0, 0, static_cast<std::uint32_t>(boxes_.size()));
+  // A search reads the boxes of a leaf together.
+  std::vector<Bounds3> ordered;
+  ordered.reserve(boxes_.size());
+  for (const std::uint32_t number : order_)
+    ordered.push_back(boxes_[number]);
+  boxes_ = std::move(ordered);
 }
 
 void BoxTree::Build(std::size_t node, std::uint32_t from, std::uint32_t to) {

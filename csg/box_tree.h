@@ -39,11 +39,9 @@ class BoxTree {
         continue;
       }
       for (std::uint32_t i = node.First; i < node.First + node.Count; ++i)
-        if (meets(boxes_[order_[i]])) visit(order_[i]);
+        if (meets(boxes_[i])) visit(order_[i]);
     }
   }
-
-  const Bounds3& Box(std::uint32_t number) const { return boxes_[number]; }
 
  private:
   struct Node {
@@ -53,8 +51,8 @@ class BoxTree {
   };
   void Build(std::size_t node, std::uint32_t from, std::uint32_t to);
 
-  std::vector<Bounds3> boxes_;
-  std::vector<std::uint32_t> order_;
+  std::vector<Bounds3> boxes_;       ///< in the order of the leaves, once the tree is built
+  std::vector<std::uint32_t> order_; ///< the numbers of the boxes in that order
   std::vector<Node> nodes_;
 };
 

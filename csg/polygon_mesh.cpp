@@ -17,7 +17,7 @@ namespace {
 class PointGrid {
  public:
   PointGrid(double distance, std::size_t points)
-      : distance_(distance), cellSize_(std::max(distance * 32, 1e-6)), first_(std::bit_ceil(points * 2 + 1), none) {
+      : distance_(distance), cellSize_(std::max(distance * 32, 1e-6)), first_(std::bit_ceil(points / 2 + 1), none) {
     kept.reserve(points / 2);
     next_.reserve(points / 2);
   }
@@ -231,12 +231,13 @@ void SplitEdges(PolygonMesh& mesh, double distance, std::size_t enclosing) {
     if (counted == first) counted = end;
     return counted - first == 2 && BalanceOf(mesh, uses, first, counted) == 0;
   };
-  std::vector<std::uint32_t> ends;
+  std::vector<bool> endsEdge(mesh.Points.size());
   ForEachEdge(uses, [&](std::size_t first, std::size_t end) {
-    if (!isShared(first, end)) ends.insert(ends.end(), {uses[first].Low(), uses[first].High()});
+    if (!isShared(first, end)) endsEdge[uses[first].Low()] = endsEdge[uses[first].High()] = true;
   });
-  std::sort(ends.begin(), ends.end());
-  ends.erase(std::unique(ends.begin(), ends.end()), ends.end());
+  std::vector<std::uint32_t> ends;
+  for (std::uint32_t point = 0; point < endsEdge.size(); ++point)
+    if (endsEdge[point]) ends.push_back(point);
   const EdgeSplitter splitter(mesh.Points, std::move(ends), distance);
 
   std::vector<std::uint32_t> between, firstOf(mesh.Corners.size()), endOf(mesh.Corners.size());
