@@ -22,7 +22,7 @@ if(QUARVEL_SANITIZE)
 endif()
 
 # quarvel_precompile(TARGET OWNER [HEADER...]) precompiles for TARGET the headers that most files include: OWNER builds them
-# once for itself and all who name it. CI also builds without, so that a file that leans on another's includes is found.
+# once for itself and all who name it. Build with QUARVEL_PRECOMPILE=OFF to find files that lean on the includes of others.
 function(quarvel_precompile target owner)
   if(NOT QUARVEL_PRECOMPILE)
     return()
