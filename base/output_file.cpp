@@ -113,6 +113,7 @@ bool OutputFile::Fail(std::string reason) {
 
 bool OutputFile::Append(std::string_view bytes) {
   if (!error_.empty()) return false;
+  if (bytes.data() == nullptr) bytes = ""; // which fwrite does not take, even for no bytes
   if (direct_) {
     const bool good =
         std::fwrite(bytes.data(), 1, bytes.size(), direct_.get()) == bytes.size() && std::fflush(direct_.get()) == 0;
