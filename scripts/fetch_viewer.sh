@@ -16,7 +16,7 @@ done
 wanted=$(sha256sum packaging/viewer/package-lock.json | cut -d' ' -f1)
 if [ "$(cat "$folder/.fetched" 2>/dev/null)" = "$wanted" ]; then exit 0; fi
 
-command -v npm >/dev/null || ./scripts/install_dependencies.sh npm
+./scripts/install_dependencies.sh npm:npm
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp packaging/viewer/package.json packaging/viewer/package-lock.json "$work"

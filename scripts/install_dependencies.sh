@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what building and testing needs and this machine lacks. Calls apt only when something is missing.
 #   install_dependencies.sh [--without-window] [PACKAGE...]    further packages to have, for instance clang-format
+# PACKAGE may be "package:command": it is wanted only where the command is missing, however that came to be installed.
 set -euo pipefail
 
 window=(qt6-base-dev)
@@ -32,6 +33,10 @@ is_installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" 
 
 missing=()
 for entry in "${needed[@]}"; do
+  if [[ $entry == *:* ]]; then
+    command -v "${entry#*:}" >/dev/null || missing+=("${entry%%:*}")
+    continue
+  fi
   IFS='|' read -ra choices <<<"$entry"
   found=
   for package in "${choices[@]}"; do
