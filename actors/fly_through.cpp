@@ -120,6 +120,26 @@ void BindWhenLoaded(SceneContext& context, const std::string& viewpoint) {
   AddRoute(scene, filter, "inputTrue", viewpoint, "set_bind", scope);
 }
 
+/// The second generation's scene managers know their paths; without one the points themselves are the path.
+std::vector<Flight> PlanFlights(SceneRun& run, const std::vector<InterpolationPointRecord>& points) {
+  Report& findings = run.Context.Findings;
+  std::vector<Flight> flights;
+  const PointsByName byName = IndexPoints(points);
+  if (!run.Level.LegacyFormat)
+    for (const SceneManagerRecord& scene : ReadAllShown(run, ActorFamily::SceneManager, ReadSceneManager)) {
+      Flight flight = FlightOfScene(scene, byName, findings);
+      if (!flight.Segments.empty()) flights.push_back(std::move(flight));
+    }
+  return flights.empty() ? FlightsOfPoints(points, findings) : flights;
+}
+
+/// What else an event of the first generation does than to send visitors along a path, which is a flight anyway.
+void ReportSpecialEvents(SceneRun& run) {
+  if (!run.Level.LegacyFormat) return;
+  for (const SpecialEventRecord& event : ReadAllShown(run, ActorFamily::SpecialEvent, ReadSpecialEvent))
+    run.Context.Findings.Add(FindingCode::SpecialEvent, event.Header.Name);
+}
+
 } // namespace
 
 void WriteFlyThrough(SceneContext& context, const std::vector<Flight>& flights) {
@@ -133,6 +153,28 @@ void WriteFlyThrough(SceneContext& context, const std::vector<Flight>& flights) 
     if (first.empty()) first = viewpoint;
   }
   BindWhenLoaded(context, first);
+}
+
+void DeclareFlightPrototypes(SceneRun& run) {
+  const ConversionSettings& settings = run.Context.Settings;
+  if (!settings.CheckEnclose || !settings.CheckOutputFlyThru || run.Part.Kept == ScenePart::Kind::Sky) return;
+  if (ReadAllShown(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint).empty()) return;
+  DeclareBooleanFilter(run.Context);
+  FlushBlock(run);
+}
+
+void WriteFlights(SceneRun& run) {
+  const auto points = ReadAllShown(run, ActorFamily::InterpolationPoint, ReadInterpolationPoint);
+  const std::vector<Flight> flights = PlanFlights(run, points);
+  ReportSpecialEvents(run);
+  run.Context.User.ShowPass("Writing Interpolation Points");
+  WriteFlyThrough(run.Context, flights);
+  FlushBlock(run);
+  if (!run.Context.Settings.CheckOutputFlyThruViewpoints) return;
+  for (const InterpolationPointRecord& point : points) {
+    WriteViewpoint(run.Context, {point.Header, point.Location, point.Rotation});
+    FlushBlock(run);
+  }
 }
 
 } // namespace quarvel

@@ -163,6 +163,19 @@ std::string WriteLightFor(SceneContext& context, const LightRecord& light, const
   return plan.Name;
 }
 
+/// The brightest ambient light of the level and its zones; a brightness of 0 when there is none.
+ZoneBlock BrightestAmbience(const SceneRun& run) {
+  ZoneBlock brightest;
+  const auto keep = [&](const ZoneBlock& zone) {
+    if (zone.AmbientBrightness > brightest.AmbientBrightness) brightest = zone;
+  };
+  for (const LevelRecord& info : ReadAllShown(run, ActorFamily::Level, ReadLevel))
+    keep(info.Zone);
+  for (const ZoneRecord& zone : ReadAllShown(run, ActorFamily::Zone, ReadZone))
+    keep(zone.Zone);
+  return brightest;
+}
+
 } // namespace
 
 bool IsDynamicLight(const LightRecord& light) { return light.bDynamicLight || Flickers(light); }
@@ -198,6 +211,20 @@ void WriteFlare(SceneContext& context, const DisplayRecord& flare) {
   if (!HasSprite(context, flare.Display, flare.Header.Name))
     return context.Findings.Count(FindingCode::FlaresWithoutTexture);
   WritePlacedSprite(context, flare.Display, flare.Location, context.Scene.TakeName(LightDefName(flare.Header)));
+}
+
+void WriteLights(SceneRun& run) {
+  const ZoneBlock ambience = run.Context.Light ? ZoneBlock() : BrightestAmbience(run); // else it is baked
+  if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Bounds);
+  FlushBlock(run);
+  ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Context, light); });
+  ForEachActor(run, ActorFamily::Flare, ReadDisplay,
+               [&](const DisplayRecord& flare) { WriteFlare(run.Context, flare); });
+}
+
+void WriteTriggerLights(SceneRun& run) {
+  ForEachActor(run, ActorFamily::TriggerLight, ReadTriggerLight,
+               [&](const TriggerLightRecord& light) { WriteTriggerLight(run.Context, run.Triggers, light); });
 }
 
 } // namespace quarvel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actors/scene_run.h"
 #include "actors/trigger_list.h"
 #include "scene/scene_context.h"
 #include "t3d/light_records.h"
@@ -27,5 +28,11 @@ void WriteGlobalAmbientLight(SceneContext& context, const ZoneBlock& zone, const
 
 /// Writes the sprite of an actor that is nothing else.
 void WriteFlare(SceneContext& context, const DisplayRecord& flare);
+
+/// Writes the level's ambient light, its lights, and its flares. Throws RunStopped.
+void WriteLights(SceneRun& run);
+
+/// Writes the lights that triggers switch. Their links are noted, not yet written. Throws RunStopped.
+void WriteTriggerLights(SceneRun& run);
 
 } // namespace quarvel

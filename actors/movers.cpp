@@ -1,10 +1,13 @@
 #include "actors/movers.h"
 
+#include "actors/brushes.h"
 #include "actors/triggers.h"
 #include "base/ascii_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <string_view>
 
 namespace quarvel {
 
@@ -144,6 +147,50 @@ bool WriteStart(SceneContext& context, TriggerList& triggers, const BrushRecord&
   return true;
 }
 
+/// One class of movers, and the item texts that its sub-pass shows.
+struct MoverClass {
+  std::string_view Name;
+  const char* Getting; ///< before the first
+  const char* On;
+  const char* Then;           ///< behind each, before the next
+  bool NeedsPolygons = false; ///< nothing is known of such a class, but that one with polygons is a brush that moves
+};
+
+constexpr std::array<MoverClass, 4> knownClasses{{
+    {"Mover", "getting mover", "on mover ", "getting mover"},
+    {"LoopMover", "getting mover", "on loopingmover ", "getting looper"},
+    {"RotatingMover", "getting looper", "on rotatingmover ", "getting rotator"},
+    {"AttachMover", "getting rotator", "on attachmover ", "getting attacher"},
+}};
+
+bool IsKnown(std::string_view className) {
+  return std::any_of(knownClasses.begin(), knownClasses.end(),
+                     [&](const MoverClass& known) { return known.Name == className; });
+}
+
+void ConvertMover(SceneRun& run, const BrushRecord& mover, bool needsPolygons) {
+  Report& findings = run.Context.Findings;
+  if (mover.TooManyKeys) return findings.Add(FindingCode::TooManyKeys, mover.Header.Name, mover.NumKeysText, MaxKeys);
+  if (needsPolygons && mover.Polygons.empty() && !HasMeshForPolygons(mover, run.Context.Settings))
+    return findings.Count(FindingCode::MoversWithoutPolygons, mover.Header.Class);
+  const WrittenBrush written = WriteNextBrush(run, mover);
+  WriteMover(run.Context, run.Triggers, mover, written);
+  FlushBlock(run);
+}
+
+void WriteMoversOf(SceneRun& run, const MoverClass& kind) {
+  run.Context.User.ShowItem(kind.Getting);
+  for (const ActorBlock* actor : run.Level.ActorsOf(kind.Name)) {
+    const auto mover = ShownBrush(run, *actor);
+    if (!mover) continue;
+    WaitWhilePaused(run);
+    run.Context.User.ShowItem(kind.On, run.GeometryCount);
+    ConvertMover(run, *mover, kind.NeedsPolygons);
+    StepOn(run);
+    run.Context.User.ShowItem(kind.Then);
+  }
+}
+
 } // namespace
 
 MoverAnimation AnimationOf(const BrushRecord& mover, Report& findings) {
@@ -173,6 +220,13 @@ void WriteMover(SceneContext& context, TriggerList& triggers, const BrushRecord&
     context.Findings.Add(FindingCode::NeverMoves, NameOf(mover));
   else if (!starts)
     context.Findings.Add(FindingCode::NeverTriggered, NameOf(mover));
+}
+
+void WriteMovers(SceneRun& run) {
+  for (const MoverClass& known : knownClasses)
+    WriteMoversOf(run, known);
+  for (const std::string_view className : run.Level.ClassesOf(ActorFamily::Mover))
+    if (!IsKnown(className)) WriteMoversOf(run, {className, "getting mover", "on mover ", "getting mover", true});
 }
 
 } // namespace quarvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actors/mover_animation.h"
+#include "actors/scene_run.h"
 #include "actors/trigger_list.h"
 #include "scene/brush_geometry.h"
 #include "scene/scene_context.h"
@@ -19,5 +20,8 @@ TriggerBox TouchBox(const BrushRecord& mover, const Bounds3& bounds, double marg
 /// Animates the mover whose Transform was just written: interpolators, timer, and what starts it. That is a sensor of
 /// its own, written here, or the triggers that name its Tag, whose routes are noted.
 void WriteMover(SceneContext& context, TriggerList& triggers, const BrushRecord& mover, const WrittenBrush& written);
+
+/// Writes the movers of the level class by class, the four known ones first. Throws RunStopped.
+void WriteMovers(SceneRun& run);
 
 } // namespace quarvel

@@ -131,4 +131,17 @@ void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const Tri
   NoteLink(triggers, sound.Header.Tag, "exitTime", clip, "stopTime");
 }
 
+void WriteAmbientSounds(SceneRun& run) {
+  ForEachActor(run, ActorFamily::AmbientSound, ReadAmbientSound,
+               [&](const AmbientSoundRecord& sound) { WriteAmbientSound(run.Context, sound); });
+  ForEachActor(run, ActorFamily::DynamicAmbientSound, ReadDynamicAmbientSound,
+               [&](const DynamicAmbientSoundRecord& sound) { WriteRandomSounds(run.Context, sound); });
+}
+
+void WriteTriggeredSounds(SceneRun& run) {
+  ForEachActor(
+      run, ActorFamily::TriggeredAmbientSound, ReadTriggeredAmbientSound,
+      [&](const TriggeredAmbientSoundRecord& sound) { WriteTriggeredSound(run.Context, run.Triggers, sound); });
+}
+
 } // namespace quarvel

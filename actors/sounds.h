@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actors/scene_run.h"
 #include "actors/trigger_list.h"
 #include "scene/scene_context.h"
 #include "t3d/sound_records.h"
@@ -37,5 +38,11 @@ void WriteTriggeredSound(SceneContext& context, TriggerList& triggers, const Tri
 
 /// Opens the Transform that gives sounds their place.
 SceneNode OpenSoundPlace(SceneContext& context, const Vector3& location);
+
+/// Writes the sounds that play on and on, and those that play at random. Throws RunStopped.
+void WriteAmbientSounds(SceneRun& run);
+
+/// Writes the sounds that triggers start. Their links are noted, not yet written. Throws RunStopped.
+void WriteTriggeredSounds(SceneRun& run);
 
 } // namespace quarvel

@@ -193,4 +193,8 @@ void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>
                          repeats(i));
 }
 
+void WriteTeleporters(SceneRun& run) {
+  WriteTeleporters(run.Context, ReadAllShown(run, ActorFamily::Teleporter, ReadTeleporter), run.Level.Name);
+}
+
 } // namespace quarvel

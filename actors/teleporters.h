@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actors/scene_run.h"
 #include "scene/scene_context.h"
 #include "t3d/placement_records.h"
 
@@ -25,5 +26,8 @@ PlacementRecord ArrivalPlace(const TeleporterRecord& teleporter);
 /// destination's viewpoint for whoever enters it. `levelName` is the level's file name without its extension.
 void WriteTeleporters(SceneContext& context, const std::vector<TeleporterRecord>& teleporters,
                       const std::string& levelName);
+
+/// Writes all teleporters of the level.
+void WriteTeleporters(SceneRun& run);
 
 } // namespace quarvel

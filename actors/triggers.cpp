@@ -119,4 +119,8 @@ void WriteTriggersAndLinks(SceneContext& context, const TriggerList& triggers) {
   WriteLinks(context, triggers);
 }
 
+void CollectTriggers(SceneRun& run) { run.Triggers = ReadTriggers(run.Context, run.Part, run.Level); }
+
+void WriteTriggers(SceneRun& run) { WriteTriggersAndLinks(run.Context, run.Triggers); }
+
 } // namespace quarvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actors/scene_part.h"
+#include "actors/scene_run.h"
 #include "actors/trigger_list.h"
 #include "scene/scene_context.h"
 
@@ -23,5 +24,11 @@ void WriteTrigger(SceneContext& context, const TriggerBox& trigger, const std::s
 
 /// Writes the sensors of all triggers, the scripts of the dispatchers that delay a link, and the routes of all links.
 void WriteTriggersAndLinks(SceneContext& context, const TriggerList& triggers);
+
+/// Reads the triggers into the run, before whatever they start is written.
+void CollectTriggers(SceneRun& run);
+
+/// Writes the triggers and all links that were noted, when everything that they start has its name.
+void WriteTriggers(SceneRun& run);
 
 } // namespace quarvel

@@ -151,4 +151,15 @@ void WriteDefaultViewpoint(SceneContext& context, const PlacementRecord& place, 
   BindBySensor(context, def, context.Space.Position(place.Location), bounds);
 }
 
+void WriteStarts(SceneRun& run) {
+  ForEachActor(run, ActorFamily::PlayerStart, ReadPlacement,
+               [&](const PlacementRecord& start) { WriteViewpoint(run.Context, start); });
+}
+
+void WriteFirstView(SceneRun& run) {
+  const auto starts = ReadAllShown(run, ActorFamily::PlayerStart, ReadPlacement);
+  const Bounds3& bounds = run.Bounds;
+  WriteDefaultViewpoint(run.Context, starts.empty() ? PlaceAbove(bounds, run.Context.Space) : starts.front(), bounds);
+}
+
 } // namespace quarvel

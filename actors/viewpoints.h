@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actors/scene_run.h"
 #include "scene/scene_context.h"
 #include "t3d/placement_records.h"
 
@@ -38,5 +39,11 @@ PlacementRecord PlaceAbove(const Bounds3& bounds, const SceneSpace& space);
 /// Writes the default viewpoint at the place, and the script or the sensor that binds it. `bounds` is the level's box
 /// in scene units.
 void WriteDefaultViewpoint(SceneContext& context, const PlacementRecord& place, const Bounds3& bounds);
+
+/// Writes a viewpoint for each player start. Throws RunStopped.
+void WriteStarts(SceneRun& run);
+
+/// Writes the default viewpoint, at the first player start or above the level.
+void WriteFirstView(SceneRun& run);
 
 } // namespace quarvel

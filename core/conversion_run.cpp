@@ -1,26 +1,19 @@
 #include "core/conversion_run.h"
 
+#include "actors/baked_light.h"
 #include "base/file_identity.h"
+#include "core/level_scenes.h"
 #include "core/level_source.h"
-#include "core/light_pass.h"
-#include "core/motion_passes.h"
 #include "core/page_run.h"
 #include "core/run_failure.h"
-#include "core/run_passes.h"
-#include "core/run_state.h"
 #include "core/run_summary.h"
-#include "core/scene_framing.h"
-#include "core/sky_scene.h"
 #include "math/number_text.h"
 #include "resources/missing_lists.h"
 #include "resources/preload_script.h"
 #include "resources/program_data.h"
-#include "scene/xml_serializer.h"
 #include "settings/settings_file.h"
 #include "t3d/level_check.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <fstream>
@@ -36,12 +29,6 @@ namespace fs = std::filesystem;
 enum class RunPurpose { Files, Page };
 
 std::string Display(const fs::path& path) { return path.string(); }
-
-RunFailed InputFailed(const fs::path& inFile, const std::string& why) { return {Display(inFile) + " " + why, why}; }
-
-RunFailed OutputFailed(const fs::path& path, const std::string& why) {
-  return {Display(path) + " " + why, Display(path.filename()) + " " + why};
-}
 
 std::string WhyUnreadable(const fs::path& inFile) {
   std::error_code error;
@@ -108,100 +95,17 @@ void TakeOutputs(const SceneFileNames& files, const ConversionSettings& settings
     CheckWritable(outputs, scene);
 }
 
-void SaveDocument(RunState& run, const fs::path& path, fs::path& name, XMLFaults& faults) {
-  TextFile& file = run.Outputs.Begin(path, TextCoding::AsIs, name);
-  if (!SaveXML(run.Context.Scene.SceneDocument(), file, run.Context.Scene.Conforming(), faults))
-    throw OutputFailed(path, "cannot be written: " + file.Error());
-}
-
-void ReportFaults(RunState& run, const XMLFaults& faults) {
-  Report& report = run.Result.Findings;
-  if (faults.Markup) report.Add(FindingCode::MarkupInDocument, "");
-  if (faults.Characters) report.Add(FindingCode::CharactersInDocument, "");
-  for (const std::string& quirk : run.Context.Scene.Quirks())
-    report.Add(FindingCode::StrictViewersRefuse, quirk);
-}
-
-void CloseScene(RunState& run, const SceneFileNames& files, SceneFileNames& written) {
-  run.Context.Scene.WriteReadyRoutes();
-  FlushBlock(run);
-  run.Context.Scene.FinishRoutes(run.Result.Findings);
-  if (!run.File.Flush()) throw OutputFailed(run.File.Path(), "cannot be written: " + run.File.Error());
-  XMLFaults faults;
-  if (run.Context.Settings.CheckXMLtoo) SaveDocument(run, files.Copy, written.Copy, faults);
-  SaveDocument(run, files.Document, written.Document, faults);
-  ReportFaults(run, faults);
-}
-
-/// Whether there is anything to see, hear or meet below a node of the document.
-bool HasContent(const pugi::xml_node& node) {
-  constexpr std::array<std::string_view, 8> frame{"X3D",   "Scene",     "NavigationInfo", "WorldInfo",
-                                                  "Group", "Transform", "ProtoDeclare",   "ROUTE"};
-  for (const pugi::xml_node& child : node.children()) {
-    if (child.type() != pugi::node_element) continue;
-    if (std::find(frame.begin(), frame.end(), child.name()) == frame.end()) return true;
-    if (std::string_view(child.name()) != "ProtoDeclare" && HasContent(child)) return true;
-  }
-  return false;
-}
-
-/// A scene of nothing is no scene: the user has to know what the level is made of instead. That files are missing stops
-/// no run, though.
-void RefuseEmptyScene(RunState& run) {
-  const MissingResources missing = run.Context.Resources.Missing();
-  const bool lacksFiles = std::any_of(missing.begin(), missing.end(), [](const auto& names) { return !names.empty(); });
-  if (lacksFiles || HasContent(run.Context.Scene.SceneDocument())) return;
-  std::string why = "has nothing that arrives in a scene with these options; it holds " + ContentOf(run.Level);
-  for (const auto& [what, counted] : run.Result.Findings.Counts())
-    why += "; " + what + ": " + std::to_string(counted.Count);
-  throw InputFailed(run.Result.InputFile, why);
-}
-
-/// Writes one scene from its header to its end.
-void WriteScene(RunState& run, const SceneFileNames& files, SceneFileNames& written) {
-  WriteTextHeader(run.Context.Scene, run.Context.Settings);
-  WritePrototypes(run);
-  SceneFrame frame(run.Context.Scene, run.Context.Settings, files.Document.stem().string());
-  MakePasses(run);
-  if (run.Part.Kept != ScenePart::Kind::Sky) RefuseEmptyScene(run);
-  frame.CloseContent();
-  CloseScene(run, files, written);
-  run.Result.UniqueMaterials += run.Context.Materials.UniqueMaterialCount();
-}
-
-void WriteSkyScene(const SkyScene& sky, RunState& world) {
-  const ScenePart part{ScenePart::Kind::Sky, sky.Zone.Location};
-  RunState run(sky.Files, sky.Settings, world.Level, part, nullptr, world.Outputs, world.Result.SkyScene.Text,
-               world.Context.Resources, world.Numbers, world.Context.User, world.Result);
-  run.ActorsDone = world.ActorsDone; // what is done never becomes less
-  WriteScene(run, sky.Files, run.Result.SkyScene);
-}
-
-/// Writes all scenes; they take their places when all are complete. A stop leaves the text scene as far as it is.
-void WriteScenes(RunState& run, const SceneFileNames& files, const std::optional<SkyScene>& sky) {
-  try {
-    WriteScene(run, files, run.Result.Scene);
-    run.Result.Bounds = run.Bounds;
-    if (sky) WriteSkyScene(*sky, run);
-  } catch (const RunStopped&) {
-    const std::string error = run.Outputs.CompleteStopped(run.Result);
-    if (!error.empty() && !fs::is_fifo(files.Text)) throw RunFailed{error}; // a pipe that was not opened is no failure
-    throw;
-  }
-  if (const std::string error = run.Outputs.Complete(run.Result); !error.empty()) throw RunFailed{error};
-}
-
-void WritePreloadScript(RunState& run, const fs::path& outFile, std::vector<std::string>& errors) {
-  if (!run.Context.Settings.CheckMakePreloadScript) return;
-  run.Result.PreloadScript =
-      MakePreloadScript(run.Context.Resources.UsedTextureUrls(), run.Context.Settings.TextJavascriptURL);
+void WritePreloadScript(const std::vector<std::string>& urls, const fs::path& outFile,
+                        const ConversionSettings& settings, RunResult& result) {
+  if (!settings.CheckMakePreloadScript) return;
+  result.PreloadScript = MakePreloadScript(urls, settings.TextJavascriptURL);
   const fs::path path = PreloadScriptName(outFile);
-  if (const std::string why = WriteWholeFile(path, run.Result.PreloadScript); !why.empty()) {
-    errors.push_back(Display(path) + " cannot be written: " + why);
+  if (const std::string why = WriteWholeFile(path, result.PreloadScript); !why.empty()) {
+    result.FailedFiles.push_back(Display(path) + " cannot be written: " + why);
     return;
   }
-  run.Result.PreloadFile = path;
-  run.Result.FilesWritten.push_back(path);
+  result.PreloadFile = path;
+  result.FilesWritten.push_back(path);
 }
 
 /// Tells the user something that a window shows in a box, and the summary as a line.
@@ -210,11 +114,10 @@ void Tell(RunResult& result, RunInterface& user, const std::string& message) {
   user.ShowMessage(message);
 }
 
-void TellBadNumbers(RunState& run) {
-  const NumberCheck& numbers = run.Numbers;
+void TellBadNumbers(const NumberCheck& numbers, RunInterface& user, RunResult& result) {
   if (numbers.Places == 0) return;
   const std::string where = numbers.FirstActor.empty() ? "" : ", the first in " + numbers.FirstActor;
-  Tell(run.Result, run.Context.User,
+  Tell(result, user,
        "Input file contains badly formatted numbers: " +
            CountText(static_cast<std::size_t>(numbers.Places), "place", "places") + where);
 }
@@ -229,14 +132,14 @@ void WriteLists(const fs::path& outFile, const ConversionSettings& settings, Run
   result.FailedFiles.insert(result.FailedFiles.end(), lists.Errors.begin(), lists.Errors.end());
 }
 
-void WriteReports(RunState& run, const fs::path& outFile, RunPurpose purpose) {
-  RunResult& result = run.Result;
-  result.Missing = run.Context.Resources.Missing();
-  if (purpose != RunPurpose::Page) run.Context.Resources.SaveCopyList();
-  result.FailedFiles = run.Context.Resources.Errors();
+void WriteReports(ResourceFiles& resources, const fs::path& outFile, const ConversionSettings& settings,
+                  RunPurpose purpose, RunInterface& user, RunResult& result) {
+  result.Missing = resources.Missing();
+  if (purpose != RunPurpose::Page) resources.SaveCopyList();
+  result.FailedFiles = resources.Errors();
   if (purpose == RunPurpose::Page) return;
-  WriteLists(outFile, run.Context.Settings, run.Context.User, result);
-  WritePreloadScript(run, outFile, result.FailedFiles);
+  WriteLists(outFile, settings, user, result);
+  WritePreloadScript(resources.UsedTextureUrls(), outFile, settings, result);
 }
 
 /// The scenes stand, but not all that belongs to them.
@@ -266,12 +169,9 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   resources.KnowTextures(memory.TextureNames);
   if (purpose == RunPurpose::Page) resources.KeepWebImages();
   NumberCheck numbers;
-  const ScenePart part{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
-  RunState run(files, settings, level, part, sky ? &sky->Zone : nullptr, outputs, result.Scene.Text, resources, numbers,
-               user, result);
-  WriteScenes(run, files, sky);
-  if (purpose == RunPurpose::Files || settings.CheckRescanFile) TellBadNumbers(run);
-  WriteReports(run, outFile, purpose);
+  WriteScenes({level, resources, user, numbers, result, result.Findings}, files, settings, sky, outputs, result);
+  if (purpose == RunPurpose::Files || settings.CheckRescanFile) TellBadNumbers(numbers, user, result);
+  WriteReports(resources, outFile, settings, purpose, user, result);
   TellFailedFiles(result);
   user.ShowPass("Done");
   user.ShowFraction(1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actors/run_totals.h"
 #include "base/report.h"
 #include "base/run_interface.h"
 #include "core/batch_files.h"
@@ -7,7 +8,6 @@
 #include "resources/destination.h"
 #include "settings/resource_kind.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -29,28 +29,8 @@ enum class RunOutcome {
   Stopped, ///< the user asked the run to stop; the text scene is incomplete, the other outputs are not written
 };
 
-/// What was baked into light maps.
-struct BakedLightSummary {
-  std::size_t Lamps = 0;
-  std::uint64_t Texels = 0;
-  std::size_t Pages = 0;
-  double Seconds = 0;
-};
-
-/// What carving made of the brushes of a level, and of its sky.
-struct CarvingResult {
-  bool Done = false; ///< false: no level was carved, and the rest says nothing
-  int Added = 0, Subtracted = 0, Semisolid = 0, NonSolid = 0, Portals = 0;
-  int Sheets = 0;         ///< brushes that are not closed
-  int SurfacesBefore = 0; ///< polygons of these brushes
-  int SurfacesAfter = 0;
-  int OpenEdges = 0;
-  double EmptyVolume = 0; ///< cubic scene units, which are metres
-  double PrepareSeconds = 0, CarveSeconds = 0, WeldSeconds = 0, WriteSeconds = 0;
-};
-
-/// What one run did.
-struct RunResult {
+/// What one run did, beyond what its scenes come to.
+struct RunResult : RunTotals {
   RunOutcome Outcome = RunOutcome::Done;
   std::string Error;  ///< one sentence without a full stop; empty unless `Failed`
   std::string Reason; ///< the error as a row about the input has it: without folders
@@ -61,20 +41,15 @@ struct RunResult {
   std::vector<std::filesystem::path> MissingLists;
   std::filesystem::path PreloadFile;
   std::filesystem::path Page;
-  std::filesystem::path Incomplete;                ///< the text scene that a stop left unfinished
-  std::vector<std::filesystem::path> FilesWritten; ///< all of them, in the order of writing
+  std::filesystem::path Incomplete; ///< the text scene that a stop left unfinished
   /// Every file that could not be written although the scenes were, one sentence each without a full stop.
   std::vector<std::string> FailedFiles;
   std::vector<std::string> Messages;         ///< the message texts that a window shows in boxes
   PerKind<std::vector<std::string>> Missing; ///< what was looked for and not found; sorted, each once
   std::string PreloadScript;                 ///< empty unless asked for
 
-  int Brushes = 0; ///< brushes and movers converted
-  int Faces = 0;
   int UniqueMaterials = 0;
-  CarvingResult Carving;
   Bounds3 Bounds = InitBounds(); ///< of the brush geometry, in scene units
-  BakedLightSummary Light;
   Report Findings;
   double Seconds = 0;
 };

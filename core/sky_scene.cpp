@@ -1,7 +1,7 @@
 #include "core/sky_scene.h"
 
+#include "actors/world.h"
 #include "base/ascii_text.h"
-#include "core/world_nodes.h"
 
 namespace quarvel {
 

@@ -1,7 +1,7 @@
-#include "core/level_geometry.h"
+#include "actors/level_geometry.h"
 
-#include "core/brush_passes.h"
-#include "core/light_pass.h"
+#include "actors/baked_light.h"
+#include "actors/brushes.h"
 #include "csg/carve.h"
 #include "scene/carved_level.h"
 #include "scene/lit_level.h"
@@ -23,7 +23,7 @@ struct GatheredBrushes {
   std::vector<const ActorBlock*> Others; ///< that neither add nor subtract, as the builder brush
 };
 
-GatheredBrushes GatherBrushes(RunState& run) {
+GatheredBrushes GatherBrushes(SceneRun& run) {
   GatheredBrushes gathered;
   for (const ActorBlock* actor : run.Level.ActorsOf(ActorFamily::Brush)) {
     auto brush = ShownBrush(run, *actor);
@@ -36,7 +36,7 @@ GatheredBrushes GatherBrushes(RunState& run) {
       continue;
     }
     if (brush->DamagedPolygons > 0)
-      run.Result.Findings.Add(FindingCode::PolygonsWithoutEnd, brush->Header.Name, brush->DamagedPolygons);
+      run.Context.Findings.Add(FindingCode::PolygonsWithoutEnd, brush->Header.Name, brush->DamagedPolygons);
     gathered.Brushes.push_back(MakeLevelBrush(std::move(*brush)));
     gathered.Actors.push_back(actor);
   }
@@ -55,21 +55,21 @@ const char* ReasonOf(CarveFault fault) {
   return "its faces cross one another";
 }
 
-void ReportRefused(RunState& run, const LevelBrush& brush, CarveFault fault) {
-  run.Result.Findings.Add(brush.Subtracts ? FindingCode::RoomNotCarved : FindingCode::BlockNotCarved, brush.Name,
-                          ReasonOf(fault));
+void ReportRefused(SceneRun& run, const LevelBrush& brush, CarveFault fault) {
+  run.Context.Findings.Add(brush.Subtracts ? FindingCode::RoomNotCarved : FindingCode::BlockNotCarved, brush.Name,
+                           ReasonOf(fault));
 }
 
-void ReportOpenEdges(RunState& run, const std::vector<LevelBrush>& brushes, const CarvedLevel& level) {
+void ReportOpenEdges(SceneRun& run, const std::vector<LevelBrush>& brushes, const CarvedLevel& level) {
   std::map<int, int> edgesOf;
   for (const OpenEdge& edge : level.OpenEdges)
     ++edgesOf[level.Faces[edge.Polygon].Brush];
   for (const auto& [brush, edges] : edgesOf)
-    run.Result.Findings.Add(FindingCode::OpenCarvedEdges, brushes[static_cast<std::size_t>(brush)].Name, edges);
+    run.Context.Findings.Add(FindingCode::OpenCarvedEdges, brushes[static_cast<std::size_t>(brush)].Name, edges);
 }
 
-void CountCarving(RunState& run, const CarvedLevel& level, std::size_t surfaces) {
-  CarvingResult& carving = run.Result.Carving;
+void CountCarving(SceneRun& run, const CarvedLevel& level, std::size_t surfaces) {
+  CarvingResult& carving = run.Totals.Carving;
   const double scale = run.Context.Space.Scale();
   carving.Done = true;
   carving.Added += level.Counts.Added;
@@ -87,14 +87,14 @@ void CountCarving(RunState& run, const CarvedLevel& level, std::size_t surfaces)
   carving.WeldSeconds += level.WeldSeconds;
 }
 
-void WriteSurfaces(RunState& run, const std::vector<LevelSurface>& surfaces) {
+void WriteSurfaces(SceneRun& run, const std::vector<LevelSurface>& surfaces) {
   const auto start = std::chrono::steady_clock::now();
   if (!surfaces.empty() && run.GeometryCount > 1) run.Context.Scene.Line(","); // between children
   JoinBounds(run.Bounds, WriteMergedLevel(run.Context, surfaces));
   FlushBlock(run);
   if (!surfaces.empty()) ++run.GeometryCount;
-  run.Result.Faces += static_cast<int>(surfaces.size());
-  run.Result.Carving.WriteSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  run.Totals.Faces += static_cast<int>(surfaces.size());
+  run.Totals.Carving.WriteSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 CarvedLevel CarveBrushes(const std::vector<LevelBrush>& brushes) {
@@ -105,7 +105,7 @@ CarvedLevel CarveBrushes(const std::vector<LevelBrush>& brushes) {
   return CarveLevel(made);
 }
 
-void WriteCarved(RunState& run, const GatheredBrushes& gathered) {
+void WriteCarved(SceneRun& run, const GatheredBrushes& gathered) {
   run.Context.User.ShowItem("carving");
   const CarvedLevel level = CarveBrushes(gathered.Brushes);
   std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, gathered.Brushes, level);
@@ -116,17 +116,18 @@ void WriteCarved(RunState& run, const GatheredBrushes& gathered) {
   }
   CountCarving(run, level, surfaces.size());
   ReportOpenEdges(run, gathered.Brushes, level);
-  run.Result.Brushes += static_cast<int>(gathered.Brushes.size() - level.Refused.size());
+  run.Totals.Brushes += static_cast<int>(gathered.Brushes.size() - level.Refused.size());
   WriteSurfaces(run, surfaces);
   for (const RefusedBrush& refused : level.Refused) {
     const auto number = static_cast<std::size_t>(refused.Brush);
     ReportRefused(run, gathered.Brushes[number], refused.Fault);
     const auto brush = ShownBrush(run, *gathered.Actors[number]);
-    if (!gathered.Brushes[number].Subtracts) ConvertBrush(run, *brush);
+    if (!gathered.Brushes[number].Subtracts) WriteNextBrush(run, *brush);
+    FlushBlock(run);
   }
 }
 
-void WriteMerged(RunState& run, GatheredBrushes gathered) {
+void WriteMerged(SceneRun& run, GatheredBrushes gathered) {
   std::vector<LevelBrush> kept;
   for (std::size_t i = 0; i < gathered.Brushes.size(); ++i) {
     if (gathered.Brushes[i].Subtracts)
@@ -134,19 +135,18 @@ void WriteMerged(RunState& run, GatheredBrushes gathered) {
     else
       kept.push_back(std::move(gathered.Brushes[i]));
   }
-  run.Result.Brushes += static_cast<int>(kept.size());
+  run.Totals.Brushes += static_cast<int>(kept.size());
   std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, kept);
   if (run.Context.Settings.CheckBakeLight) BakeLight(run, surfaces, MakeLitSurfaces(surfaces));
   WriteSurfaces(run, surfaces);
 }
 
-} // namespace
-
-bool ProcessWholeLevel(RunState& run) {
+/// False when the brushes are to be written one by one.
+bool WriteWholeLevel(SceneRun& run) {
   const ConversionSettings& settings = run.Context.Settings;
   if (!settings.CheckCarve && !settings.CheckMergeLevel) return false;
   const auto doNothing = [&](const char* why) {
-    if (settings.CheckCarve) run.Result.Findings.Add(FindingCode::NothingCarved, "", why);
+    if (settings.CheckCarve) run.Context.Findings.Add(FindingCode::NothingCarved, "", why);
     return false;
   };
   if (run.Level.Actors.empty()) return doNothing("the file has polygon lists only");
@@ -163,6 +163,12 @@ bool ProcessWholeLevel(RunState& run) {
   else
     WriteMerged(run, std::move(gathered));
   return true;
+}
+
+} // namespace
+
+void WriteBrushes(SceneRun& run) {
+  if (!WriteWholeLevel(run)) WriteBrushesOneByOne(run);
 }
 
 } // namespace quarvel

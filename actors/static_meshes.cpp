@@ -1,10 +1,7 @@
-#include "core/surroundings_passes.h"
+#include "actors/static_meshes.h"
 
 #include "scene/mesh_light.h"
-#include "scene/texture_animation.h"
 #include "t3d/placement_records.h"
-#include "t3d/terrain_record.h"
-#include "terrain/terrain.h"
 
 #include <set>
 #include <string>
@@ -16,7 +13,7 @@ namespace quarvel {
 namespace {
 
 /// The classes of actors that have a mesh file, in the order of their first actors.
-std::vector<std::string> ClassesWithMesh(RunState& run) {
+std::vector<std::string> ClassesWithMesh(SceneRun& run) {
   std::vector<std::string> classes;
   std::set<std::string_view> known;
   for (const ActorBlock& actor : run.Level.Actors)
@@ -25,12 +22,12 @@ std::vector<std::string> ClassesWithMesh(RunState& run) {
   return classes;
 }
 
-void PlaceMesh(RunState& run, const StaticMeshRecord& actor, std::string_view mesh) {
+void PlaceMesh(SceneRun& run, const StaticMeshRecord& actor, std::string_view mesh) {
   const auto lit = OpenMeshLight(run.Context, actor.Location);
   run.Context.Meshes.WritePlacedMesh(actor, mesh);
 }
 
-void PlaceClassMeshes(RunState& run) {
+void PlaceClassMeshes(SceneRun& run) {
   for (const std::string& className : ClassesWithMesh(run))
     for (const ActorBlock* block : run.Level.ActorsOf(className)) {
       const auto actor = ReadShown(run.Part, run.Level, *block, ReadStaticMesh);
@@ -42,7 +39,7 @@ void PlaceClassMeshes(RunState& run) {
 }
 
 /// Actors that are something else, which the game draws by a mesh.
-void PlaceMeshesOfOtherClasses(RunState& run) {
+void PlaceMeshesOfOtherClasses(SceneRun& run) {
   for (const ActorBlock& block : run.Level.Actors) {
     const ActorClass* known = FindClass(block.Class);
     const bool placedElsewhere =
@@ -53,44 +50,32 @@ void PlaceMeshesOfOtherClasses(RunState& run) {
     const auto actor = ReadShown(run.Part, run.Level, block, ReadStaticMesh);
     if (!actor || !NamesMesh(actor->StaticMesh)) continue;
     if (actor->bHidden || (!actor->DrawType.empty() && !SameText(actor->DrawType, "DT_StaticMesh"))) {
-      run.Result.Findings.Count(FindingCode::HiddenMeshesOfOtherClasses, block.Class);
+      run.Context.Findings.Count(FindingCode::HiddenMeshesOfOtherClasses, block.Class);
       continue;
     }
-    run.Result.Findings.Count(FindingCode::MeshesOfOtherClasses, block.Class);
+    run.Context.Findings.Count(FindingCode::MeshesOfOtherClasses, block.Class);
     PlaceMesh(run, *actor, actor->StaticMesh);
     FlushBlock(run);
   }
 }
 
-void PlaceStaticMeshes(RunState& run) {
+void PlaceStaticMeshes(SceneRun& run) {
   ForEachActor(run, ActorFamily::StaticMesh, ReadStaticMesh, [&](const StaticMeshRecord& actor) {
     if (NamesMesh(actor.StaticMesh))
       PlaceMesh(run, actor, actor.StaticMesh);
     else
-      run.Result.Findings.Count(FindingCode::MeshActorsWithoutMesh);
+      run.Context.Findings.Count(FindingCode::MeshActorsWithoutMesh);
   });
   PlaceMeshesOfOtherClasses(run);
 }
 
 } // namespace
 
-void ProcessMeshes(RunState& run) {
+void PlaceMeshes(SceneRun& run) {
   if (run.Level.LegacyFormat)
     PlaceClassMeshes(run);
   else
     PlaceStaticMeshes(run);
-}
-
-void ProcessTerrain(RunState& run) {
-  TerrainWriter writer(run.Context);
-  ForEachActor(run, ActorFamily::Terrain, ReadTerrain, [&](const TerrainRecord& terrain) { writer.Write(terrain); });
-}
-
-void AnimateTextures(RunState& run) {
-  const double scale = run.Context.Settings.TextTexPanScale;
-  const TexturePanSpeeds speeds{scale * run.Level.TexUPanSpeed, scale * run.Level.TexVPanSpeed};
-  WriteTextureAnimations(run.Context.Scene, run.Context.Materials, speeds);
-  FlushBlock(run);
 }
 
 } // namespace quarvel

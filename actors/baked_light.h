@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actors/scene_run.h"
 #include "base/report.h"
 #include "light/lit_surface.h"
 #include "scene/level_surface.h"
@@ -9,9 +10,6 @@
 
 namespace quarvel {
 
-struct RunState;
-struct T3DLevel;
-
 /// The settings with which a level is converted: `CheckBakeLight` switches the headlight off, and is itself off where
 /// there is no level to bake light into, which is reported.
 ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3DLevel& level, Report& findings);
@@ -19,6 +17,6 @@ ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3
 /// Bakes the light of the run's scene into maps on its surfaces and writes them beside the scene; the run's context has
 /// the light then, for all that is no surface of the level. `surfaces` are cut where a light map ends; `lit` is what
 /// light sees of them. Throws RunStopped, and std::runtime_error when a file cannot be written.
-void BakeLight(RunState& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit);
+void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit);
 
 } // namespace quarvel

@@ -1,8 +1,7 @@
-#include "core/light_pass.h"
+#include "actors/baked_light.h"
 
 #include "actors/lights.h"
 #include "base/output_file.h"
-#include "core/run_state.h"
 #include "math/number_text.h"
 #include "resources/url.h"
 #include "scene/lit_level.h"
@@ -18,15 +17,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-LevelRecord LevelInfoOf(const RunState& run) {
-  const auto infos = ReadAllShown(run.Part, run.Level, ActorFamily::Level, ReadLevel);
+LevelRecord LevelInfoOf(const SceneRun& run) {
+  const auto infos = ReadAllShown(run, ActorFamily::Level, ReadLevel);
   return infos.empty() ? LevelRecord() : infos.front();
 }
 
 /// The lamps that the scene does not write as lights of its own, because they never change.
-std::vector<Lamp> LampsOf(const RunState& run, double levelBrightness) {
+std::vector<Lamp> LampsOf(const SceneRun& run, double levelBrightness) {
   std::vector<Lamp> lamps;
-  for (const LightRecord& light : ReadAllShown(run.Part, run.Level, ActorFamily::Light, ReadLight)) {
+  for (const LightRecord& light : ReadAllShown(run, ActorFamily::Light, ReadLight)) {
     if (IsDynamicLight(light)) continue;
     const Lamp lamp = MakeLamp(light, levelBrightness);
     if (lamp.Strength > 0) lamps.push_back(lamp);
@@ -39,7 +38,7 @@ Vector3 AmbienceOf(const ZoneBlock& zone) {
                      std::clamp(zone.AmbientBrightness, 0.0, 255.0) / 255);
 }
 
-BakedLight BakeWithProgress(RunState& run, const LevelLight& light) {
+BakedLight BakeWithProgress(SceneRun& run, const LevelLight& light) {
   const ConversionSettings& settings = run.Context.Settings;
   BakeOptions options;
   options.Texel = settings.TextLightTexel;
@@ -54,27 +53,27 @@ BakedLight BakeWithProgress(RunState& run, const LevelLight& light) {
 }
 
 /// Writes the pages beside the scene. Returns their URLs.
-std::vector<std::string> WritePages(RunState& run, const std::vector<std::vector<std::uint8_t>>& pages) {
+std::vector<std::string> WritePages(SceneRun& run, const std::vector<std::vector<std::uint8_t>>& pages) {
   std::vector<std::string> urls;
   for (std::size_t i = 0; i < pages.size(); ++i) {
     const std::string name = run.SceneName + "Light" + std::to_string(i) + ".png";
     const fs::path path = run.File.Path().parent_path() / name;
     if (const std::string error = WriteWholeFile(path, pages[i]); pages[i].empty() || !error.empty())
       throw std::runtime_error("the light map " + name + " cannot be written" + (error.empty() ? "" : ": " + error));
-    run.Result.FilesWritten.push_back(path);
+    run.Totals.FilesWritten.push_back(path);
     urls.push_back(EncodeWebAddress(name));
   }
   return urls;
 }
 
-void NoteLight(RunState& run, const BakedLight& baked, std::size_t lamps, double seconds) {
-  BakedLightSummary& summary = run.Result.Light;
+void NoteLight(SceneRun& run, const BakedLight& baked, std::size_t lamps, double seconds) {
+  BakedLightSummary& summary = run.Totals.Light;
   summary.Lamps += lamps;
   summary.Texels += baked.Texels;
   summary.Pages += baked.Pages.size();
   summary.Seconds += seconds;
   if (const double wanted = run.Context.Settings.TextLightTexel; baked.Texel > wanted)
-    run.Result.Findings.Add(FindingCode::CoarseLight, "", FormatFlt(baked.Texel), FormatFlt(wanted));
+    run.Context.Findings.Add(FindingCode::CoarseLight, "", FormatFlt(baked.Texel), FormatFlt(wanted));
 }
 
 } // namespace
@@ -92,7 +91,7 @@ ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3
   return used;
 }
 
-void BakeLight(RunState& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit) {
+void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit) {
   run.Context.User.ShowPass("Baking light");
   const auto start = std::chrono::steady_clock::now();
   const LevelRecord info = LevelInfoOf(run);

@@ -1,4 +1,4 @@
-#include "core/world_nodes.h"
+#include "actors/world.h"
 
 #include "base/level_text.h"
 #include "math/number_text.h"
@@ -7,6 +7,8 @@
 #include <algorithm>
 
 namespace quarvel {
+
+namespace {
 
 void WriteWorldInfo(SceneWriter& scene, const LevelRecord& info) {
   SceneNode world = scene.Open("", "WorldInfo", {}, {.AfterBrace = 1});
@@ -17,6 +19,7 @@ void WriteWorldInfo(SceneWriter& scene, const LevelRecord& info) {
   world.String("title", MakeSceneText(info.Title));
 }
 
+/// `actor` is the zone's name, for the report of values out of range.
 void WriteFog(SceneContext& context, const ZoneBlock& zone, const std::string& actor) {
   if (!zone.ColorInRange) context.Findings.Add(FindingCode::FogColorOutOfRange, actor);
   if (zone.DistanceFogEnd < 0) context.Findings.Add(FindingCode::FogEndBelowZero, actor);
@@ -26,6 +29,7 @@ void WriteFog(SceneContext& context, const ZoneBlock& zone, const std::string& a
   fog.Field(" visibilityRange", FormatFlt(std::max(zone.DistanceFogEnd, 0.0) * context.Space.Scale()));
 }
 
+/// Writes the node that inlines the sky's own scene at the sky zone's place.
 void WriteSkyZoneWorld(SceneContext& context, const SkyZoneRecord& zone) {
   SceneWriter& scene = context.Scene;
   const std::string name = SkySceneName(zone), url = EncodeUrlPath(name);
@@ -39,6 +43,24 @@ void WriteSkyZoneWorld(SceneContext& context, const SkyZoneRecord& zone) {
   SceneNode sky = scene.Open("  ", "Inline");
   sky.Attribute("DEF", inDocumentName);
   sky.Strings("   url", PerScene{url + ".wrl", url + ".x3d"}, Brackets::Tight);
+}
+
+} // namespace
+
+void WriteAmbience(SceneRun& run) {
+  const auto infos = ReadAllShown(run, ActorFamily::Level, ReadLevel);
+  if (!infos.empty()) WriteWorldInfo(run.Context.Scene, infos.front());
+  FlushBlock(run);
+  if (!run.Context.Settings.CheckFog) return;
+  const auto writeFog = [&](const auto& record) {
+    if (record.Zone.bDistanceFog) WriteFog(run.Context, record.Zone, record.Header.Name);
+  };
+  ForEachActor(run, ActorFamily::Level, ReadLevel, writeFog);
+  ForEachActor(run, ActorFamily::Zone, ReadZone, writeFog);
+}
+
+void InlineSky(SceneRun& run) {
+  if (run.Sky != nullptr) WriteSkyZoneWorld(run.Context, *run.Sky);
 }
 
 std::string SkySceneName(const SkyZoneRecord& zone) { return FileNameOf(MakeDefName(zone.Header.Name)); }
