@@ -1,7 +1,7 @@
 #include "actors/lights.h"
 
-#include "actors/flicker.h"
 #include "actors/light_sprites.h"
+#include "actors/script_writer.h"
 #include "actors/sounds.h"
 #include "actors/triggers.h"
 #include "base/ascii_text.h"
@@ -120,6 +120,33 @@ SceneNode OpenWrapper(SceneContext& context, const LightRecord& light, const Lig
   transform.Field(" translation", context.Space.PositionText(light.Location));
   transform.Children(" ", 2);
   return transform;
+}
+
+/// Whether the light's effect is the one that makes it flicker.
+bool Flickers(const LightRecord& light) { return SameText(light.LightEffect, "LT_FLICKER"); }
+
+/// Writes the script that switches a light on and off at random, and its timer. Returns the timer's name.
+std::string WriteFlicker(SceneContext& context, const std::string& base) {
+  SceneWriter& scene = context.Scene;
+  SceneNode script = scene.Open("", "Script", base + "SCRIPT");
+  // By default the document declares another type than the text, and all timers have one name.
+  WriteScriptField(script, "eventIn  SFFloat  set_time", {scene.Conforming() ? "SFFloat" : "SFBool", {}});
+  WriteScriptField(script, "eventOut SFBool  bool_changed");
+  script.Code({"  function set_time(value,time) {", "     bool_changed = (Math.random() > .5);", "  }"}, "", "");
+  script.Close();
+  const std::string timer = scene.Conforming() ? base + "TIMER" : "FlickerTimer";
+  WriteTimeSensor(scene, timer, 1, Cycles::Endless);
+  if (!scene.Conforming()) {
+    scene.NoteQuirk("the one name of all flicker timers");
+    scene.NoteQuirk("the type of the time in the flicker scripts of the .x3d");
+  }
+  return timer;
+}
+
+/// Connects the timer, the script and the light; where a ROUTE may stand.
+void RouteFlicker(SceneContext& context, const std::string& base, const std::string& timer, const std::string& light) {
+  AddRoute(context.Scene, base + "SCRIPT", "bool_changed", light, "set_on");
+  AddRoute(context.Scene, timer, "fraction_changed", base + "SCRIPT", "set_time");
 }
 
 /// The light and what belongs to it. `innerSprite` says that its sprite stands in the same Transform.

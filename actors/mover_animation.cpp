@@ -140,7 +140,8 @@ void WriteInterpolators(SceneContext& context, const std::string& name, const Mo
                                                 : KeyMode::Rotation;
   const double interval =
       track.CycleInterval > 0 ? track.CycleInterval : TotalKeyTime(track, KeyCount(track, clock), clock);
-  WriteTimeSensor(scene, timer, std::clamp(interval, shortestCycle, longestCycle), track.Loop, true);
+  WriteTimeSensor(scene, timer, std::clamp(interval, shortestCycle, longestCycle),
+                  track.Loop ? Cycles::Endless : Cycles::One);
   if (track.AnimatePosition) RouteThrough(scene, timer, position, name, "set_translation");
   if (track.AnimateRotation) RouteThrough(scene, timer, rotation, name, "set_rotation");
 }

@@ -138,7 +138,7 @@ void WriteRandomSounds(SceneContext& context, const DynamicAmbientSoundRecord& r
   SceneWriter& scene = context.Scene;
   const std::string group = TakeActorName(context, record.Header, "DYNAMBSOUND_");
   const std::string timer = "TIMER" + group, script = "SCRIPT" + group;
-  WriteTimeSensor(scene, timer, times.Shortest == 0 ? 1 : times.Shortest, true, true);
+  WriteTimeSensor(scene, timer, times.Shortest == 0 ? 1 : times.Shortest, Cycles::Endless);
   WriteRandomScript(scene, record, times, script, sounds.size());
   const std::vector<std::string> clips = WriteClips(context, record, sounds, group);
   AddRoute(scene, script, "interval_changed", timer, "set_cycleInterval");

@@ -42,7 +42,7 @@ void WriteModel(SceneContext& context, const TeleporterRecord& teleporter, const
 }
 
 void WriteSpin(SceneWriter& scene) {
-  WriteTimeSensor(scene, spinTimer, 1, true, true);
+  WriteTimeSensor(scene, spinTimer, 1, Cycles::Endless);
   SceneNode node = scene.Open("", "OrientationInterpolator", spinInterpolator);
   node.List(" key", "0 0.333333 0.666666 1", ListLayout::OneLine);
   node.List(" keyValue", "0 1 0 0, 0 1 0 2.0944, 0 1 0 4.18879, 0 1 0 0", ListLayout::OneLine);

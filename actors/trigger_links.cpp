@@ -186,7 +186,7 @@ class LinkWriter {
     for (const auto& [number, outputs] : outputs_)
       WriteScript(number, outputs);
     for (const auto& [output, name] : timers_)
-      WriteTimeSensor(context_.Scene, name, pulse, false, true);
+      WriteTimeSensor(context_.Scene, name, pulse, Cycles::One);
     for (const auto* relays : {&eventRelays_, &targetRelays_})
       for (const auto& [event, relay] : *relays)
         WriteRelay(relay);

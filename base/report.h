@@ -62,10 +62,7 @@ class Report {
     Note(code, actor, TextOf(code, {DetailText(details)...}), details_);
   }
 
-  /// What has no code of its own.
-  void Add(std::string_view actor, std::string_view text) {
-    Note(FindingCode::Other, actor, std::string(text), findings_);
-  }
+  /// Notes what another report has noted.
   void Add(const Finding& finding) { Note(finding.Code, finding.Actor, finding.Reason, findings_); }
 
   /// Counts something that is left out.

@@ -118,7 +118,8 @@ std::string BatchSummary(const std::vector<RunResult>& results, std::size_t jobs
   return std::to_string(CountOf(results, RunOutcome::Done)) + " of " + CountText(jobs, "file", "files") + " converted";
 }
 
-void WriteSummary(std::ostream& out, const RunResult& result, bool inFull) {
+void WriteSummary(std::ostream& out, const RunResult& result, SummaryLength length) {
+  const bool inFull = length == SummaryLength::Full;
   out << PrintableText(result.InputFile.string()) << ": converted in " << SecondsText(result.Seconds) << "\n";
   for (const std::filesystem::path& file : result.FilesWritten)
     WriteLine(out, "wrote " + file.string());

@@ -33,8 +33,13 @@ struct ActorsOfReason {
 /// In the order in which the reasons first came up.
 std::vector<ActorsOfReason> GroupByReason(const std::vector<Finding>& findings);
 
-/// Tells what a finished run wrote, what it left out and what it missed. Long lists are cut unless `inFull`.
-void WriteSummary(std::ostream& out, const RunResult& result, bool inFull);
+enum class SummaryLength {
+  Short, ///< long lists are cut
+  Full,
+};
+
+/// Tells what a finished run wrote, what it left out and what it missed.
+void WriteSummary(std::ostream& out, const RunResult& result, SummaryLength length);
 
 /// Whether a message of a run tells of a list of missing files.
 bool IsAboutMissingFiles(std::string_view message);

@@ -11,8 +11,8 @@
 namespace quarvel {
 
 /// The largest side, and the most pixels, of an image whose pixels are read; more is refused before memory is taken.
-constexpr int MaxPixelSide = 16384;
-constexpr std::uint64_t MaxPixels = 8192ULL * 8192ULL;
+inline constexpr int MaxPixelSide = 16384;
+inline constexpr std::uint64_t MaxPixels = 8192ULL * 8192ULL;
 
 using Rgba = std::array<std::uint8_t, 4>;
 

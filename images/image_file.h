@@ -11,7 +11,7 @@
 namespace quarvel {
 
 /// Files above this size are not read into memory.
-constexpr std::uintmax_t MaxImageFileSize = 512ULL * 1024 * 1024;
+inline constexpr std::uintmax_t MaxImageFileSize = 512ULL * 1024 * 1024;
 
 /// The pixels of an image of any readable type (all but gif). `extension` tells the types without a signature.
 ImageResult ReadImage(Bytes file, std::string_view extension);

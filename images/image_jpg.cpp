@@ -9,12 +9,12 @@
 namespace quarvel {
 namespace {
 
-constexpr int Quality = 92;
+constexpr int quality = 92;
 /// A file of many scans over a large picture costs seconds for each kilobyte; real ones have about ten.
-constexpr int MaxScans = 100;
+constexpr int maxScans = 100;
 /// The shortest code of a block of 64 pixels is a bit.
-constexpr std::uint64_t MaxPixelsPerByte = 64 * 8;
-constexpr long MaxMemory = 512L * 1024 * 1024;
+constexpr std::uint64_t maxPixelsPerByte = 64 * 8;
+constexpr long maxMemory = 512L * 1024 * 1024;
 
 struct ErrorHandler {
   jpeg_error_mgr Manager; ///< first, so that libjpeg's pointer to it leads here
@@ -36,7 +36,7 @@ void OnMessage(j_common_ptr info, int level) {
 
 void OnProgress(j_common_ptr info) {
   auto* decompress = reinterpret_cast<j_decompress_ptr>(info);
-  if (decompress->input_scan_number <= MaxScans) return;
+  if (decompress->input_scan_number <= maxScans) return;
   auto* handler = reinterpret_cast<ErrorHandler*>(info->err);
   std::snprintf(handler->Text, sizeof handler->Text, "too many scans");
   std::longjmp(handler->Jump, 1);
@@ -55,7 +55,7 @@ struct Reader {
     jpeg_create_decompress(&Info);
     Progress.progress_monitor = OnProgress;
     Info.progress = &Progress;
-    Info.mem->max_memory_to_use = MaxMemory;
+    Info.mem->max_memory_to_use = maxMemory;
   }
   ~Reader() { jpeg_destroy_decompress(&Info); }
   Reader(const Reader&) = delete;
@@ -113,7 +113,7 @@ bool WriteRows(WriteHandle& writer, const Image& image) {
   writer.Info.input_components = 4;
   writer.Info.in_color_space = JCS_EXT_RGBA;
   jpeg_set_defaults(&writer.Info);
-  jpeg_set_quality(&writer.Info, Quality, TRUE);
+  jpeg_set_quality(&writer.Info, quality, TRUE);
   jpeg_start_compress(&writer.Info, TRUE);
   while (writer.Info.next_scanline < writer.Info.image_height) {
     // libjpeg only reads from the row, but its type does not say so.
@@ -134,7 +134,7 @@ ImageResult ReadJpg(Bytes file) {
   const auto width = static_cast<int>(reader.Info.image_width);
   const auto height = static_cast<int>(reader.Info.image_height);
   if (!MayReadPixels(width, height)) return ImageError("the image is too large");
-  if (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) > file.size() * MaxPixelsPerByte)
+  if (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) > file.size() * maxPixelsPerByte)
     return ImageError("the jpg data is truncated");
   Image image = MakeImage(width, height, PixelFormat::Rgba8);
   if (!ReadRows(reader, image)) return failure();

@@ -11,9 +11,9 @@ namespace quarvel {
 namespace {
 
 /// Enough for the header of every format but jpg, whose frame header follows segments of any length.
-constexpr std::size_t HeadSize = 256;
+constexpr std::size_t headSize = 256;
 /// Real jpg files have a few dozen segments before the frame header; more is a file made to cost time.
-constexpr int MaxJpgSegments = 5000;
+constexpr int maxJpgSegments = 5000;
 
 /// The bytes of a file in memory or on disk, read at any place.
 class ByteSource {
@@ -72,7 +72,7 @@ bool StandsAlone(std::uint32_t marker) { return marker == 0x01 || (marker >= 0xD
 /// Walks the marker segments of a jpg file (ITU-T T.81, annex B) up to the frame header.
 std::optional<ImageSize> JpgSize(ByteSource& source) {
   std::uint64_t at = 2;
-  for (int segment = 0; segment < MaxJpgSegments; ++segment) {
+  for (int segment = 0; segment < maxJpgSegments; ++segment) {
     std::array<std::uint8_t, 10> buffer{};
     const std::size_t count = source.ReadAt(at, buffer);
     const ByteView view(Bytes(buffer.data(), count));
@@ -109,7 +109,7 @@ std::optional<ImageSize> SizeOf(const std::optional<Header>& header) {
 }
 
 std::optional<ImageSize> SizeFromSource(ByteSource& source, std::string_view extension) {
-  std::array<std::uint8_t, HeadSize> buffer{};
+  std::array<std::uint8_t, headSize> buffer{};
   const Bytes bytes(buffer.data(), source.ReadAt(0, buffer));
   const ByteView head(bytes);
   switch (ImageTypeOfContent(bytes, extension)) {

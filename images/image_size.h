@@ -17,7 +17,7 @@ struct ImageSize {
 };
 
 /// The largest side that a header is believed to state.
-constexpr int MaxImageSide = 65535;
+inline constexpr int MaxImageSide = 65535;
 
 /// The size of an image file, from its header alone; nothing when the file cannot be read, is of no known format, or
 /// its header is truncated or states what the file cannot hold.

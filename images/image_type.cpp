@@ -12,7 +12,7 @@ struct TypeName {
   ImageType Type;
 };
 
-constexpr std::array<TypeName, 8> TypeNames{{
+constexpr std::array<TypeName, 8> typeNames{{
     {"png", ImageType::Png},
     {"jpg", ImageType::Jpg},
     {"jpeg", ImageType::Jpg},
@@ -34,7 +34,7 @@ bool BeginsWith(Bytes bytes, std::string_view signature) {
 
 ImageType ImageTypeOfExtension(std::string_view extension) {
   if (!extension.empty() && extension.front() == '.') extension.remove_prefix(1);
-  for (const TypeName& entry : TypeNames)
+  for (const TypeName& entry : typeNames)
     if (SameText(entry.Extension, extension)) return entry.Type;
   return ImageType::Unknown;
 }
@@ -52,7 +52,7 @@ ImageType ImageTypeOfContent(Bytes head, std::string_view extension) {
 }
 
 std::string_view ExtensionOf(ImageType type) {
-  for (const TypeName& entry : TypeNames)
+  for (const TypeName& entry : typeNames)
     if (entry.Type == type) return entry.Extension;
   return {};
 }

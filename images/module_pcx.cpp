@@ -6,8 +6,8 @@
 namespace quarvel {
 namespace {
 
-constexpr std::size_t DataStart = 128;
-constexpr std::size_t PaletteSize = 769; ///< a mark, then 256 times red, green, blue
+constexpr std::size_t dataStart = 128;
+constexpr std::size_t paletteSize = 769; ///< a mark, then 256 times red, green, blue
 
 /// Yields the bytes of the lines; runs may go on from one line into the next.
 class LineReader {
@@ -34,18 +34,18 @@ class LineReader {
  private:
   ByteView file_;
   bool rle_;
-  std::size_t at_ = DataStart;
+  std::size_t at_ = dataStart;
   int left_ = 0;
   std::uint8_t value_ = 0;
 };
 
 /// False when the palette is missing though the header promises colours.
 bool ReadPalette(ByteView file, Image& image) {
-  const bool present = file.Size() >= DataStart + PaletteSize && file.U8(file.Size() - PaletteSize) == 12;
+  const bool present = file.Size() >= dataStart + paletteSize && file.U8(file.Size() - paletteSize) == 12;
   const bool greys = file.U16(68) == 2 || file.U8(1) < 5; // by the header's own word, or older than palettes
   if (!present && !greys) return false;
   for (std::size_t i = 0; i < 256; ++i) {
-    const std::size_t at = file.Size() - PaletteSize + 1 + 3 * i;
+    const std::size_t at = file.Size() - paletteSize + 1 + 3 * i;
     const auto channel = [&](std::size_t place) {
       return static_cast<std::uint8_t>(present ? file.U8(at + place) : static_cast<std::uint32_t>(i));
     };

@@ -13,8 +13,8 @@
 namespace quarvel {
 
 /// The versions of the package format that can be read.
-constexpr int FirstPackageVersion = 61;
-constexpr int LastPackageVersion = 69;
+inline constexpr int FirstPackageVersion = 61;
+inline constexpr int LastPackageVersion = 69;
 
 /// Refers to an object: 0 none, n > 0 export n - 1, n < 0 import -n - 1.
 using ObjectRef = std::int32_t;

@@ -68,7 +68,7 @@ MaterialWriter::MaterialWriter(SceneWriter& scene, ResourceFiles& resources, con
                                std::string litColor)
     : scene_(scene), resources_(resources), settings_(settings), litColor_(std::move(litColor)) {}
 
-int MaterialWriter::TextureNumber(std::string_view texture, std::uint32_t flags, bool ofTerrain) {
+int MaterialWriter::NumberOf(std::string_view texture, std::uint32_t flags, bool ofTerrain) {
   const std::uint32_t kept = flags & appearanceFlags;
   const std::string key = EntryKey(texture, kept) + (ofTerrain ? "|terrain" : "");
   const auto [at, isNew] = numbers_.try_emplace(key, static_cast<int>(entries_.size()));

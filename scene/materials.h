@@ -41,8 +41,9 @@ class MaterialWriter {
                  std::string litColor);
 
   /// The number of the texture's entry for surfaces with these flags; made when it is new. Letter case does not count.
-  /// `ofTerrain` says that the surface is a terrain, whose images may be of a type of their own.
-  int TextureNumber(std::string_view texture, std::uint32_t flags, bool ofTerrain = false);
+  int TextureNumber(std::string_view texture, std::uint32_t flags) { return NumberOf(texture, flags, false); }
+  /// The same for a terrain, whose images may be of a type of their own.
+  int TerrainTextureNumber(std::string_view texture) { return NumberOf(texture, 0, true); }
   const TextureEntry& Entry(int number) const { return entries_[static_cast<std::size_t>(number)]; }
 
   /// Writes the entry's appearance into the shape that was just opened.
@@ -60,6 +61,7 @@ class MaterialWriter {
   int DefinedBy(TextureMotion motion) const { return definedBy_[static_cast<std::size_t>(motion)]; }
 
  private:
+  int NumberOf(std::string_view texture, std::uint32_t flags, bool ofTerrain);
   void WriteBakedTextures(const TextureEntry& entry, int page);
   void WritePage(int page, std::string_view lead);
   void WriteMapTransform(int number);

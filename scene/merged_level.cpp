@@ -122,7 +122,7 @@ void WriteGroup(SceneContext& context, const SurfaceGroup& group, int number) {
     WritePassable(*collision, "    collide");
     collision->Children("    ");
   }
-  WriteFaceSet(context, IndexSurfaces(group, context.Space), levelName + std::to_string(number), false);
+  WriteFaceSet(context, IndexSurfaces(group, context.Space), levelName + std::to_string(number));
   if (collision) collision->Close();
   if (anchor) anchor->Close();
   context.Scene.Flush();

@@ -320,11 +320,11 @@ void WritePassable(SceneNode& collision, const char* line) {
     writer.NoteQuirk("the field \"collide\" in the .x3dv, which X3D calls \"enabled\"");
 }
 
-void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, bool loop, bool enabled) {
+void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, Cycles cycles) {
   SceneNode node = writer.Open("", "TimeSensor", name);
   node.Field(" cycleInterval", FormatGeneral(cycleInterval));
-  node.Flag(" loop", loop);
-  node.Flag(" enabled", enabled);
+  node.Flag(" loop", cycles == Cycles::Endless);
+  node.Flag(" enabled", true);
 }
 
 } // namespace quarvel

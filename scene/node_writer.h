@@ -226,7 +226,9 @@ void AddRoute(SceneWriter& writer, const std::string& fromNode, const std::strin
 /// field is VRML97's (clause 6.8); X3D calls it `enabled`, which a conforming scene writes.
 void WritePassable(SceneNode& collision, const char* line);
 
-/// `cycleInterval` in seconds.
-void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, bool loop, bool enabled);
+enum class Cycles { One, Endless };
+
+/// Writes a timer that is enabled. `cycleInterval` in seconds.
+void WriteTimeSensor(SceneWriter& writer, const std::string& name, double cycleInterval, Cycles cycles);
 
 } // namespace quarvel

@@ -111,7 +111,7 @@ void WriteInterpolator(SceneWriter& scene, const char* name, const KeyFrames& fr
 void WriteAnimation(SceneWriter& scene, const AnimationNames& names, const TextureMovement& movement) {
   const char* transform = TextureTransformName(names.Motion);
   const KeyFrames frames = KeyFramesOf(movement);
-  WriteTimeSensor(scene, names.Timer, movement.Seconds, true, true);
+  WriteTimeSensor(scene, names.Timer, movement.Seconds, Cycles::Endless);
   const SceneScope interpolated = scene.IsX3DClassic() ? SceneScope::Both : SceneScope::Document;
   WriteInterpolator(scene, names.Interpolator, frames, interpolated);
   if (!scene.IsX3DClassic()) {

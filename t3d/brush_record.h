@@ -44,7 +44,7 @@ struct SheerRecord {
   double Rate = 0; ///< as the level has it; the editor snaps it
 };
 
-/// One face of a brush, in the brush's own unscaled coordinates.
+/// One face of a brush, in the brush's own unscaled coordinates. No converter uses Normal: the vertices tell it better.
 struct PolygonRecord {
   std::string_view Texture; ///< a part of the T3D text; Name, Package.Name or Package.Group.Name; may be empty
   std::uint32_t Flags = 0;  ///< SurfaceFlag bits, and bits of the editor's own
@@ -54,10 +54,11 @@ struct PolygonRecord {
   std::vector<Vector3> Vertices; ///< a single (0, 0, 0) when the polygon has none
 };
 
-/// A brush or mover with its polygons. Positions in Unreal units, times in seconds.
+/// A brush or mover with its polygons. Positions in Unreal units, times in seconds. No converter uses Group,
+/// bDynamicLight, Mass, bBounce, bRotateToDesired, DesiredRotation, NumKeysCopy, MoverGlideType, bUseTriggered,
+/// BumpEvent, IsMover and Sound.
 struct BrushRecord {
   ActorHeader Header;
-  std::string ClassText = "Brush";
   Vector3 MainScale{1, 1, 1}, PostScale{1, 1, 1};
   SheerRecord MainSheer, PostSheer; ///< each follows on the scale of its name
   std::string Group;

@@ -9,7 +9,8 @@
 
 namespace quarvel {
 
-/// One point of a camera path. Positions in Unreal units, here and below.
+/// One point of a camera path. Positions in Unreal units, here and below. No converter uses bEndOfPath, bSkipNextPath,
+/// FovModifier, GameSpeedModifier and the screen flash.
 struct InterpolationPointRecord {
   ActorHeader Header;
   Vector3 Location;
@@ -23,7 +24,8 @@ struct InterpolationPointRecord {
   Vector3 ScreenFlashFog;
 };
 
-/// Something special that an event makes happen: a message, a sound, damage, a camera flight.
+/// Something special that an event makes happen: a message, a sound, damage, a camera flight. Only that there is one is
+/// reported; no converter uses what it does.
 struct SpecialEventRecord {
   ActorHeader Header;
   Vector3 Location;
@@ -34,7 +36,8 @@ struct SpecialEventRecord {
 
 enum class SceneActionKind { MoveCamera, Pause };
 
-/// One action of a scene manager. Times in seconds.
+/// One action of a scene manager. Times in seconds. No converter uses Name, PathLength, Comment, bSmoothCorner,
+/// bConstantPathVelocity and PathVelocity.
 struct SceneActionRecord {
   SceneActionKind Kind = SceneActionKind::MoveCamera;
   Vector3 StartControlPoint, EndControlPoint;
@@ -48,7 +51,8 @@ struct SceneActionRecord {
   double PathVelocity = 0;
 };
 
-/// A camera flight of the second editor generation.
+/// A camera flight of the second editor generation. No converter uses its effect on players, its scripts and events
+/// (Affect to bLightChanged, but for bLooping) and its sound.
 struct SceneManagerRecord {
   ActorHeader Header;
   Vector3 Location;

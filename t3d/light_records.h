@@ -8,7 +8,7 @@
 
 namespace quarvel {
 
-/// How an actor is drawn.
+/// How an actor is drawn. No converter uses AmbientGlow and ScaleGlow.
 struct DisplayBlock {
   std::string Texture; ///< a reference such as Texture'Package.Group.Name'; empty for the class's own
   std::string Style;   ///< "STY_Translucent" ...
@@ -19,7 +19,8 @@ struct DisplayBlock {
 
 enum class LightKind { Point = 1, Spot = 2, Directional = 3 };
 
-/// A light actor. Position in Unreal units.
+/// A light actor. Position in Unreal units. No converter uses LightPeriod, LightPhase, the three of the volume,
+/// bActorShadows, bCorona and bLensFlare.
 struct LightRecord {
   ActorHeader Header;
   LightKind Kind = LightKind::Point; ///< by the class
@@ -41,7 +42,8 @@ struct LightRecord {
   SoundBlock Sound;
 };
 
-/// A light that a trigger switches. Times in seconds.
+/// A light that a trigger switches. Times in seconds; no converter uses them, nor bDelayFullOn: the light is on while
+/// its trigger is entered.
 struct TriggerLightRecord : LightRecord {
   bool bDelayFullOn = false;
   bool bInitiallyOn = false;

@@ -14,6 +14,8 @@ struct PlacementRecord {
   Rotator3 Rotation;
 };
 
+/// A teleporter. No converter uses FavoriteNumber, and what it does to the velocity of who goes through it
+/// (TargetVelocity, bReversesX to bChangesVelocity).
 struct TeleporterRecord {
   ActorHeader Header;
   int FavoriteNumber = 0;
@@ -27,6 +29,7 @@ struct TeleporterRecord {
   bool IsVisible = false; ///< its class is VisibleTeleporter
 };
 
+/// An actor that is drawn by a mesh.
 struct StaticMeshRecord {
   ActorHeader Header;
   std::string StaticMesh; ///< Package.Group.Name; empty when the actor names none

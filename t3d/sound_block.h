@@ -8,7 +8,8 @@
 
 namespace quarvel {
 
-/// The sound properties that any actor may have. AmbientSound actors have defaults of their own.
+/// The sound properties that any actor may have. AmbientSound actors have defaults of their own. No converter uses the
+/// two of transient sounds.
 struct SoundBlock {
   std::string AmbientSound;                        ///< a reference such as Sound'Package.Group.Name'; empty for none
   double SoundRadius = ClassDefaults::SoundRadius; ///< in steps of 25 Unreal units, less one

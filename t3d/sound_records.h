@@ -34,7 +34,7 @@ struct DynamicAmbientSoundRecord {
   std::array<std::string, 17> Sounds; ///< references; empty where there is none
 };
 
-/// A sound that a trigger starts.
+/// A sound that a trigger starts. Times in seconds. No converter uses rePlayTime and rePlayVariance.
 struct TriggeredAmbientSoundRecord {
   ActorHeader Header;
   Vector3 Location;

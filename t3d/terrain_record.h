@@ -13,7 +13,8 @@ struct Plane4 {
   double X = 0, Y = 0, Z = 0, W = 0;
 };
 
-/// A texture that covers the terrain where its alpha map lets it.
+/// A texture that covers the terrain where its alpha map lets it. No converter uses AlphaMap and the planes: the first
+/// layer with a texture covers all of it.
 struct TerrainLayer {
   std::string Texture;                   ///< Package.Name; empty when the layer has none
   std::string AlphaMap;                  ///< a reference such as Texture'Package.Name'
@@ -21,7 +22,7 @@ struct TerrainLayer {
   Plane4 XPlane, YPlane, ZPlane, WPlane; ///< of the layer's TerrainMatrix
 };
 
-/// A height field.
+/// A height field. No converter uses DecoLayerOffset, SoundVolume, DrawScale, CollisionRadius and CollisionHeight.
 struct TerrainRecord {
   ActorHeader Header;
   Vector3 Location; ///< Unreal units

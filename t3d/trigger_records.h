@@ -10,7 +10,8 @@
 
 namespace quarvel {
 
-/// A place that sets something off. Lengths in Unreal units, times in seconds.
+/// A place that sets something off. Lengths in Unreal units, times in seconds. No converter uses Message, InitialState,
+/// bTriggerOnceOnly, RepeatTriggerTime, ReTriggerDelay, GotoKeyframe and Sound.
 struct TriggerRecord {
   ActorHeader Header;
   std::string Message;
@@ -26,7 +27,8 @@ struct TriggerRecord {
   SoundBlock Sound;
 };
 
-/// A trigger that sets off one of several events at random.
+/// A trigger that sets off one of several events at random. No converter uses triggerProbability, minReCheckTime and
+/// maxReCheckTime: each of its events is set off.
 struct StochasticTriggerRecord {
   ActorHeader Header;
   double triggerProbability = 0;

@@ -7,7 +7,8 @@
 
 namespace quarvel {
 
-/// What a zone does to all that stands in it. Distances in Unreal units.
+/// What a zone does to all that stands in it. Distances in Unreal units. No converter uses DistanceFogStart: fog in a
+/// scene begins at the eye.
 struct ZoneBlock {
   ColorRGB DistanceFogColor = ClassDefaults::DistanceFogColor;
   bool ColorInRange = true; ///< false when a component lay outside 0 to 255 and was clamped
@@ -18,12 +19,13 @@ struct ZoneBlock {
   bool bDistanceFog = false;
 };
 
+/// A part of the level with a surrounding of its own.
 struct ZoneRecord {
   ActorHeader Header;
   ZoneBlock Zone;
 };
 
-/// The zone whose geometry is the level's sky.
+/// The zone whose geometry is the level's sky. No converter uses anything of it but the name and the place.
 struct SkyZoneRecord {
   ActorHeader Header;
   Vector3 Location;
@@ -36,7 +38,8 @@ struct SkyZoneRecord {
   ZoneBlock Zone;
 };
 
-/// The level itself, which is the zone of all that stands in no other.
+/// The level itself, which is the zone of all that stands in no other. No converter uses LightBrightness, LightHue and
+/// LightSaturation.
 struct LevelRecord {
   ActorHeader Header;
   std::string Title, Author;

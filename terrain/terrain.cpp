@@ -171,7 +171,7 @@ bool TerrainWriter::Write(const TerrainRecord& terrain) {
     field = MakeHeightfield(*map, terrain, context_.Settings.TextTerrainScale, context_.Space);
     const TerrainLayer* layer = BaseLayer(terrain);
     known = surfaces_.try_emplace(key).first;
-    known->second.Texture = context_.Materials.TextureNumber(layer ? layer->Texture : std::string(), 0, true);
+    known->second.Texture = context_.Materials.TerrainTextureNumber(layer ? layer->Texture : std::string());
     known->second.Width = map->Width;
     known->second.Height = map->Height;
     if (!context_.Settings.OptionTerrainIFS && HasHiddenSquare(*field, terrain))

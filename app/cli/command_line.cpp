@@ -179,7 +179,7 @@ class Reporter {
     for (const std::string& failed : result.FailedFiles)
       Complain(failed);
     if (result.Outcome == RunOutcome::Failed && result.FailedFiles.empty()) return Complain(result.Error);
-    if (!line_.Quiet) WriteSummary(console_.Out, result, line_.Verbose);
+    if (!line_.Quiet) WriteSummary(console_.Out, result, line_.Verbose ? SummaryLength::Full : SummaryLength::Short);
   }
 
  private:

@@ -19,7 +19,7 @@ namespace {
 
 QString FullSummary(const RunResult& result) {
   std::ostringstream text;
-  WriteSummary(text, result, true);
+  WriteSummary(text, result, SummaryLength::Full);
   return ToQString(text.str());
 }
 

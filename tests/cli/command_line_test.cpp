@@ -279,11 +279,11 @@ TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
   result.Missing[ResourceKind::Sound] = {"S1", "S2"};
   for (int i = 0; i < 4; ++i)
     result.Findings.Count(FindingCode::SubtractiveBrushes);
-  result.Findings.Add("", "ends in the middle of an actor");
+  result.Findings.Add(FindingCode::UnreadableFolder, "");
   for (int i = 1; i <= 12; ++i)
-    result.Findings.Add("Brush" + std::to_string(i), "is sheared");
+    result.Findings.Add(FindingCode::DamagedBrush, "Brush" + std::to_string(i));
   std::ostringstream cut, full;
-  WriteSummary(cut, result, false);
+  WriteSummary(cut, result, SummaryLength::Short);
   EXPECT_EQ(cut.str(), "a.t3d: converted in 0.12 s\n"
                        "  wrote a.wrl\n"
                        "  wrote a.x3d\n"
@@ -292,10 +292,10 @@ TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
                        "  brushes left out as subtractive: 4\n"
                        "  1 texture missing: T1\n"
                        "  2 sounds missing: S1, S2\n"
-                       "  ends in the middle of an actor\n"
-                       "  is sheared: Brush1, Brush2, Brush3, Brush4, Brush5, Brush6, Brush7, Brush8, Brush9, Brush10 "
-                       "and 2 more (see --verbose)\n");
-  WriteSummary(full, result, true);
+                       "  folder cannot be read\n"
+                       "  has a damaged brush: Brush1, Brush2, Brush3, Brush4, Brush5, Brush6, Brush7, Brush8, Brush9, "
+                       "Brush10 and 2 more (see --verbose)\n");
+  WriteSummary(full, result, SummaryLength::Full);
   EXPECT_NE(full.str().find("Brush10, Brush11, Brush12\n"), std::string::npos);
 }
 

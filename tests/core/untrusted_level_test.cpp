@@ -70,7 +70,7 @@ TEST(UntrustedLevel, ReachesNoTerminalOrListRaw) {
                             SkyZone("S") + "Begin Actor Class=Tree\x9B Name=B\nEnd Actor\n";
   const test::Converted converted = test::ConvertIn(folder, level);
   std::ostringstream summary;
-  WriteSummary(summary, converted.Result, true);
+  WriteSummary(summary, converted.Result, SummaryLength::Full);
   const auto isRaw = [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\r'; };
   for (const std::string& text : {summary.str(), folder.Read("levelMissingTextures.txt")}) {
     EXPECT_FALSE(std::any_of(text.begin(), text.end(), isRaw)) << text;
