@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/conversion_run.h"
+#include "settings/option_values.h"
 #include "settings/settings_store.h"
 #include "tests/temporary_folder.h"
 
@@ -27,6 +28,17 @@ inline ConversionSettings SampleSettings() {
   ConversionSettings settings;
   settings.TextSearchPathTxt = QUARVEL_SAMPLES_DIR "/textures";
   return settings;
+}
+
+/// Sets options as `--set` does: "Control=Value", with blanks between them.
+inline void SetOptions(const std::string& options, ConversionSettings& settings) {
+  std::istringstream words(options);
+  for (std::string word; words >> word;) {
+    const std::size_t sign = word.find('=');
+    const OptionInfo* option = FindOption(word.substr(0, sign));
+    ASSERT_NE(option, nullptr) << word;
+    EXPECT_EQ(SetOption(*option, word.substr(sign + 1), settings), "") << word;
+  }
 }
 
 /// Converts `level` to level.wrl (or what the settings make of that name) in `folder`.

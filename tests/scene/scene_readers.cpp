@@ -1,5 +1,7 @@
 #include "tests/scene/scene_readers.h"
 
+#include "tests/scene/node_rules.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -11,59 +13,6 @@ namespace quarvel::test {
 namespace {
 
 constexpr std::string_view separators = " \t\r\n,";
-
-/// The fields of every node type that a scene may hold, in both text encodings.
-const std::map<std::string, std::string, std::less<>>& FieldsOfTypes() {
-  static const std::map<std::string, std::string, std::less<>> fields{
-      {"Anchor", "children description parameter url bboxCenter bboxSize"},
-      {"Appearance", "material texture textureTransform"},
-      {"AudioClip", "description loop pitch startTime stopTime url"},
-      {"Billboard", "axisOfRotation children"},
-      {"BooleanFilter", ""},
-      {"Box", "size"},
-      {"Collision", "children collide enabled proxy"},
-      {"Coordinate", "point"},
-      {"DirectionalLight", "ambientIntensity color direction intensity on"},
-      {"ElevationGrid", "ccw color colorPerVertex creaseAngle height normal normalPerVertex set_height solid texCoord "
-                        "xDimension xSpacing zDimension zSpacing"},
-      {"Fog", "color fogType visibilityRange"},
-      {"Group", "children"},
-      {"ImageTexture", "url repeatS repeatT"},
-      {"IndexedFaceSet", "ccw color colorPerVertex convex coord coordIndex creaseAngle normal solid texCoord "
-                         "texCoordIndex"},
-      {"IndexedLineSet", "color colorIndex colorPerVertex coord coordIndex"},
-      {"Inline", "url bboxCenter bboxSize load"},
-      {"Material", "ambientIntensity diffuseColor emissiveColor shininess specularColor transparency"},
-      {"NavigationInfo", "avatarSize headlight speed type visibilityLimit"},
-      {"OrientationInterpolator", "key keyValue"},
-      {"PointLight", "ambientIntensity attenuation color intensity location on radius"},
-      {"PositionInterpolator", "key keyValue"},
-      {"PositionInterpolator2D", "key keyValue"},
-      {"ProximitySensor", "center enabled size"},
-      {"Script", "directOutput mustEvaluate url"},
-      {"Shape", "appearance geometry"},
-      {"Sound", "direction intensity location maxBack maxFront minBack minFront priority source spatialize"},
-      {"Sphere", "radius"},
-      {"SpotLight", "ambientIntensity attenuation beamWidth color cutOffAngle direction intensity location on radius"},
-      {"Switch", "choice whichChoice"},
-      {"TextureCoordinate", "point"},
-      {"TextureTransform", "center rotation scale translation"},
-      {"TimeSensor", "cycleInterval enabled loop startTime stopTime"},
-      {"TouchSensor", "enabled"},
-      {"Transform", "center children rotation scale scaleOrientation translation bboxCenter bboxSize"},
-      {"Viewpoint", "description fieldOfView jump orientation position"},
-      {"WorldInfo", "info title"},
-  };
-  return fields;
-}
-
-/// Whether a word stands in a list of words with blanks between them.
-bool IsOneOf(std::string_view word, std::string_view list) {
-  const auto isEnd = [&](std::size_t at) { return at >= list.size() || list[at] == ' '; };
-  for (std::size_t at = list.find(word); at != list.npos; at = list.find(word, at + 1))
-    if ((at == 0 || list[at - 1] == ' ') && isEnd(at + word.size())) return !word.empty();
-  return false;
-}
 
 bool IsNumber(std::string_view word) {
   if (word.starts_with('+')) word.remove_prefix(1);
@@ -102,9 +51,114 @@ struct Token {
   std::string Text;
 };
 
+/// What both kinds of readers check of the nodes that were read.
+class SceneChecker {
+ public:
+  SceneChecker(ReadScene& scene, SceneEncoding encoding) : scene_(scene), encoding_(encoding) {}
+
+  /// `where` begins the fault.
+  void CheckNode(std::size_t number, const std::string& where) {
+    const ReadNode& node = scene_.Nodes[number];
+    for (const auto& [field, value] : node.Fields) {
+      const auto numbers = static_cast<std::size_t>(NumbersOf(node.Type, field));
+      const auto words = Words(value);
+      const bool isWrong =
+          numbers != 0 && (words.size() != numbers || !std::all_of(words.begin(), words.end(), IsNumber));
+      if (isWrong) Fault(where + node.Type + "." + field + " is " + value);
+    }
+    if (node.Type.ends_with("Interpolator")) CheckKeys(node, where);
+    if (node.Type == "IndexedFaceSet") CheckIndices(number, where);
+  }
+
+  /// `nodes` are the types of the names; those of scripts stand with their events in `scriptFields`.
+  void CheckRoute(const std::string& from, const std::string& to, const std::string& where) {
+    CheckEnd(from, true, where);
+    CheckEnd(to, false, where);
+  }
+
+  void DeclareScriptField(const std::string& script, const std::string& name) {
+    scriptFields_.insert(script + "." + name);
+  }
+
+ private:
+  void Fault(const std::string& what) { scene_.Faults.push_back(what); }
+
+  void CheckEnd(const std::string& end, bool sends, const std::string& where) {
+    const std::size_t point = end.find('.');
+    const std::string name = end.substr(0, point), event = point == end.npos ? "" : end.substr(point + 1);
+    const ReadNode* node = scene_.Find(name);
+    if (node == nullptr) return Fault(where + "a ROUTE names " + name + ", which is not defined before");
+    if (node->Type == "Script" && scriptFields_.contains(name + "." + event)) return;
+    const bool known = encoding_ == SceneEncoding::Vrml97 && node->Type == "BooleanFilter"
+                           ? IsOneOf(event, "set_boolean inputTrue inputFalse inputNegate")
+                       : sends ? SendsEvent(node->Type, event, encoding_)
+                               : TakesEvent(node->Type, event, encoding_);
+    if (!known) Fault(where + node->Type + (sends ? " does not send " : " does not take ") + event);
+  }
+
+  static std::size_t CountOf(const ReadNode& node, const char* field) {
+    const auto at = node.Fields.find(field);
+    return at == node.Fields.end() ? 0 : Words(at->second).size();
+  }
+
+  void CheckKeys(const ReadNode& node, const std::string& where) {
+    const std::size_t width = node.Type == "OrientationInterpolator" ? 4 : 3;
+    if (CountOf(node, "key") * width != CountOf(node, "keyValue")) Fault(where + "keys and key values do not match");
+    double last = -1;
+    if (const auto keys = node.Fields.find("key"); keys != node.Fields.end())
+      for (const std::string& word : Words(keys->second)) {
+        const double key = std::strtod(word.c_str(), nullptr);
+        if (key < last || key < 0 || key > 1) Fault(where + "the keys do not rise from 0 to 1");
+        last = key;
+      }
+  }
+
+  /// A face set's own lists, those in its MultiTextureCoordinate among them.
+  void CheckIndices(std::size_t number, const std::string& where) {
+    const auto& parentOf = [&](const ReadNode& node) { return static_cast<std::size_t>(node.Parent); };
+    for (std::size_t child = number + 1; child < scene_.Nodes.size(); ++child) {
+      const ReadNode& list = scene_.Nodes[child];
+      if (list.Parent < static_cast<int>(number)) return;
+      const bool isInside = scene_.Nodes[parentOf(list)].Type == "MultiTextureCoordinate";
+      if (parentOf(list) != number && !isInside) continue;
+      if (list.Type == "Coordinate") CheckList(number, list, "point", 3, "coordIndex", where);
+      if (list.Type == "TextureCoordinate") CheckList(number, list, "point", 2, "texCoordIndex", where);
+      if (list.Type == "Color") CheckList(number, list, "color", 3, "colorIndex", where);
+      if (list.Type == "ColorRGBA") CheckList(number, list, "color", 4, "colorIndex", where);
+    }
+  }
+
+  void CheckList(std::size_t number, const ReadNode& list, const char* field, std::size_t width,
+                 const std::string& indexField, const std::string& where) {
+    const std::size_t count = CountOf(list, field);
+    if (count % width != 0) return Fault(where + list.Type + " holds " + std::to_string(count) + " numbers");
+    for (const std::string& index : Words(scene_.Nodes[number].Fields[indexField]))
+      if (std::stol(index) < -1 || std::stol(index) >= static_cast<long>(count / width))
+        return Fault(where + indexField + " " + index + " is out of range");
+    const auto ends = [&](const std::string& name) {
+      std::vector<std::size_t> faces;
+      const std::vector<std::string> indices = Words(scene_.Nodes[number].Fields[name]);
+      for (std::size_t at = 0; at < indices.size(); ++at)
+        if (indices[at] == "-1") faces.push_back(at);
+      return faces;
+    };
+    // Without its own indices, a list has those of the coordinates.
+    if (!ends(indexField).empty() && ends(indexField) != ends("coordIndex"))
+      Fault(where + indexField + " has other faces than coordIndex");
+  }
+
+  ReadScene& scene_;
+  SceneEncoding encoding_;
+  std::set<std::string> scriptFields_;
+};
+
 class VrmlReader {
  public:
-  explicit VrmlReader(std::string_view text) : text_(text) { Advance(); }
+  explicit VrmlReader(std::string_view text)
+      : text_(text), encoding_(text.starts_with("#X3D") ? SceneEncoding::X3DClassic : SceneEncoding::Vrml97),
+        checker_(scene_, encoding_) {
+    Advance();
+  }
 
   ReadScene Read() {
     while (token_.Kind != Token::Kind::End && scene_.Faults.size() < 20)
@@ -113,10 +167,13 @@ class VrmlReader {
   }
 
  private:
-  void Fault(const std::string& what) {
-    const auto line = 1 + std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(at_), '\n');
-    scene_.Faults.push_back("line " + std::to_string(line) + ": " + what);
+  std::string Where() {
+    const auto at = [&](std::size_t place) { return text_.begin() + static_cast<std::ptrdiff_t>(place); };
+    line_ += std::count(at(counted_), at(at_), '\n');
+    counted_ = at_;
+    return "line " + std::to_string(line_) + ": ";
   }
+  void Fault(const std::string& what) { scene_.Faults.push_back(Where() + what); }
 
   void SkipBlanksAndComments() {
     for (;;) {
@@ -175,7 +232,7 @@ class VrmlReader {
       return Advance();
     }
     if (token_.Kind != Token::Kind::Word) return Fault("'" + Take() + "' where a node is due");
-    ReadNodeStatement(-1);
+    ReadNodeStatement(-1, "");
   }
 
   void ReadRoute() {
@@ -183,10 +240,7 @@ class VrmlReader {
     const std::string from = Take();
     if (Take() != "TO") Fault("a ROUTE without TO");
     const std::string to = Take();
-    for (const std::string& end : {from, to}) {
-      const std::string name = end.substr(0, end.find('.'));
-      if (!defined_.contains(name)) Fault("a ROUTE names " + name + ", which is not defined before");
-    }
+    checker_.CheckRoute(from, to, Where());
     scene_.Routes.push_back(from + " TO " + to);
   }
 
@@ -206,16 +260,26 @@ class VrmlReader {
 
   void Define(const std::string& name) {
     if (!IsLegalName(name)) Fault("'" + name + "' is no name");
-    defined_.insert(name);
+    // In VRML97 the last of several holds (ISO/IEC 14772-1, clause 4.6.2).
+    if (!defined_.insert(name).second && encoding_ != SceneEncoding::Vrml97) Fault(name + " is defined twice");
   }
 
-  void ReadNodeStatement(int parent) {
+  void CheckPlace(int parent, const std::string& field, const std::string& type) {
+    const std::string above = parent < 0 ? "" : scene_.Nodes[static_cast<std::size_t>(parent)].Type;
+    if (above == "Script" || prototypes_.contains(type)) return;
+    if (!MayHold(above, field, type)) Fault("a " + type + " in " + (above.empty() ? "the scene" : above + "." + field));
+  }
+
+  void ReadNodeStatement(int parent, const std::string& field) {
     ReadNode node;
     node.Parent = parent;
     if (IsWord("USE")) {
       Advance();
       node.Use = Take();
-      if (!defined_.contains(node.Use)) Fault("USE of " + node.Use + ", which is not defined before");
+      if (const ReadNode* used = scene_.Find(node.Use))
+        CheckPlace(parent, field, used->Type);
+      else
+        Fault("USE of " + node.Use + ", which is not defined before");
       scene_.Nodes.push_back(std::move(node));
       return;
     }
@@ -224,15 +288,16 @@ class VrmlReader {
       Define(node.Def = Take());
     }
     node.Type = Take();
-    if (!FieldsOfTypes().contains(node.Type) && !prototypes_.contains(node.Type))
+    if (!IsNodeType(node.Type, encoding_) && !prototypes_.contains(node.Type))
       Fault("'" + node.Type + "' is no node type");
+    CheckPlace(parent, field, node.Type);
     const auto number = scene_.Nodes.size();
     scene_.Nodes.push_back(std::move(node));
     Expect("{");
     while (!IsMark("}") && token_.Kind != Token::Kind::End && scene_.Faults.size() < 20)
       ReadField(static_cast<int>(number));
     Expect("}");
-    CheckValues(number);
+    checker_.CheckNode(number, Where());
   }
 
   void ReadField(int node) {
@@ -240,15 +305,15 @@ class VrmlReader {
     const std::string type = scene_.Nodes[static_cast<std::size_t>(node)].Type;
     const std::string name = Take();
     if (name == "ROUTE" || name == "PROTO") Fault("a " + name + " inside a node");
-    if (type == "Script" && IsOneOf(name, "eventIn eventOut field exposedField inputOnly outputOnly initializeOnly "
-                                          "inputOutput")) {
+    const bool isX3D = encoding_ == SceneEncoding::X3DClassic;
+    if (type == "Script" &&
+        IsOneOf(name, isX3D ? "inputOnly outputOnly initializeOnly inputOutput" : "eventIn eventOut field")) {
       Advance();
-      Advance();
-      if (IsOneOf(name, "field exposedField initializeOnly inputOutput")) ReadValue(node, "");
+      checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(node)].Def, Take());
+      if (IsOneOf(name, "field initializeOnly inputOutput")) ReadValue(node, "");
       return;
     }
-    const auto fields = FieldsOfTypes().find(type);
-    if (fields != FieldsOfTypes().end() && !IsOneOf(name, fields->second)) Fault(type + " has no field " + name);
+    if (!HasField(type, name, encoding_) && !prototypes_.contains(type)) Fault(type + " has no field " + name);
     ReadValue(node, name);
   }
 
@@ -257,10 +322,10 @@ class VrmlReader {
     if (IsMark("[")) {
       Advance();
       while (!IsMark("]") && token_.Kind != Token::Kind::End && scene_.Faults.size() < 20)
-        ReadItem(node, values);
+        ReadItem(node, field, values);
       Expect("]");
     } else {
-      ReadItem(node, values);
+      ReadItem(node, field, values);
       while (IsScalar())
         values.push_back(Take());
     }
@@ -272,60 +337,81 @@ class VrmlReader {
            (token_.Kind == Token::Kind::Word && (IsOneOf(token_.Text, "TRUE FALSE NULL") || IsNumber(token_.Text)));
   }
 
-  void ReadItem(int node, std::vector<std::string>& values) {
+  void ReadItem(int node, const std::string& field, std::vector<std::string>& values) {
     if (IsScalar())
       values.push_back(Take());
     else if (IsWord("ROUTE") || IsWord("PROTO"))
       Fault("a " + Take() + " inside a list");
     else if (token_.Kind == Token::Kind::Word)
-      ReadNodeStatement(node);
+      ReadNodeStatement(node, field);
     else
       Fault("'" + Take() + "' where a value is due");
   }
 
-  void CheckValues(std::size_t number) {
-    const ReadNode& node = scene_.Nodes[number];
-    const auto count = [&](const char* field) {
-      const auto at = node.Fields.find(field);
-      return at == node.Fields.end() ? 0 : Words(at->second).size();
-    };
-    const std::size_t width = node.Type == "OrientationInterpolator" ? 4 : node.Type == "PositionInterpolator" ? 3 : 0;
-    if (width != 0 && count("key") * width != count("keyValue")) Fault("keys and key values do not match");
-    if (node.Type == "IndexedFaceSet") CheckIndices(number);
-  }
-
-  void CheckIndices(std::size_t number) {
-    for (std::size_t child = number + 1; child < scene_.Nodes.size(); ++child) {
-      const ReadNode& list = scene_.Nodes[child];
-      if (list.Parent != static_cast<int>(number)) continue;
-      const bool isCoordinate = list.Type == "Coordinate";
-      const auto points = list.Fields.find("point");
-      const std::size_t numbers = points == list.Fields.end() ? 0 : Words(points->second).size();
-      const long size = static_cast<long>(numbers / (isCoordinate ? 3 : 2));
-      for (const std::string& index : Words(scene_.Nodes[number].Fields[isCoordinate ? "coordIndex" : "texCoordIndex"]))
-        if (std::stol(index) < -1 || std::stol(index) >= size) return Fault("index " + index + " is out of range");
-    }
-  }
-
   std::string_view text_;
-  std::size_t at_ = 0;
+  std::size_t at_ = 0, counted_ = 0; ///< where the reader is; up to where the lines are counted
+  std::ptrdiff_t line_ = 1;
+  SceneEncoding encoding_;
   Token token_;
   ReadScene scene_;
+  SceneChecker checker_;
   std::set<std::string> defined_, prototypes_;
 };
 
 /// Elements that stand for no node of the text.
 constexpr std::string_view frame = "Group MultiTexture texture NavigationInfo";
 
-void ReadElement(const pugi::xml_node& element, int parent, ReadScene& scene) {
-  if (element.name() == std::string_view("ROUTE")) {
-    const auto value = [&](const char* name) { return std::string(element.attribute(name).value()); };
-    scene.Routes.push_back(value("fromNode") + "." + value("fromField") + " TO " + value("toNode") + "." +
-                           value("toField"));
-    return;
+class X3DReader {
+ public:
+  ReadScene Read(const pugi::xml_node& root) {
+    for (const pugi::xml_node& node : root.children())
+      ReadElement(node, -1, "");
+    for (const auto& [from, to] : routes_) // both ends may stand behind a ROUTE
+      checker_.CheckRoute(from, to, "");
+    for (std::size_t number = 0; number < scene_.Nodes.size(); ++number)
+      checker_.CheckNode(number, scene_.Nodes[number].Def + ": ");
+    return std::move(scene_);
   }
-  int number = parent;
-  if (!IsOneOf(element.name(), frame)) {
+
+ private:
+  void Fault(const std::string& what) { scene_.Faults.push_back(what); }
+
+  void ReadElement(const pugi::xml_node& element, int parent, const std::string& above) {
+    const std::string type = element.name();
+    if (type == "ROUTE") return ReadRoute(element);
+    if (type == "field" && above == "Script") {
+      checker_.DeclareScriptField(scene_.Nodes[static_cast<std::size_t>(parent)].Def,
+                                  element.attribute("name").value());
+      return;
+    }
+    if (element.type() != pugi::node_element) return;
+    CheckElement(element, above);
+    int number = parent;
+    if (!IsOneOf(type, frame) || element.attribute("DEF")) number = AddNode(element, parent);
+    for (const pugi::xml_node& child : element.children())
+      ReadElement(child, number, type);
+  }
+
+  void ReadRoute(const pugi::xml_node& element) {
+    const auto value = [&](const char* name) { return std::string(element.attribute(name).value()); };
+    routes_.emplace_back(value("fromNode") + "." + value("fromField"), value("toNode") + "." + value("toField"));
+    scene_.Routes.push_back(routes_.back().first + " TO " + routes_.back().second);
+  }
+
+  void CheckElement(const pugi::xml_node& element, const std::string& above) {
+    const std::string type = element.name();
+    if (!IsNodeType(type, SceneEncoding::X3DXml)) Fault("'" + type + "' is no node type");
+    if (!MayHold(above, "", type)) Fault("a " + type + " in " + (above.empty() ? "the scene" : above));
+    for (const pugi::xml_attribute& attribute : element.attributes()) {
+      const std::string name = attribute.name(), value = attribute.value();
+      if (name == "DEF" && !defined_.emplace(value, type).second) Fault(value + " is defined twice");
+      if (name == "USE" && defined_[value] != type) Fault("USE of " + value + ", which is no " + type + " before");
+      if (name != "DEF" && name != "USE" && !HasField(type, name, SceneEncoding::X3DXml))
+        Fault(type + " has no field " + name);
+    }
+  }
+
+  int AddNode(const pugi::xml_node& element, int parent) {
     ReadNode node;
     node.Type = element.name();
     node.Parent = parent;
@@ -335,12 +421,15 @@ void ReadElement(const pugi::xml_node& element, int parent, ReadScene& scene) {
       std::string& value = name == "DEF" ? node.Def : name == "USE" ? node.Use : node.Fields[std::string(name)];
       value = attribute.value();
     }
-    number = static_cast<int>(scene.Nodes.size());
-    scene.Nodes.push_back(std::move(node));
+    scene_.Nodes.push_back(std::move(node));
+    return static_cast<int>(scene_.Nodes.size()) - 1;
   }
-  for (const pugi::xml_node& child : element.children())
-    ReadElement(child, number, scene);
-}
+
+  ReadScene scene_;
+  SceneChecker checker_{scene_, SceneEncoding::X3DXml};
+  std::map<std::string, std::string> defined_; ///< types by name
+  std::vector<std::pair<std::string, std::string>> routes_;
+};
 
 /// Fields as both encodings write them: separators, quotes and the case of booleans do not count.
 std::string Normal(std::string_view value) {
@@ -379,19 +468,18 @@ std::string ReadScene::OwnerOf(const ReadNode& node) const {
 }
 
 const ReadNode* ReadScene::Find(std::string_view def) const {
-  const auto at = std::find_if(Nodes.begin(), Nodes.end(), [&](const ReadNode& node) { return node.Def == def; });
-  return at == Nodes.end() ? nullptr : &*at;
+  // The last one of a name holds.
+  const auto at = std::find_if(Nodes.rbegin(), Nodes.rend(), [&](const ReadNode& node) { return node.Def == def; });
+  return at == Nodes.rend() ? nullptr : &*at;
 }
 
 ReadScene ReadVrml(std::string_view text) { return VrmlReader(text).Read(); }
 
 ReadScene ReadX3D(const std::string& text) {
-  ReadScene scene;
   pugi::xml_document document;
   const pugi::xml_parse_result result = document.load_buffer(text.data(), text.size());
+  ReadScene scene = X3DReader().Read(document.child("X3D").child("Scene"));
   if (!result) scene.Faults.push_back(std::string(result.description()) + " at " + std::to_string(result.offset));
-  for (const pugi::xml_node& node : document.child("X3D").child("Scene").children())
-    ReadElement(node, -1, scene);
   return scene;
 }
 
@@ -401,7 +489,9 @@ std::vector<std::string> Describe(const ReadScene& scene) {
     // Scripts declare their fields in ways of their own; a text's USE does not say the type.
     if (IsOneOf(node.Type, frame) || IsOneOf(node.Type, "Script field") || MovesTextures(node.Def)) continue;
     const std::string type = node.Use.empty() ? node.Type : "USE";
-    std::string line = type + " '" + node.Def + node.Use + "' in '" + scene.OwnerOf(node) + "'";
+    // The document names the sky's Inline, too.
+    const bool sky = node.Type == "Inline" && scene.OwnerOf(node) == "WT_" + node.Def;
+    std::string line = type + " '" + (sky ? "" : node.Def) + node.Use + "' in '" + scene.OwnerOf(node) + "'";
     for (const auto& [field, value] : node.Fields) {
       // X3D's name for the field of VRML97.
       const std::string name = node.Type == "Collision" && field == "enabled" ? "collide" : field;
@@ -416,6 +506,31 @@ std::vector<std::string> Describe(const ReadScene& scene) {
     if (!RoutesTextureMotion(route)) lines.push_back("ROUTE " + route);
   std::sort(lines.begin(), lines.end());
   return lines;
+}
+
+std::vector<std::string> Differences(const ReadScene& text, const ReadScene& document) {
+  const std::vector<std::string> inText = Describe(text), inDocument = Describe(document);
+  std::vector<std::string> differences;
+  const auto add = [&](const auto& a, const auto& b, const std::string& what) {
+    std::vector<std::string> only;
+    std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(only));
+    for (const std::string& line : only)
+      differences.push_back(what + line.substr(0, 300));
+  };
+  add(inText, inDocument, "only in the text: ");
+  add(inDocument, inText, "only in the document: ");
+  return differences;
+}
+
+std::vector<std::string> WithoutQuirks(std::vector<std::string> faults) {
+  constexpr std::string_view quirks[] = {"FlickerTimer is defined twice",  "World is defined twice",
+                                         "Collision has no field collide", "'texture' is no node type",
+                                         "a texture in Appearance",        "a ImageTexture in texture"};
+  for (const std::string_view quirk : quirks)
+    std::erase_if(faults, [&](const std::string& fault) { return fault.ends_with(quirk); });
+  // Lights in Transforms are named by their Tags.
+  std::erase_if(faults, [](const std::string& fault) { return fault.starts_with("L_") && fault.ends_with(" twice"); });
+  return faults;
 }
 
 } // namespace quarvel::test

@@ -1,0 +1,258 @@
+#include "core/run_report.h"
+#include "core/run_summary.h"
+#include "images/image_png.h"
+#include "tests/core/box_actor.h"
+#include "tests/core/converted.h"
+#include "tests/csg/made_brushes.h"
+#include "tests/images/made_images.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <iomanip>
+#include <set>
+
+namespace quarvel::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string_view>;
+
+/// Each on top of `Everything`. What does not change a level's scene is left out of its golden.
+constexpr const char* sceneOptions[] = {
+    "OptionContact=-1",
+    "OptionIFSs=-1 CheckCreaseAngle=1 TextCreaseAngle=60",
+    "OptionIFSs=-1 CheckTranslucentSolid=1",
+    "CheckBuildBrush=1 CheckBreakUpBB=1",
+    "CheckIgnore=1",
+    "TextStartAtPoly=1",
+    "CheckCCW=1",
+    "CheckAppendDash=1 CheckCCW=1 CheckMeshAppendCCW=1",
+    "CheckEnclose=1",
+    "CheckSkyZone=1",
+    "CheckShowTriggers=1 TextMoverTriggerMargin=20 TextTeleHtOff=30",
+    "CheckMovers=0",
+    "TextTexPanScale=2",
+    "CheckInlineWRL=0 TextMeshScale=3",
+    "CheckInlineX3D=0 MeshDestPathBehavior=1 MeshDestPrependPath=https://example.org/m/",
+    "OptionTerrainIFS=-1 TextTerrainScale=2",
+    "CheckOutputStaticLights=0",
+    "CheckLightTransform=1 TextLightRadiusScale=2 TextAmbientInfluence=0.7",
+    "CheckIgnoreBlackLight=1 OptionIntensityOverride=-1 TextLightIntensity=0.4 TextSpriteScale=2",
+    "CheckFog=0 CheckHeadlight=0 ListMovement=fly",
+    "TextSoundRadiusScale=2 SoundDestPathBehavior=1",
+    "ListBMtypeOut=jpg ListMaskedBMtypeOut=gif ListTerrainBMtypeOut=bmp TextureDestPathBehavior=1",
+    "CheckOutputPlayerStarts=0 CheckGroupCamera=1",
+    "CheckShowFlyThru=1 CheckFlyThruDelay=1 TextFlyThruDelay=3 TextBezierSubD=0.3",
+    "CheckOutputFlyThruViewpoints=0 OptionDefViewPSSize=-1 TextVProxSizeX=10 TextVProxSizeY=20 TextVProxSizeZ=30",
+    "OptionDefViewAsScript=-1",
+    "CheckMakeDefaultViewpoint=0",
+    "CheckMergeLevel=1",
+    "CheckCarve=1",
+    "CheckCarve=1 CheckBakeLight=1",
+};
+
+Lines LinesOf(std::string_view text) {
+  Lines lines;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+    lines.push_back(text.substr(at, end - at));
+    at = end;
+  }
+  return lines;
+}
+
+/// What makes one text of another: the numbers of the lines that go ("-"), and the lines that come ("+"). A kept scene
+/// that differs little from another is a few lines this way, which a reviewer can read.
+std::string Difference(std::string_view from, std::string_view to) {
+  const Lines a = LinesOf(from), b = LinesOf(to);
+  // The longest common rest of a from i and of b from j.
+  const std::size_t width = b.size() + 1;
+  std::vector<std::uint16_t> rest((a.size() + 1) * width);
+  for (std::size_t i = a.size(); i-- > 0;)
+    for (std::size_t j = b.size(); j-- > 0;) {
+      const std::size_t at = i * width + j;
+      rest[at] = a[i] == b[j] ? static_cast<std::uint16_t>(rest[at + width + 1] + 1)
+                              : std::max(rest[at + width], rest[at + 1]);
+    }
+  std::string difference;
+  const auto goes = [&](std::size_t i, std::size_t j) {
+    const bool same = i < a.size() && j < b.size() && a[i] == b[j];
+    return i < a.size() && !same && (j == b.size() || rest[(i + 1) * width + j] >= rest[i * width + j + 1]);
+  };
+  for (std::size_t i = 0, j = 0; i < a.size() || j < b.size();) {
+    if (goes(i, j)) {
+      difference += "-" + std::to_string(i + 1);
+      const std::size_t first = i;
+      while (goes(i, j))
+        ++i;
+      difference += i - first > 1 ? ".." + std::to_string(i) + "\n" : "\n";
+    } else if (i < a.size() && j < b.size() && a[i] == b[j]) {
+      ++i, ++j;
+    } else {
+      difference += "+ ";
+      difference += b[j++];
+    }
+  }
+  return difference;
+}
+
+/// Compares with the file that was looked at and kept. With QUARVEL_KEEP_GOLDENS set, the file takes the text instead.
+void ExpectKept(const std::string& name, const std::string& text) {
+  const fs::path file = fs::path(QUARVEL_TEST_DATA_DIR) / "golden" / name;
+  if (std::getenv("QUARVEL_KEEP_GOLDENS") != nullptr) {
+    std::ofstream(file, std::ios::binary) << text;
+    return;
+  }
+  if (const std::string kept = ReadFile(file); kept != text)
+    ADD_FAILURE() << name << " differs:\n"
+                  << Difference(kept, text).substr(0, 2000)
+                  << "\nWhen that is right, run this test with QUARVEL_KEEP_GOLDENS=1 and look at what git shows.";
+}
+
+/// Settings under which every converter writes what it can.
+ConversionSettings Everything(const fs::path& library) {
+  ConversionSettings settings;
+  settings.TextSearchPathTxt = QUARVEL_SAMPLES_DIR "/textures;" + library.string();
+  settings.TextSearchPathSnd = QUARVEL_SAMPLES_DIR "/sounds";
+  settings.TextSearchPathMesh = QUARVEL_SAMPLES_DIR "/meshes";
+  settings.CheckOutputStaticLights = settings.CheckOutputFlyThru = settings.CheckOutputFlyThruViewpoints = true;
+  settings.CheckMakeDefaultViewpoint = settings.OptionDefViewAsProxSensor = true;
+  settings.TextLightTexel = {"64", 64};
+  settings.TextLightMapSize = {"64", 64};
+  return settings;
+}
+
+/// Rooms to carve and to light, of every kind of brush.
+std::string Rooms() {
+  const std::string add = " CsgOper=CSG_Add\n", subtract = " CsgOper=CSG_Subtract\n", flags = " PolyFlags=";
+  return "Begin Map\n" + BoxActor("Hall", SubtractBox({0, 0, 0}, {1024, 1536, 512}), subtract, "plaster") +
+         BoxActor("Passage", SubtractBox({1024, 256, 0}, {1536, 512, 256}), subtract, "quay") +
+         BoxActor("Pillar", AddBox({400, 400, 0}, {528, 528, 512}), add, "crate") +
+         BoxActor("Turned", AddBox({600, 1000, 0}, {728, 1128, 128}, {0, 4096, 0}), add + " Location=(Z=16)\n",
+                  "lamp") +
+         BoxActor("Ledge", AddBox({0, 1300, 100}, {200, 1536, 140}), add + flags + "32\n", "planks") +
+         BoxActor("Pane", AddBox({800, 300, 0}, {808, 500, 128}), add + flags + "12\n", "glass") +
+         BoxActor("Grate", AddBox({100, 100, 0}, {108, 200, 64}), add + flags + "266\n", "grating") +
+         BoxActor("Fall", AddBox({1000, 700, 0}, {1024, 900, 400}), add + flags + "1032\n", "fall") +
+         BoxActor("Glow", AddBox({300, 1400, 0}, {340, 1440, 40}), add + flags + "4194304\n", "flame") +
+         BoxActor("Door", AddBox({1024, 256, 0}, {1040, 512, 256}), add + flags + "67108872\n", "metal") +
+         "Begin Actor Class=Light Name=Warm\n Location=(X=200,Y=200,Z=300)\n LightHue=20\n LightSaturation=64\n"
+         " LightRadius=48\nEnd Actor\n"
+         "Begin Actor Class=Spotlight Name=Cone\n Location=(X=700,Y=1300,Z=480)\n Rotation=(Pitch=-16384)\n"
+         " LightHue=160\n LightSaturation=32\n LightBrightness=255\n LightRadius=64\n LightCone=64\nEnd Actor\n"
+         "Begin Actor Class=Light Name=Blinking\n Location=(X=1300,Y=400,Z=128)\n LightType=LT_Blink\nEnd Actor\n"
+         "Begin Actor Class=PlayerStart Name=Start\n Location=(X=100,Y=1000,Z=40)\nEnd Actor\nEnd Map\n";
+}
+
+/// An image as it is seen: its size and its sum, and of a light map every fourth texel of every fourth row.
+std::string PictureText(const std::string& png, bool texels) {
+  const auto page = ReadPng({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
+  if (!page || !page.Picture) return "no picture\n";
+  const Image& image = *page.Picture;
+  std::ostringstream text;
+  unsigned long sum = 1;
+  for (const std::uint8_t value : image.Values)
+    sum = (sum * 31 + value) % 1000003;
+  text << image.Width << " x " << image.Height << ", sum " << sum << std::hex << std::setfill('0');
+  const auto width = static_cast<std::size_t>(image.Width);
+  for (std::size_t i = 0; texels && i < image.Values.size() / 4; ++i) {
+    if (i / width % 4 != 0 || i % 4 != 0) continue;
+    text << (i % width == 0 ? "\n" : " ");
+    for (std::size_t channel = 0; channel < 3; ++channel)
+      text << std::setw(2) << int{image.Values[4 * i + channel]};
+  }
+  return text.str() + "\n";
+}
+
+/// A level of one of everything.
+class Golden : public testing::TestWithParam<const char*> {
+ protected:
+  Golden() {
+    const Blob hills = MadeBmp(4, 3, 16, {}, Blob{0, 128, 0, 144, 0,   128, 0, 96, 0,   160, 0, 128,
+                                                  0, 128, 0, 128, 255, 127, 0, 0,  255, 255, 0, 128});
+    library_.Write("golden_hills.bmp", std::string(hills.begin(), hills.end()));
+    const fs::path data = QUARVEL_TEST_DATA_DIR;
+    level_ = Name() == "rooms" ? Rooms() : ReadFile(data / "golden" / (Name() + ".t3d"));
+    if (Name() == "first") level_ += ReadFile(data / "golden.t3d");
+    settings_ = Everything(library_.Path());
+  }
+
+  std::string Name() const { return GetParam(); }
+
+  Converted Make(const std::string& options) const { return MakeIn(TemporaryFolder(), options); }
+  Converted MakeIn(const TemporaryFolder& folder, const std::string& options) const {
+    ConversionSettings settings = settings_;
+    SetOptions(options, settings);
+    Converted converted = ConvertIn(folder, level_, settings);
+    EXPECT_EQ(converted.Result.Outcome, RunOutcome::Done) << options << ": " << converted.Result.Error;
+    return converted;
+  }
+
+  TemporaryFolder library_;
+  std::string level_;
+  ConversionSettings settings_;
+};
+
+TEST_P(Golden, ScenesStayAsTheyAre) {
+  const Converted plain = Make(""), classic = Make("OptionFlux=-1");
+  const Converted conforming = Make("CheckConforming=1"), both = Make("CheckConforming=1 OptionFlux=-1");
+  ExpectKept(Name() + ".wrl", plain.Text);
+  ExpectKept(Name() + ".x3d", plain.Document);
+  ExpectKept(Name() + ".x3dv.diff", Difference(plain.Text, classic.Text));
+  ExpectKept(Name() + "-conforming.wrl.diff", Difference(plain.Text, conforming.Text));
+  ExpectKept(Name() + "-conforming.x3d.diff", Difference(plain.Document, conforming.Document));
+  ExpectKept(Name() + "-conforming.x3dv.diff", Difference(conforming.Text, both.Text));
+  EXPECT_EQ(classic.Document, plain.Document);
+  EXPECT_EQ(both.Document, conforming.Document);
+}
+
+TEST_P(Golden, OptionsChangeWhatTheyAreFor) {
+  const Converted plain = Make("");
+  std::string changes;
+  for (const char* set : sceneOptions) {
+    const TemporaryFolder folder;
+    const std::string_view options = set;
+    if (Name() == "first" && (options.starts_with("CheckCarve") || options.starts_with("CheckMerge"))) continue;
+    if (Name() == "rooms" && options.starts_with("OptionIFSs")) continue;
+    const Converted changed = MakeIn(folder, set);
+    const std::string text = Difference(plain.Text, changed.Text),
+                      document = Difference(plain.Document, changed.Document);
+    if (text + document == "") continue;
+    changes += std::string(set) + "\ntext\n" + text + "document\n" + document;
+    for (const fs::path& file : changed.Result.FilesWritten)
+      if (file.filename().string().find("Light") != std::string::npos)
+        changes += file.filename().string() + " " + PictureText(ReadFile(file), true);
+  }
+  ExpectKept(Name() + "-options.diff", changes);
+}
+
+/// Everything that is told, and everything that is written.
+TEST_P(Golden, ReportsStayAsTheyAre) {
+  const TemporaryFolder folder;
+  const std::string carving = Name() == "rooms" ? " CheckCarve=1" : "";
+  RunResult result = MakeIn(folder, "CheckMakePreloadScript=1 CheckXMLtoo=1 CheckSkyZone=1" + carving).Result;
+  result.Seconds = 0;
+  std::ostringstream summary;
+  WriteSummary(summary, result, true);
+  result.Bounds = InitBounds(); // in its shortest form in the summary
+  std::string told = summary.str() + ReportAsJson({result}) + "\n";
+  const std::string place = folder.Path().string() + "/";
+  for (std::size_t at = told.find(place); at != told.npos; at = told.find(place, at))
+    told.erase(at, place.size());
+  std::set<std::string> files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder.Path()))
+    files.insert(fs::relative(entry.path(), folder.Path()).string());
+  for (const std::string& file : files) {
+    told += file + "\n";
+    if (file.ends_with("Textures.txt") || file.ends_with(".js")) told += folder.Read(file);
+    if (file.ends_with(".png")) told += PictureText(folder.Read(file), false);
+  }
+  ExpectKept(Name() + ".txt", told);
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, Golden, testing::Values("first", "second", "rooms"),
+                         [](const auto& level) { return std::string(level.param); });
+
+} // namespace
+} // namespace quarvel::test
