@@ -236,7 +236,7 @@ TEST_P(Golden, ReportsStayAsTheyAre) {
   CarvingResult& carved = result.Carving;
   carved.PrepareSeconds = carved.CarveSeconds = carved.WeldSeconds = carved.WriteSeconds = 0;
   std::ostringstream summary;
-  WriteSummary(summary, result, true);
+  WriteSummary(summary, result, SummaryLength::Full);
   result.Bounds = InitBounds(); // in its shortest form in the summary
   std::string told = summary.str() + ReportAsJson({result}) + "\n";
   const std::string place = folder.Path().string() + "/";
