@@ -1,9 +1,9 @@
 #include "bench/made_level.h"
 
+#include "bench/t3d_text.h"
+
 #include <array>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 #include <numbers>
 #include <random>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<const char*, 8> textures{"brick", "cobble", "crate", "Harbour.Walls.plaster",
                                               "sand",  "grass",  "metal", "Harbour.Walls.quay"};
 
-class LevelWriter {
+class LevelWriter : public T3DText {
  public:
   void Brush(int number) {
     const bool moves = number % 40 == 7;
@@ -56,18 +56,7 @@ class LevelWriter {
     Line("End Actor");
   }
 
-  std::string Text = "Begin Map\r\n";
-
  private:
-  [[gnu::format(printf, 2, 3)]] void Line(const char* format, ...) {
-    char line[256];
-    va_list values;
-    va_start(values, format);
-    Text.append(line, static_cast<std::size_t>(std::vsnprintf(line, sizeof line, format, values)));
-    va_end(values);
-    Text += "\r\n";
-  }
-
   // The standard fixes what the engine yields, but not what its distributions make of it.
   double Between(double low, double high) { return low + (high - low) * (random_() % 4096) / 4096; }
 

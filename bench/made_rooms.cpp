@@ -1,9 +1,9 @@
 #include "bench/made_rooms.h"
 
+#include "bench/t3d_text.h"
+
 #include <array>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 #include <numbers>
 #include <random>
 
@@ -73,21 +73,11 @@ class RoomBuilder {
   std::minstd_rand random_;
 };
 
-class TextWriter {
+class TextWriter : public T3DText {
  public:
-  [[gnu::format(printf, 2, 3)]] void Line(const char* format, ...) {
-    char line[256];
-    va_list values;
-    va_start(values, format);
-    Text.append(line, static_cast<std::size_t>(std::vsnprintf(line, sizeof line, format, values)));
-    va_end(values);
-    Text += "\r\n";
-  }
   void Triple(const char* key, const Vector3& v) {
     Line("             %-8s %+013.6f,%+013.6f,%+013.6f", key, v.X, v.Y, v.Z);
   }
-
-  std::string Text = "Begin Map\r\n";
 };
 
 void WritePolygon(TextWriter& text, const CsgPolygon& polygon, int number) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 #include <tuple>
 
@@ -18,7 +19,7 @@ class PointGrid {
  public:
   PointGrid(double distance, std::size_t points)
       : distance_(distance), cellSize_(std::max(distance * 32, 1e-6)), first_(std::bit_ceil(points / 2 + 1), none) {
-    kept.reserve(points / 2);
+    Kept.reserve(points / 2);
     next_.reserve(points / 2);
   }
 
@@ -34,14 +35,14 @@ class PointGrid {
       if (place != own) found = FindIn(place, point);
     }
     if (found != none) return found;
-    const auto number = static_cast<std::uint32_t>(kept.size());
-    kept.push_back(point);
+    const auto number = static_cast<std::uint32_t>(Kept.size());
+    Kept.push_back(point);
     next_.push_back(first_[own]);
     first_[own] = number;
     return number;
   }
 
-  std::vector<Vector3> kept;
+  std::vector<Vector3> Kept;
 
  private:
   static constexpr std::uint32_t none = 0xffffffff;
@@ -58,7 +59,7 @@ class PointGrid {
 
   std::uint32_t FindIn(std::size_t place, const Vector3& point) const {
     for (std::uint32_t number = first_[place]; number != none; number = next_[number])
-      if (const Vector3 apart = SubtractVector(kept[number], point); DotProduct(apart, apart) <= distance_ * distance_)
+      if (const Vector3 apart = SubtractVector(Kept[number], point); DotProduct(apart, apart) <= distance_ * distance_)
         return number;
     return none;
   }
@@ -219,40 +220,58 @@ void RemoveSpikes(std::vector<std::uint32_t>& corners) {
   if (corners.size() < 3) corners.clear();
 }
 
-void SplitEdges(PolygonMesh& mesh, double distance, std::size_t enclosing) {
-  const std::vector<EdgeUse> uses = ListEdges(mesh, [](std::size_t) { return true; });
-  // Two polygons that share an edge have no need of a corner on it. The corners that are needed end an edge that is not
-  // shared.
+/// Whether two polygons share an edge, so that neither has a need of a corner on it. `first` and `end` are its uses, in
+/// the order of the corners; the polygons that enclose the empty space share edges only among themselves.
+bool IsShared(const PolygonMesh& mesh, const std::vector<EdgeUse>& uses, std::size_t first, std::size_t end,
+              std::size_t enclosing) {
   const std::uint32_t enclosingEnd = mesh.Starts[enclosing];
-  const auto isShared = [&](std::size_t first, std::size_t end) {
-    std::size_t counted = first; // uses are in the order of the corners
-    while (counted < end && uses[counted].Corner < enclosingEnd)
-      ++counted;
-    if (counted == first) counted = end;
-    return counted - first == 2 && BalanceOf(mesh, uses, first, counted) == 0;
-  };
-  std::vector<bool> endsEdge(mesh.Points.size());
+  std::size_t counted = first;
+  while (counted < end && uses[counted].Corner < enclosingEnd)
+    ++counted;
+  if (counted == first) counted = end;
+  return counted - first == 2 && BalanceOf(mesh, uses, first, counted) == 0;
+}
+
+/// The corners that other edges may need: those that end an edge that is not shared.
+template <typename Shared>
+std::vector<std::uint32_t> EndsOfOtherEdges(std::size_t points, const std::vector<EdgeUse>& uses, Shared isShared) {
+  std::vector<bool> endsEdge(points);
   ForEachEdge(uses, [&](std::size_t first, std::size_t end) {
     if (!isShared(first, end)) endsEdge[uses[first].Low()] = endsEdge[uses[first].High()] = true;
   });
   std::vector<std::uint32_t> ends;
   for (std::uint32_t point = 0; point < endsEdge.size(); ++point)
     if (endsEdge[point]) ends.push_back(point);
-  const EdgeSplitter splitter(mesh.Points, std::move(ends), distance);
+  return ends;
+}
 
-  std::vector<std::uint32_t> between, firstOf(mesh.Corners.size()), endOf(mesh.Corners.size());
+/// The points that the edges of a mesh get between their ends, from the end of the lower number on.
+struct AddedPoints {
+  std::vector<std::uint32_t> Points;
+  std::vector<std::uint32_t> First, End; ///< by the corner that the edge begins at
+};
+
+template <typename Shared>
+AddedPoints PointsOnEdges(const PolygonMesh& mesh, const std::vector<EdgeUse>& uses, const EdgeSplitter& splitter,
+                          Shared isShared) {
+  AddedPoints added;
+  added.First.resize(mesh.Corners.size());
+  added.End.resize(mesh.Corners.size());
   ForEachEdge(uses, [&](std::size_t first, std::size_t end) {
     if (isShared(first, end)) return;
-    const auto start = static_cast<std::uint32_t>(between.size());
-    splitter.Split(uses[first].Low(), uses[first].High(), between);
+    const auto start = static_cast<std::uint32_t>(added.Points.size());
+    splitter.Split(uses[first].Low(), uses[first].High(), added.Points);
     for (std::size_t i = first; i < end; ++i) {
-      firstOf[uses[i].Corner] = start;
-      endOf[uses[i].Corner] = static_cast<std::uint32_t>(between.size());
+      added.First[uses[i].Corner] = start;
+      added.End[uses[i].Corner] = static_cast<std::uint32_t>(added.Points.size());
     }
   });
+  return added;
+}
 
+void AddPoints(PolygonMesh& mesh, const AddedPoints& added) {
   PolygonMesh split;
-  split.Corners.reserve(mesh.Corners.size() + between.size());
+  split.Corners.reserve(mesh.Corners.size() + added.Points.size());
   split.Starts.reserve(mesh.Starts.size());
   std::vector<std::uint32_t> corners;
   for (std::size_t polygon = 0; polygon < mesh.Count(); ++polygon) {
@@ -260,7 +279,7 @@ void SplitEdges(PolygonMesh& mesh, double distance, std::size_t enclosing) {
     for (std::uint32_t at = mesh.Starts[polygon]; at < mesh.Starts[polygon + 1]; ++at) {
       const std::uint32_t next = at + 1 == mesh.Starts[polygon + 1] ? mesh.Starts[polygon] : at + 1;
       corners.push_back(mesh.Corners[at]);
-      const auto begin = between.begin() + firstOf[at], end = between.begin() + endOf[at];
+      const auto begin = added.Points.begin() + added.First[at], end = added.Points.begin() + added.End[at];
       if (mesh.Corners[at] < mesh.Corners[next])
         corners.insert(corners.end(), begin, end);
       else
@@ -274,6 +293,13 @@ void SplitEdges(PolygonMesh& mesh, double distance, std::size_t enclosing) {
   mesh.Starts = std::move(split.Starts);
 }
 
+void SplitEdges(PolygonMesh& mesh, double distance, std::size_t enclosing) {
+  const std::vector<EdgeUse> uses = ListEdges(mesh, [](std::size_t) { return true; });
+  const auto isShared = [&](std::size_t first, std::size_t end) { return IsShared(mesh, uses, first, end, enclosing); };
+  const EdgeSplitter splitter(mesh.Points, EndsOfOtherEdges(mesh.Points.size(), uses, isShared), distance);
+  AddPoints(mesh, PointsOnEdges(mesh, uses, splitter, isShared));
+}
+
 } // namespace
 
 void UnitePoints(PolygonMesh& mesh, double distance) {
@@ -284,7 +310,7 @@ void UnitePoints(PolygonMesh& mesh, double distance) {
     newNumber.push_back(grid.Keep(point));
   for (std::uint32_t& corner : mesh.Corners)
     corner = newNumber[corner];
-  mesh.Points = std::move(grid.kept);
+  mesh.Points = std::move(grid.Kept);
 }
 
 void WeldMesh(PolygonMesh& mesh, double distance, std::size_t enclosing) {

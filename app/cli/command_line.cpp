@@ -4,9 +4,9 @@
 #include "app/cli/option_list.h"
 #include "app/cli/package_commands.h"
 #include "base/ascii_text.h"
-#include "base/file_identity.h"
 #include "base/file_name.h"
 #include "base/level_text.h"
+#include "base/output_file.h"
 #include "core/run_report.h"
 #include "core/run_summary.h"
 #include "settings/ini_store.h"
@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 namespace quarvel {
@@ -224,16 +223,10 @@ ExitCode ComplainOfUsage(const Console& console, const std::string& error, const
   return ExitCode::Usage;
 }
 
-/// Half a report is worse than none. Returns why it could not be written.
+/// Returns why it could not be written.
 std::string WriteReport(const std::filesystem::path& path, const std::vector<RunResult>& results) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << ReportAsJson(results);
-  file.close();
-  if (file) return {};
-  const std::string reason = SystemReason();
-  std::error_code error;
-  std::filesystem::remove(path, error);
-  return path.string() + " cannot be written: " + reason;
+  const std::string reason = WriteWholeFile(path, ReportAsJson(results), AtLink::Follow);
+  return reason.empty() ? reason : path.string() + " cannot be written: " + reason;
 }
 
 void OpenPages(const std::vector<RunResult>& results, const Console& console) {
