@@ -29,16 +29,14 @@ bool IsListOfFiles(std::string_view input);
 
 /// Turns what the user typed into files, in the order in which they are converted. An input is
 /// - a file name;
-/// - a pattern with ? or *, which stands for all files of that name in its folder and the folders below, in the order
-/// of
-///   their paths;
-/// - a list "folder,first.t3d,second.t3d", of which empty items are skipped. (A file whose own name has a comma is a
-/// file.)
+/// - a pattern with ? or *, which stands for all files of that name in its folder and below, in the order of their
+/// paths;
+/// - a list "folder,first.t3d,second.t3d", of which empty items are skipped; a file of that name is a file.
 /// "/" and "\" both separate folders. An empty `output` means each input's name with ".wrl" beside it. One file name is
 /// converted to `output` as it stands; in all other cases only the folder of `output` counts, or `output` itself where
 /// it is a folder. Jobs that would overwrite an input or the scenes of an earlier job are refused, and so is a pattern
-/// that matches nothing. Of a level that is there as text (.t3d) and as the game's own file (.unr), in one
-/// folder, the text is converted. Once `stop` is true, no more files are looked for.
+/// that matches nothing. Of a level that is there as text (.t3d) and as the game's own file (.unr), in one folder, the
+/// text is converted. Once `stop` is true, no more files are looked for.
 std::vector<ConversionJob> ListJobs(const std::vector<std::string>& inputs, const std::string& output,
                                     const ConversionSettings& settings, const std::function<bool()>& stop = {});
 

@@ -74,8 +74,9 @@ std::vector<std::filesystem::path> ScenesOf(const std::filesystem::path& outFile
 /// Where a run writes the script that preloads the images.
 std::filesystem::path PreloadScriptName(const std::filesystem::path& outFile);
 
-/// Converts one T3D file into one scene. The settings are saved to `store` first. Nothing is thrown: what goes wrong is
-/// in the result. An empty `inFile` does nothing.
+/// Converts one level, text or the game's own file, into its scenes, and the page where the settings ask for it. The
+/// settings are saved to `store` first. Nothing is thrown: what goes wrong is in the result. An empty `inFile` does
+/// nothing.
 RunResult ConvertFile(const std::filesystem::path& inFile, const std::filesystem::path& outFile,
                       const ConversionSettings& settings, SettingsStore& store, RunMemory& memory, RunInterface& user);
 

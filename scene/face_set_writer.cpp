@@ -41,14 +41,8 @@ ColorLists OneColor(const FaceSet& set, const char* color) {
 }
 
 void WriteColorList(SceneNode& geometry, const char* type, const ColorLists& lists, SceneScope scope) {
-  SceneWriter& scene = geometry.Writer();
-  scene.OneListNode("        color ", type, {}, "color", lists.Colors, scope);
-  if (scope != SceneScope::Document) {
-    scene.Line("        colorIndex [");
-    scene.Line("          ", lists.Indices);
-    scene.Line("        ]");
-  }
-  if (scope != SceneScope::Text) geometry.Attribute("colorIndex", lists.Indices);
+  geometry.Writer().OneListNode("        color ", type, {}, "color", lists.Colors, scope);
+  geometry.List("        colorIndex", lists.Indices, scope);
 }
 
 /// Without a Material, colours carry the light that a light map does not, and transparency: VRML97 has no light maps,

@@ -100,15 +100,23 @@ void SceneNode::List(const char* line, const std::string& values, ListLayout lay
   List(line, PerScene{values, values}, layout);
 }
 
+void SceneNode::TextList(const char* line, std::string_view values, ListLayout layout) {
+  if (!InText()) return;
+  if (layout != ListLayout::Lines)
+    return writer_->Line(line, " [", values, layout == ListLayout::OneLinePadded ? " ]" : "]");
+  const std::string_view indent(line, static_cast<std::size_t>(FieldName(line) - line));
+  writer_->Line(line, " [");
+  writer_->Line(indent, "  ", values);
+  writer_->Line(indent, "]");
+}
+
+void SceneNode::List(const char* line, const std::string& values, SceneScope scope) {
+  if (scope != SceneScope::Document) TextList(line, values, ListLayout::Lines);
+  if (scope != SceneScope::Text) AddAttribute(Element(), FieldName(line), values);
+}
+
 void SceneNode::List(const char* line, const PerScene& values, ListLayout layout) {
-  if (InText() && layout == ListLayout::Lines) {
-    const std::string_view indent(line, static_cast<std::size_t>(FieldName(line) - line));
-    writer_->Line(line, " [");
-    writer_->Line(indent, "  ", values.InText);
-    writer_->Line(indent, "]");
-  } else if (InText()) {
-    writer_->Line(line, " [", values.InText, layout == ListLayout::OneLinePadded ? " ]" : "]");
-  }
+  TextList(line, values.InText, layout);
   AddAttribute(Element(), FieldName(line), std::string(values.InDocument));
 }
 

@@ -80,6 +80,7 @@ class SceneNode {
   void Strings(const char* line, const PerScene& value, Brackets brackets = Brackets::None);
   void List(const char* line, const std::string& values, ListLayout layout = ListLayout::Lines);
   void List(const char* line, const PerScene& values, ListLayout layout);
+  void List(const char* line, const std::string& values, SceneScope scope);
   /// The `url` of a Script with its code, a line of it each; `indent` and `closingIndent` stand before the text's first
   /// and last line.
   void Code(const std::vector<std::string>& lines, std::string_view indent, std::string_view closingIndent);
@@ -100,6 +101,7 @@ class SceneNode {
  private:
   friend class SceneWriter;
   SceneNode(SceneWriter& writer, std::size_t depth);
+  void TextList(const char* line, std::string_view values, ListLayout layout);
   bool InText() const;
   pugi::xml_node Element() const;
 

@@ -24,8 +24,8 @@ struct DestinationOptions {
   std::string DestPrependPath; ///< put in front of every reference
 };
 
-/// Every option of a run. A field bears the name of the control that holds it; the table of options
-/// (core/option_table.h) gives each its kind, default, help text, range and place in the settings file.
+/// Every option of a run, with its default. A field bears the name of the control that holds it; the table of options
+/// (settings/option_table.h) gives each its kind, help text, range and place in the settings file.
 struct ConversionSettings {
   // Files
   std::string ComboInFileName;
