@@ -161,17 +161,29 @@ std::vector<OpenEdge> FindOpenEdges(const CarvedLevel& level) {
   return FindOpenEdges(level.Mesh, [&](std::size_t face) { return level.Faces[face].IsStructural; });
 }
 
-/// Takes out the faces that welding left without corners.
-void RemoveEmptyFaces(CarvedLevel& level) {
+/// Takes out the faces for which `goes` is true.
+void RemoveFaces(CarvedLevel& level, const std::vector<bool>& goes) {
   std::vector<CarvedFace> faces;
-  std::vector<std::uint32_t> starts{0};
+  PolygonMesh& mesh = level.Mesh;
+  std::vector<std::uint32_t> corners, starts{0};
   for (std::size_t i = 0; i < level.Faces.size(); ++i) {
-    if (level.Mesh.CornersOf(i).empty()) continue;
+    if (goes[i]) continue;
     faces.push_back(level.Faces[i]);
-    starts.push_back(level.Mesh.Starts[i + 1]);
+    corners.insert(corners.end(), mesh.CornersOf(i).begin(), mesh.CornersOf(i).end());
+    starts.push_back(static_cast<std::uint32_t>(corners.size()));
   }
   level.Faces = std::move(faces);
-  level.Mesh.Starts = std::move(starts);
+  mesh.Corners = std::move(corners);
+  mesh.Starts = std::move(starts);
+}
+
+/// Takes out the faces that welding left without corners.
+void RemoveEmptyFaces(CarvedLevel& level) {
+  std::vector<bool> empty(level.Faces.size());
+  bool found = false;
+  for (std::size_t i = 0; i < empty.size(); ++i)
+    if (level.Mesh.CornersOf(i).empty()) empty[i] = found = true;
+  if (found) RemoveFaces(level, empty);
 }
 
 std::size_t CountStructural(const CarvedLevel& level) {
@@ -196,11 +208,46 @@ void CloseNarrowGaps(CarvedLevel& level) {
   RemoveEmptyFaces(level);
 }
 
+/// True for a face that welding left with hardly a width.
+bool IsSliver(const PolygonMesh& mesh, std::span<const std::uint32_t> corners) {
+  const Vector3 start = mesh.Points[corners.front()];
+  Vector3 along;
+  double length = 0;
+  for (const std::uint32_t corner : corners) {
+    const Vector3 offset = SubtractVector(mesh.Points[corner], start);
+    if (const double distance = VectorLength(offset); distance > length) {
+      length = distance;
+      along = offset;
+    }
+  }
+  return std::all_of(corners.begin(), corners.end(), [&](std::uint32_t corner) {
+    const Vector3 offset = SubtractVector(mesh.Points[corner], start);
+    return VectorLength(CrossProduct(offset, along)) <= WeldDistance / 2 * length;
+  });
+}
+
+/// Takes out faces without a width: viewers drop them, and where their two sides have different corners, that leaves a
+/// crack. Without them the neighbours get each other's corners.
+void RemoveSlivers(CarvedLevel& level) {
+  std::vector<bool> sliver(level.Faces.size());
+  bool found = false;
+  for (std::size_t i = 0; i < sliver.size(); ++i)
+    if (IsSliver(level.Mesh, level.Mesh.CornersOf(i))) sliver[i] = found = true;
+  if (!found) return;
+  CarvedLevel without = level;
+  RemoveFaces(without, sliver);
+  WeldMesh(without.Mesh, WeldDistance, CountStructural(without));
+  RemoveEmptyFaces(without);
+  without.OpenEdges = FindOpenEdges(without);
+  if (without.OpenEdges.size() <= level.OpenEdges.size()) level = std::move(without);
+}
+
 /// Welds the faces, and closes what the tolerance left open.
 void CloseSurfaces(CarvedLevel& level) {
   WeldMesh(level.Mesh, WeldDistance, CountStructural(level));
   RemoveEmptyFaces(level);
   level.OpenEdges = FindOpenEdges(level);
+  RemoveSlivers(level);
   if (level.OpenEdges.empty()) return;
   CarvedLevel closed = level;
   CloseNarrowGaps(closed);

@@ -21,26 +21,6 @@ Matrix4 ExchangeYZ() {
   return m;
 }
 
-/// True when the polygon runs straight on at a corner, as where a neighbour's corner lies on its edge.
-bool RunsStraight(const std::vector<Vector3>& points, std::size_t at) {
-  const std::size_t count = points.size();
-  const Vector3 &before = points[(at + count - 1) % count], &after = points[(at + 1) % count];
-  const Vector3 along = SubtractVector(after, before);
-  const Vector3 across = CrossProduct(SubtractVector(points[at], before), along);
-  return VectorLength(across) <= 2 * WeldDistance * VectorLength(along);
-}
-
-/// Begins the polygon where its first and last triangle have an area: viewers cut polygons like a fan, and take the
-/// normal from the first three corners.
-void BeginWithProperCorner(std::vector<Vector3>& points) {
-  for (std::size_t start = 0; start < points.size(); ++start) {
-    const std::size_t next = (start + 1) % points.size(), last = (start + points.size() - 1) % points.size();
-    if (RunsStraight(points, next) || RunsStraight(points, last)) continue;
-    std::rotate(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(start), points.end());
-    return;
-  }
-}
-
 bool IsPassable(std::uint32_t flags, const ConversionSettings& settings) {
   if (flags & (SurfaceNonSolid | SurfacePortal)) return true;
   const bool staysSolid = settings.CheckTranslucentSolid && (flags & SurfaceTranslucent);
@@ -136,9 +116,7 @@ std::vector<LevelSurface> MakeSurfaces(SceneContext& context, std::span<const Le
   SurfaceMaker maker(context, brushes);
   for (std::size_t i = 0; i < level.Faces.size(); ++i) {
     const CarvedFace& face = level.Faces[i];
-    std::vector<Vector3> points = PointsOf(level.Mesh, i);
-    BeginWithProperCorner(points);
-    maker.Add(face.Brush, face.Polygon, face.Plane.Normal, std::move(points));
+    maker.Add(face.Brush, face.Polygon, face.Plane.Normal, PointsOf(level.Mesh, i));
   }
   return std::move(maker.Surfaces);
 }

@@ -1,6 +1,7 @@
 #include "scene/merged_level.h"
 
 #include "scene/face_set_writer.h"
+#include "scene/fan_order.h"
 
 #include <algorithm>
 #include <bit>
@@ -91,16 +92,21 @@ FaceSet IndexSurfaces(const SurfaceGroup& group, const SceneSpace& space) {
   set.TextureNumber = group.Surfaces.front()->TextureNumber;
   set.Flags = group.Surfaces.front()->Flags;
   set.LightPage = group.Surfaces.front()->LightPage;
-  for (const LevelSurface* surface : group.Surfaces) {
+  const auto addFace = [&](const LevelSurface& surface, const std::vector<std::size_t>& corners) {
     std::vector<int>& face = set.Faces.emplace_back();
     std::vector<int>& textureFace = set.TextureFaces.emplace_back();
-    for (std::size_t i = 0; i < surface->Points.size(); ++i) {
-      face.push_back(points.NumberOf(space.Position(surface->Points[i])));
-      const TexturePoint light = surface->LightPoints.empty() ? TexturePoint() : surface->LightPoints[i];
-      textureFace.push_back(onSurface.NumberOf({surface->TexturePoints[i], light}));
+    std::vector<Vector3> colors;
+    for (const std::size_t i : corners) {
+      face.push_back(points.NumberOf(space.Position(surface.Points[i])));
+      const TexturePoint light = surface.LightPoints.empty() ? TexturePoint() : surface.LightPoints[i];
+      textureFace.push_back(onSurface.NumberOf({surface.TexturePoints[i], light}));
+      if (!surface.Colors.empty()) colors.push_back(surface.Colors[i]);
     }
-    if (!surface->Colors.empty()) set.FaceColors.push_back(surface->Colors);
-  }
+    if (!colors.empty()) set.FaceColors.push_back(std::move(colors));
+  };
+  for (const LevelSurface* surface : group.Surfaces)
+    for (const std::vector<std::size_t>& corners : FansOf(surface->Points))
+      addFace(*surface, corners);
   set.Points = std::move(points.Values);
   for (const SurfacePoint& point : onSurface.Values) {
     set.TexturePoints.push_back(point.Texture);
