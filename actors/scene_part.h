@@ -5,6 +5,7 @@
 #include "t3d/text_reader.h"
 
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -19,10 +20,11 @@ struct ScenePart {
   };
 
   Kind Kept = Kind::Everything;
-  Vector3 Origin; ///< Unreal units; the scene's zero
+  Vector3 Origin;                             ///< Unreal units; the scene's zero
+  std::set<const ActorBlock*> AlsoInSky = {}; ///< though their pivots stand elsewhere
 
-  bool Shows(const ActorHeader& header) const {
-    return Kept == Kind::Everything || header.IsSkyZone == (Kept == Kind::Sky);
+  bool Shows(const ActorHeader& header, const ActorBlock& actor) const {
+    return Kept == Kind::Everything || (header.IsSkyZone || AlsoInSky.contains(&actor)) == (Kept == Kind::Sky);
   }
 };
 
@@ -32,7 +34,7 @@ template <typename Read>
 auto ReadShown(const ScenePart& part, const T3DLevel& level, const ActorBlock& actor, Read read) {
   auto record = read(level, actor);
   using Shown = std::optional<decltype(record)>;
-  if (!part.Shows(record.Header)) return Shown();
+  if (!part.Shows(record.Header, actor)) return Shown();
   if constexpr (requires { record.BasePos; }) record.BasePos = SubtractVector(record.BasePos, part.Origin);
   if constexpr (requires { record.Location; }) record.Location = SubtractVector(record.Location, part.Origin);
   return Shown(std::move(record));

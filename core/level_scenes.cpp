@@ -88,13 +88,14 @@ void WriteScene(SceneRun& run, const SceneFileNames& files, SceneOutputs& output
 
 void WriteAll(const LevelRun& run, const SceneFileNames& files, const ConversionSettings& settings,
               const std::optional<SkyScene>& sky, SceneOutputs& outputs, RunResult& result) {
-  const ScenePart shown{sky ? ScenePart::Kind::World : ScenePart::Kind::Everything, {}};
+  ScenePart shown;
+  if (sky) shown = {ScenePart::Kind::World, {}, sky->Brushes};
   const SkyZoneRecord* inlined = sky ? &sky->Zone : nullptr;
   SceneRun world = BeginScene(run, files, settings, shown, inlined, outputs, result.Scene);
   WriteScene(world, files, outputs, result.Scene, result);
   result.Bounds = world.Bounds;
   if (!sky) return;
-  const ScenePart skyPart{ScenePart::Kind::Sky, sky->Zone.Location};
+  const ScenePart skyPart{ScenePart::Kind::Sky, sky->Zone.Location, sky->Brushes};
   SceneRun above = BeginScene(run, sky->Files, sky->Settings, skyPart, nullptr, outputs, result.SkyScene);
   above.ActorsDone = world.ActorsDone; // what is done never becomes less
   WriteScene(above, sky->Files, outputs, result.SkyScene, result);

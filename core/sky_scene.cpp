@@ -2,6 +2,7 @@
 
 #include "actors/world.h"
 #include "base/ascii_text.h"
+#include "core/sky_brushes.h"
 
 namespace quarvel {
 
@@ -37,6 +38,7 @@ std::optional<SkyScene> PlanSkyScene(const T3DLevel& level, const SceneFileNames
     return std::nullopt;
   }
   sky.Settings = SkySettings(settings);
+  if (settings.CheckCarve) sky.Brushes = FindSkyBrushes(level, sky.Zone.Location);
   return sky;
 }
 

@@ -6,14 +6,16 @@
 
 #include <filesystem>
 #include <optional>
+#include <set>
 
 namespace quarvel {
 
 /// The sky zone of a level as a scene of its own, which the level's scene inlines.
 struct SkyScene {
   SkyZoneRecord Zone;
-  SceneFileNames Files;        ///< beside the level's
-  ConversionSettings Settings; ///< the run's, but the text scene is VRML97, as the level's scene expects it
+  SceneFileNames Files;                ///< beside the level's
+  ConversionSettings Settings;         ///< the run's, but the text scene is VRML97, as the level's scene expects it
+  std::set<const ActorBlock*> Brushes; ///< where the level is carved: those that it does not tell to be in the zone
 };
 
 /// The sky scene that a run is to write: with `CheckSkyZone`, for the first sky zone. None when it would take the place

@@ -144,6 +144,82 @@ TEST(Carving, MergesWithoutCarving) {
   EXPECT_FALSE(converted.Result.Carving.Done);
 }
 
+/// The triangles of all faces as a viewer makes them: a fan from the first corner, without those that have no area.
+/// Returns how many of their edges are not run through as often there as back.
+int OpenEdgesOfFans(const test::ReadScene& scene) {
+  std::map<std::pair<std::vector<double>, std::vector<double>>, int> balance;
+  for (const test::ReadNode& set : scene.Nodes) {
+    if (set.Type != "IndexedFaceSet") continue;
+    const std::vector<double> points = Numbers(scene.Find("C_" + set.Def.substr(2))->Fields.at("point"));
+    std::vector<std::vector<double>> face;
+    const auto at = [&](std::size_t i) { return Vector3{face[i][0], face[i][1], face[i][2]}; };
+    for (const double index : Numbers(set.Fields.at("coordIndex"))) {
+      const auto first = points.begin() + static_cast<std::ptrdiff_t>(index) * 3;
+      if (index >= 0) face.emplace_back(first, first + 3);
+      for (std::size_t i = 1; index < 0 && i + 1 < face.size(); ++i) {
+        if (AreaOfPolygon(std::vector{at(0), at(i), at(i + 1)}) < 1e-9) continue;
+        for (const auto& [from, to] : {std::pair(0UL, i), std::pair(i, i + 1), std::pair(i + 1, 0UL)}) {
+          const bool upward = face[from] < face[to];
+          balance[upward ? std::pair(face[from], face[to]) : std::pair(face[to], face[from])] += upward ? 1 : -1;
+        }
+      }
+      if (index < 0) face.clear();
+    }
+  }
+  return static_cast<int>(std::count_if(balance.begin(), balance.end(), [](const auto& edge) { return edge.second; }));
+}
+
+TEST(Carving, LeavesNoCrackBetweenAViewersTriangles) {
+  // Each wall has a niche down to the floor, whose corners are on the floor's side: two on every side.
+  const std::string niches =
+      BoxActor("N", test::SubtractBox({500, 2100, 0}, {600, 2200, 90}), " CsgOper=CSG_Subtract") +
+      BoxActor("E", test::SubtractBox({1050, 500, 0}, {1150, 600, 90}), " CsgOper=CSG_Subtract") +
+      BoxActor("S", test::SubtractBox({500, -100, 0}, {600, 0, 90}), " CsgOper=CSG_Subtract") +
+      BoxActor("W", test::SubtractBox({-100, 500, 0}, {0, 600, 90}), " CsgOper=CSG_Subtract");
+  const test::ReadScene scene =
+      test::ReadVrml(test::Convert("Begin Map\n" + room + niches + "End Map\n", Carving()).Text);
+  EXPECT_EQ(OpenEdgesOfFans(scene), 0);
+  EXPECT_NEAR(AreaOf(scene, "CarvedLevel0", Carving().TextScale),
+              2 * (1050 * 2100 + 3150 * 525) + 4 * 2 * (100 * 100 + 100 * 90), 1);
+}
+
+TEST(Carving, CarvesTheSkyOutOfItsOwnBrushes) {
+  // The pivot of the sky's room stands in the rock, as the editor leaves it, so that the level knows it in no zone.
+  const std::string sky = "Region=(Zone=SkyZoneInfo'L.Sky')\n", world = "Region=(Zone=LevelInfo'L.LevelInfo0')\n";
+  const std::string zone =
+      "Begin Actor Class=SkyZoneInfo Name=Sky\n Location=(X=5000,Y=5000,Z=5000)\n" + sky + "End Actor\n";
+  const std::string skyRoom =
+      BoxActor("SkyRoom", test::SubtractBox({4790, 4790, 4790}, {5210, 5210, 5210}), world + " CsgOper=CSG_Subtract");
+  const std::string moon =
+      BoxActor("Moon", test::AddBox({5000, 5000, 5105}, {5105, 5105, 5210}), sky + " CsgOper=CSG_Add", "crate");
+  const std::string hill =
+      BoxActor("Hill", test::AddBox({4790, 4790, 4790}, {4895, 4895, 4895}), world + " CsgOper=CSG_Add", "crate");
+  ConversionSettings settings = Carving();
+  settings.CheckSkyZone = true;
+  const TemporaryFolder folder;
+  const auto convert = [&](const std::string& more) {
+    return test::ConvertIn(folder, "Begin Map\n" + room + block + zone + skyRoom + moon + hill + more + "End Map\n",
+                           settings);
+  };
+  const test::Converted converted = convert("");
+  const test::ReadScene level = test::ReadVrml(converted.Text),
+                        above = test::ReadVrml(test::ReadFile(folder.Path() / "Sky.wrl"));
+  EXPECT_EQ(level.Faults, std::vector<std::string>());
+  EXPECT_EQ(above.Faults, std::vector<std::string>());
+  const double scale = settings.TextScale;
+  EXPECT_NEAR(AreaOf(level, "CarvedLevel0", scale), 2 * (1050 * 2100 + 3150 * 525) - 105 * 105, 1);
+  EXPECT_NEAR(AreaOf(above, "CarvedLevel0", scale), 6 * 420 * 420 - 4 * 105 * 105, 1)
+      << "moon and hill stand at its sides";
+  EXPECT_NEAR(AreaOf(above, "CarvedLevel1", scale), (5 + 3) * 105 * 105, 1);
+  EXPECT_TRUE(above.Find("C_CarvedLevel0")->Fields.at("point").find("-4.0") != std::string::npos) << "around the zone";
+  EXPECT_EQ(converted.Result.Carving.Subtracted, 2);
+  EXPECT_NEAR(converted.Result.Carving.EmptyVolume, 20 * 40 * 10 - 8 + 8 * 8 * 8 - 16, 1e-3);
+  EXPECT_FALSE(Found(converted.Result, FindingCode::NothingCarved));
+  // A room in which a visitor starts is more than a sky.
+  convert("Begin Actor Class=PlayerStart Name=P\n Location=(X=5000,Y=5000,Z=4900)\n" + world + "End Actor\n");
+  EXPECT_EQ(test::ReadVrml(test::ReadFile(folder.Path() / "Sky.wrl")).Find("C_CarvedLevel0"), nullptr);
+}
+
 TEST(Carving, CutsLargeShapesInPieces) {
   std::vector<LevelSurface> surfaces;
   for (int i = 0; i < 100; ++i) {
