@@ -31,6 +31,7 @@ Json OutputsOf(const RunResult& result) {
   AddFile(files, "skyDocumentScene", result.SkyScene.Document);
   AddFile(files, "preloadScript", result.PreloadFile);
   AddFile(files, "page", result.Page);
+  AddFile(files, "incomplete", result.Incomplete);
   Json lists = Json::array();
   for (const std::filesystem::path& list : result.MissingLists)
     lists.push_back(ToUtf8(list.string()));
@@ -79,6 +80,7 @@ Json ObjectOf(const RunResult& result) {
   object["input"] = ToUtf8(result.InputFile.string());
   object["outcome"] = OutcomeText(result.Outcome);
   if (!result.Error.empty()) object["error"] = ToUtf8(result.Error);
+  if (!result.FailedFiles.empty()) object["failedFiles"] = Texts(result.FailedFiles);
   object["seconds"] = result.Seconds;
   object["outputs"] = OutputsOf(result);
   object["counts"] = {{"brushes", result.Brushes}, {"faces", result.Faces}, {"materials", result.UniqueMaterials}};

@@ -19,6 +19,7 @@
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <new>
 
 namespace quarvel {
 
@@ -370,6 +371,8 @@ ExitCode RunCommandLine(int argc, const char* const* argv, const Console& consol
   if (parsed.Answer.empty()) return Run(parsed.Line, console, convert);
   console.Out << parsed.Answer;
   return ExitCode::Done;
+} catch (const std::bad_alloc&) {
+  return Complain(console, "there is not enough memory", ExitCode::Failed);
 } catch (const std::exception& problem) {
   return Complain(console, problem.what(), ExitCode::Failed);
 }

@@ -33,6 +33,18 @@ QStringList OtherMessages(const std::vector<RunResult>& results, const std::vect
   return others;
 }
 
+/// Why the level was not converted, or each file that is not beside its scenes.
+QString ErrorText(const RunResult& result) {
+  constexpr std::size_t shown = 12;
+  if (result.FailedFiles.empty()) return WithCaptions(ToQString(result.Error));
+  QStringList files{QStringLiteral("The scenes are written, but not all that belongs to them:")};
+  for (std::size_t i = 0; i < std::min(shown, result.FailedFiles.size()); ++i)
+    files.append(ToQString(result.FailedFiles[i]));
+  if (const std::size_t count = result.FailedFiles.size(); count > shown)
+    files.append(QStringLiteral("and %1 more, which the report names").arg(count - shown));
+  return files.join(u'\n');
+}
+
 QMessageBox* MakeBox(QMessageBox::Icon icon, const QString& text, QWidget* window) {
   auto* box = new QMessageBox(icon, QStringLiteral("Quarvel"), Wrappable(text), QMessageBox::Ok, window);
   box->setObjectName(QStringLiteral("FormMessage"));
@@ -47,8 +59,7 @@ AfterRun::AfterRun(DesktopServices& services, QWidget* window)
 
 void AfterRun::ShowAll(const std::vector<RunResult>& results, const std::vector<std::string>& more) {
   const bool isSingle = results.size() == 1;
-  if (isSingle && results.front().Outcome == RunOutcome::Failed)
-    ShowError(WithCaptions(ToQString(results.front().Error)));
+  if (isSingle && results.front().Outcome == RunOutcome::Failed) ShowError(ErrorText(results.front()));
   if (const QStringList others = OtherMessages(results, more); !others.isEmpty()) ShowWarning(others.join(u'\n'));
   const bool anyListed = std::any_of(results.begin(), results.end(), [](const RunResult& result) {
     return std::any_of(result.Messages.begin(), result.Messages.end(), IsAboutMissingFiles);
@@ -66,7 +77,7 @@ void AfterRun::ShowReport(const RunResult& result) {
 void AfterRun::ShowPreloadScript(const RunResult& result) { Enqueue(PreloadOf(result)); }
 
 void AfterRun::OpenFolder(const RunResult& result) {
-  const QString folder = QFileInfo(ToQString(result.Scene.Text)).absolutePath();
+  const QString folder = QFileInfo(ToQString(result.Page.empty() ? result.Scene.Text : result.Page)).absolutePath();
   Open(folder, QStringLiteral("The folder %1 cannot be opened").arg(folder));
 }
 

@@ -133,7 +133,10 @@ void FormMain::ShowOutcome(std::size_t jobs) {
     return Tell(ToQString(BatchHeadline(results_, jobs)) + SubtractiveText(), ToQString(BatchSummary(results_, jobs)));
   const RunResult& result = results_.back();
   if (result.Outcome == RunOutcome::Done) panel_->ShowPass(QStringLiteral("Done") + SubtractiveText());
-  if (result.Outcome == RunOutcome::Failed)
+  if (const std::size_t failed = result.FailedFiles.size(); failed > 0)
+    Tell(ToQString("Done, but " + CountText(failed, "file", "files") + " could not be written"),
+         ToQString(result.Error));
+  else if (result.Outcome == RunOutcome::Failed)
     Tell(QStringLiteral("Not converted"), WithCaptions(ToQString(result.Error)));
   if (result.Outcome == RunOutcome::Stopped)
     Tell(QStringLiteral("Stopped"), QStringLiteral("The scene is not complete."));

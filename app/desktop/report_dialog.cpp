@@ -26,7 +26,7 @@ QString FullSummary(const RunResult& result) {
 QString HeadText(const RunResult& result) {
   QString text = ToQString(ContentText(result)) + QStringLiteral(" in ") + ToQString(SecondsText(result.Seconds));
   if (!IsEmpty(result.Bounds)) text += QStringLiteral("\nBox: ") + ToQString(BoxText(result.Bounds));
-  return result.Error.empty() ? text : WithCaptions(ToQString(result.Error));
+  return result.Error.empty() || !result.FailedFiles.empty() ? text : WithCaptions(ToQString(result.Error));
 }
 
 } // namespace
@@ -63,13 +63,16 @@ ReportDialog::ReportDialog(const RunResult& result, QWidget* parent) : QDialog(p
 }
 
 void ReportDialog::FillIn(const RunResult& result) {
-  QStringList files, counts, messages;
+  QStringList failed, files, counts, messages;
+  for (const std::string& file : result.FailedFiles)
+    failed.append(ToQString(file));
   for (const std::string& message : result.Messages)
     messages.append(WithCaptions(ToQString(message)));
   for (const std::filesystem::path& file : result.FilesWritten)
     files.append(ToQString(file));
   for (const auto& [what, counted] : result.Findings.Counts())
     counts.append(WithCaptions(ToQString(what + ": " + std::to_string(counted.Count))));
+  if (!failed.isEmpty()) AddGroup(QStringLiteral("Files not written"), failed);
   if (!files.isEmpty()) AddGroup(QStringLiteral("Files written"), files);
   if (!messages.isEmpty()) AddGroup(QStringLiteral("Messages"), messages);
   if (!counts.isEmpty()) AddGroup(QStringLiteral("Left out"), counts);

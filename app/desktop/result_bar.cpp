@@ -41,13 +41,13 @@ ResultBar::ResultBar(QWidget* parent)
 
 void ResultBar::Show(const RunResult* result) {
   const std::size_t missing = result ? MissingCount(*result) : 0;
-  const bool hasFiles = result && !result->Scene.Text.empty();
+  const bool hasPage = result && !result->Page.empty();
+  const bool hasFiles = hasPage || (result && !result->Scene.Text.empty());
   missing_->setText(missing == 0 ? QStringLiteral("&Missing files...")
                                  : QStringLiteral("&Missing files (%1)...").arg(missing));
   missing_->setEnabled(missing > 0);
   report_->setEnabled(result && !result->InputFile.empty());
   preload_->setEnabled(result && !result->PreloadScript.empty());
-  const bool hasPage = result && !result->Page.empty();
   scene_->setText(hasPage ? QStringLiteral("Open page") : QStringLiteral("Open scene"));
   scene_->setToolTip(hasPage ? QStringLiteral("Open the page in the browser")
                              : QStringLiteral("Open the scene in the desktop's viewer"));

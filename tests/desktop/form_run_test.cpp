@@ -5,6 +5,7 @@
 
 #include <QClipboard>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QTreeWidget>
 #include <map>
@@ -299,6 +300,29 @@ TEST_F(FormRun, TheReportNamesActorsAndTheSceneCanBeOpened) {
   desktop_.CanOpen = false;
   Click("CommandOpenScene");
   EXPECT_NE(Dialog("FormMessage"), nullptr) << "nothing tells that there is no viewer";
+  CloseDialogs();
+}
+
+TEST_F(FormRun, EachFileThatCouldNotBeWrittenIsShown) {
+  form_->close();
+  folder_.Write("Quarvel.ini", "[Quarvel]\nTextureDestPathBehavior=1\n");
+  OpenForm();
+  UseSampleLibraries();
+  UseHarbour();
+  folder_.Write("out/textures", "a file where the folder should be");
+  Convert();
+  const std::vector<std::string>& failed = form_->Results().front().FailedFiles;
+  ASSERT_GE(failed.size(), 2U);
+  EXPECT_EQ(TextOf("LabelPos"), QStringLiteral("Done, but %1 files could not be written").arg(failed.size()));
+  auto* box = qobject_cast<QMessageBox*>(Dialog("FormMessage"));
+  ASSERT_NE(box, nullptr);
+  const QString told = box->text().remove(QChar(0x200B));
+  EXPECT_TRUE(told.contains(ToQString(failed[0])) && told.contains(ToQString(failed[1]))) << ToText(told);
+  CloseDialogs();
+  Click("CommandReport");
+  auto* list = Find<QTreeWidget>("ListReport", Dialog("FormReport"));
+  EXPECT_EQ(list->topLevelItem(0)->text(0), QStringLiteral("Files not written"));
+  EXPECT_EQ(list->topLevelItem(0)->childCount(), static_cast<int>(failed.size()));
   CloseDialogs();
 }
 
