@@ -6,6 +6,7 @@
 #include <cassert>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <stdexcept>
 
 namespace quarvel {
@@ -24,10 +25,21 @@ std::size_t IndentOf(std::string_view lead) { return std::min(lead.find_first_no
 
 std::string Blanks(int count) { return std::string(static_cast<std::size_t>(std::max(count, 0)), ' '); }
 
+/// pugixml does not throw when memory runs out: it gives back nothing, or something without its name.
+template <typename Item>
+Item Checked(Item item) {
+  if (!item || *item.name() == '\0') throw std::bad_alloc();
+  return item;
+}
+
+pugi::xml_node AppendElement(pugi::xml_node parent, const char* type) { return Checked(parent.append_child(type)); }
+
+/// A null element takes no attributes.
 void AddAttribute(pugi::xml_node element, const char* name, const char* value) {
+  if (!element) return;
   pugi::xml_attribute attribute = element.attribute(name);
-  if (!attribute) attribute = element.append_attribute(name);
-  attribute.set_value(value);
+  if (!attribute) attribute = Checked(element.append_attribute(name));
+  if (!attribute.set_value(value)) throw std::bad_alloc();
 }
 
 void AddAttribute(pugi::xml_node element, const char* name, const std::string& value) {
@@ -60,7 +72,7 @@ bool SceneNode::InText() const {
   return writer_->open_[depth_ - 1].Scope != SceneScope::Document;
 }
 
-/// A null element, which takes no attributes, when only the text has the node.
+/// A null element when only the text has the node.
 pugi::xml_node SceneNode::Element() const {
   const SceneWriter::OpenNode& node = writer_->open_[depth_ - 1];
   return node.Scope == SceneScope::Text ? pugi::xml_node() : node.Element;
@@ -178,7 +190,7 @@ std::string SceneWriter::Quoted(std::string_view value) const {
 SceneNode SceneWriter::Push(const char* type, std::string_view def, SceneScope scope, int closing) {
   pugi::xml_node element = Innermost();
   if (scope != SceneScope::Text) {
-    element = element.append_child(type);
+    element = AppendElement(element, type);
     if (!def.empty()) AddAttribute(element, "DEF", std::string(def));
   }
   if (scope != SceneScope::Document) ++openInText_;
@@ -209,7 +221,7 @@ SceneNode SceneWriter::OpenOnlyChild(std::string_view lead, const char* type, st
 
 void SceneWriter::OneFieldNode(std::string_view lead, const char* type, const char* field, const std::string& value) {
   Line(lead, type, " { ", field, " ", value, " }");
-  AddAttribute(Innermost().append_child(type), field, value);
+  AddAttribute(AppendElement(Innermost(), type), field, value);
 }
 
 void SceneWriter::OneListNode(std::string_view lead, const char* type, std::string_view def, const char* field,
@@ -223,14 +235,14 @@ void SceneWriter::OneListNode(std::string_view lead, const char* type, std::stri
     Line(lead.substr(0, IndentOf(lead)), "}");
   }
   if (scope == SceneScope::Text) return;
-  pugi::xml_node element = Innermost().append_child(type);
+  pugi::xml_node element = AppendElement(Innermost(), type);
   if (!def.empty()) AddAttribute(element, "DEF", std::string(def));
   AddAttribute(element, field, values);
 }
 
 void SceneWriter::Use(std::string_view lead, const char* type, const std::string& name, SceneScope scope) {
   if (scope != SceneScope::Document) Line(lead, "USE ", name);
-  if (scope != SceneScope::Text) AddAttribute(Innermost().append_child(type), "USE", name);
+  if (scope != SceneScope::Text) AddAttribute(AppendElement(Innermost(), type), "USE", name);
 }
 
 void SceneWriter::DeclarePrototype(const char* name, std::span<const char* const> lines) {
@@ -294,7 +306,7 @@ void SceneWriter::FinishRoutes(Report& report) {
     const bool possible =
         IsDefined(route.FromNode, SceneScope::Document) && IsDefined(route.ToNode, SceneScope::Document);
     if (wanted && possible) {
-      pugi::xml_node element = Innermost().append_child("ROUTE");
+      pugi::xml_node element = AppendElement(Innermost(), "ROUTE");
       AddAttribute(element, "fromNode", route.FromNode);
       AddAttribute(element, "fromField", route.FromField);
       AddAttribute(element, "toNode", route.ToNode);

@@ -215,6 +215,8 @@ TEST(RunReport, HoldsWhatTheRunKnows) {
   result.InputFile = "caf\xe9.t3d";
   result.Scene.Text = "a.wrl";
   result.MissingLists = {"aMissingSounds.txt"};
+  result.Incomplete = "a.wrl";
+  result.FailedFiles = {"b.png cannot be written: No space left on device"};
   result.Faces = 6;
   result.Missing[ResourceKind::Sound] = {"S1"};
   result.Findings.Add(FindingCode::TooManyKeys, "Door", 151, 150);
@@ -223,7 +225,10 @@ TEST(RunReport, HoldsWhatTheRunKnows) {
   result.Findings.Count(FindingCode::OtherBrushes, "CSG_Intersect");
   const auto run = nlohmann::json::parse(ReportAsJson({result}))[0];
   EXPECT_EQ(run["input"], "caf\xc3\xa9.t3d");
-  EXPECT_EQ(run["outputs"], nlohmann::json::parse(R"({"textScene": "a.wrl", "missingLists": ["aMissingSounds.txt"]})"));
+  EXPECT_EQ(run["outputs"],
+            nlohmann::json::parse(
+                R"({"textScene": "a.wrl", "incomplete": "a.wrl", "missingLists": ["aMissingSounds.txt"]})"));
+  EXPECT_EQ(run["failedFiles"][0], "b.png cannot be written: No space left on device");
   EXPECT_EQ(run["counts"]["faces"], 6);
   EXPECT_EQ(run["missing"], nlohmann::json::parse(R"({"textures": [], "sounds": ["S1"], "meshes": []})"));
   EXPECT_EQ(run["findings"], nlohmann::json::parse(R"([{"code": "TooManyKeys", "severity": "lost", "actor": "Door",
@@ -251,17 +256,64 @@ TEST(Program, HearsCtrlCWhileAPipeIsOpened) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 3) << status;
 }
 
+/// What a shell command printed, and its exit code behind that.
+std::string Shell(const std::string& command) {
+  std::string said;
+  FILE* pipe = popen(("(" + command + ") 2>&1").c_str(), "r");
+  for (int c = 0; pipe && (c = fgetc(pipe)) != EOF;)
+    said += static_cast<char>(c);
+  return said + "exit " + std::to_string(WEXITSTATUS(pclose(pipe)));
+}
+
+TEST(Program, TellsEveryCopyThatFailedAndAllElseToo) {
+  const TemporaryFolder folder;
+  const std::string out = (folder.Path() / "out").string();
+  folder.Write("out/textures", "a file where the folder should be");
+  const std::string said = Shell(
+      "'" QUARVEL_PROGRAM "' '" QUARVEL_SAMPLES_DIR "/harbour.t3d' '" + out +
+      "/' --set TextureDestPathBehavior=1 --textures '" QUARVEL_SAMPLES_DIR "/textures' --report '" + out + "/r.json'");
+  for (const char* part :
+       {"quarvel: ", "textures/brick.png cannot be written: ", "textures/crate.png cannot be written: ",
+        "harbour.t3d: converted in ", "wrote ", "box: ", "exit 1"})
+    EXPECT_NE(said.find(part), said.npos) << part << " in\n" << said;
+  const auto run = nlohmann::json::parse(folder.Read("out/r.json"))[0];
+  EXPECT_EQ(run["outcome"], "failed");
+  EXPECT_GE(run["failedFiles"].size(), 2U);
+  EXPECT_EQ(test::ReadVrml(folder.Read("out/harbour.wrl")).Faults, std::vector<std::string>());
+}
+
+TEST(Program, RunsOutOfMemoryInOneSentence) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the sanitizer reserves more than any limit";
+#endif
+  const TemporaryFolder folder;
+  std::string level = "Begin Map\n";
+  for (int i = 0; i < 20000; ++i)
+    level += "Begin Actor Class=Light Name=Light" + std::to_string(i) + "\n    LightBrightness=99\nEnd Actor\n";
+  folder.Write("level.t3d", level + "End Map\n");
+  folder.Write("level.wrl", "older");
+  const std::string in = (folder.Path() / "level.t3d").string();
+  bool ranOut = false;
+  for (int megabytes = 20; megabytes < 400; megabytes += 20) {
+    const std::string said = Shell("ulimit -v " + std::to_string(megabytes * 1024) +
+                                   "; '" QUARVEL_PROGRAM "' --quiet '" + in + "' --set CheckOutputStaticLights=1");
+    if (said == "exit 0") break;
+    if (!said.starts_with("quarvel: ")) continue; // not enough to load the program
+    ranOut = true;
+    EXPECT_EQ(said, "quarvel: there is not enough memory to convert " + in + "\nexit 1") << megabytes;
+    EXPECT_EQ(folder.Read("level.wrl"), "older");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 2) << "half a file";
+  }
+  EXPECT_TRUE(ranOut);
+}
+
 TEST(Program, TheDemoNamesAPage) {
   const TemporaryFolder folder;
   const std::string demo = (fs::path(QUARVEL_SAMPLES_DIR).parent_path() / "scripts" / "demo.sh").string();
-  const std::string command = "QUARVEL_PROGRAM='" QUARVEL_PROGRAM "' '" + demo +
-                              "' '" QUARVEL_SAMPLES_DIR "/terrace.t3d' '" + (folder.Path() / "new/folder").string() +
-                              "' 2>&1";
-  std::string said;
-  FILE* pipe = popen(command.c_str(), "r");
-  for (int c = 0; pipe && (c = fgetc(pipe)) != EOF;)
-    said += static_cast<char>(c);
-  ASSERT_EQ(pclose(pipe), 0) << said;
+  const std::string said =
+      Shell("QUARVEL_PROGRAM='" QUARVEL_PROGRAM "' '" + demo + "' '" QUARVEL_SAMPLES_DIR "/terrace.t3d' '" +
+            (folder.Path() / "new/folder").string() + "'");
+  EXPECT_TRUE(said.ends_with("exit 0")) << said;
   const fs::path page = folder.Path() / "new/folder/terrace.html";
   EXPECT_NE(said.find("  " + page.string()), std::string::npos) << said;
   EXPECT_TRUE(StartsWithText(folder.Read("new/folder/terrace.html"), "<!DOCTYPE html>"));

@@ -99,6 +99,9 @@ TEST_F(ResourceFilesTest, EditorQualifiedNamesAreAnOption) {
   ResourceFiles files = Run();
   EXPECT_EQ(files.FindTexture("Pack.Group.wall", TextureUse::Ordinary).Width, 3);
   EXPECT_EQ(files.FindTexture("Other.wall", TextureUse::Ordinary).Width, 1) << "then any";
+  Write("lib/Group/stone.png", MadePngHead(5, 5));
+  Write("lib/x/Pack.stone.png", MadePngHead(4, 4));
+  EXPECT_EQ(Run().FindTexture("Pack.Group.stone", TextureUse::Ordinary).Width, 4) << "even before the group's folder";
 }
 
 TEST_F(ResourceFilesTest, AnEmptyOrMissingSearchPathMeansTheInputsFolder) {

@@ -18,7 +18,9 @@ TEST(ActorRecords, StartFromTheClassDefaultsAndAnyWrittenValueWins) {
   const std::string text =
       Actor("Light Name=L0", "") + Actor("Light Name=L1", "    LightBrightness=0\r\n    LightSaturation=0") +
       Actor("AmbientSound Name=A0", "") + Actor("DynamicAmbientSound Name=D0", "    SoundVolume=7") +
-      Actor("Trigger Name=T0", "") + Actor("Trigger Name=T1", "    CollisionRadius=0\r\n    bInitiallyActive=False") +
+      Actor("Trigger Name=T0", "") +
+      Actor("Trigger Name=T1",
+            "    CollisionRadius=0\r\n    bInitiallyActive=False\r\n    Message=\"The Captain's door\"") +
       Actor("Teleporter Name=P0", "") + Actor("ZoneInfo Name=Z0", "") + Actor("InterpolationPoint Name=I0", "");
   const T3DLevel level(text);
   const auto& actors = level.Actors;
@@ -47,6 +49,7 @@ TEST(ActorRecords, StartFromTheClassDefaultsAndAnyWrittenValueWins) {
   EXPECT_EQ(trigger.CollisionRadius, 0);
   EXPECT_EQ(trigger.CollisionHeight, 40);
   EXPECT_FALSE(trigger.bInitiallyActive);
+  EXPECT_EQ(trigger.Message, "The Captain's door");
 
   EXPECT_EQ(ReadTeleporter(level, actors[6]).CollisionRadius, 18);
   const ZoneRecord zone = ReadZone(level, actors[7]);
