@@ -118,26 +118,4 @@ std::string MakeLevel(int brushes) {
   return level.Text + "End Map\r\n";
 }
 
-std::string MakeCrowd(int actors) {
-  std::string level = MakeLevel(1), actions;
-  level.erase(level.rfind("End Map"));
-  const auto actor = [&](const std::string& header, const std::string& keys) {
-    level +=
-        "Begin Actor Class=" + header + "\r\n    PhysicsVolume=DefaultPhysicsVolume'a.b'\r\n" + keys + "End Actor\r\n";
-  };
-  for (int i = 0; i < actors; ++i) {
-    const std::string number = std::to_string(i), next = std::to_string((i + 1) % actors);
-    actor("Trigger Name=Trigger" + number, "    Event=all\r\n");
-    actor("TriggerLight Name=Lamp" + number, "    Tag=all\r\n");
-    actor("Teleporter Name=Tele" + number, "    Tag=t" + number + "\r\n    URL=\"t" + next + "\"\r\n");
-    actor("InterpolationPoint Name=Point" + number, "    Tag=p" + number + "\r\n    Position=1\r\n");
-    const std::string action = "ActionMoveCamera" + number;
-    actions += "    Begin Object Class=ActionMoveCamera Name=" + action +
-               "\r\n        IntPoint=InterpolationPoint'myLevel.Point" + number +
-               "'\r\n    End Object\r\n    Actions(" + number + ")=ActionMoveCamera'myLevel." + action + "'\r\n";
-  }
-  actor("SceneManager Name=Scene", actions);
-  return level + "End Map\r\n";
-}
-
 } // namespace quarvel::bench

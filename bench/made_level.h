@@ -9,8 +9,4 @@ namespace quarvel::bench {
 /// two of them. The same text every time.
 std::string MakeLevel(int brushes);
 
-/// A level in which so many triggers, lights, teleporters, interpolation points and actions of a scene manager all
-/// refer to one another.
-std::string MakeCrowd(int actors);
-
 } // namespace quarvel::bench
