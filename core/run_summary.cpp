@@ -20,11 +20,21 @@ constexpr std::size_t reasonsShown = 20;
 /// Names come from the level.
 void WriteLine(std::ostream& out, std::string_view text) { out << "  " << PrintableText(text) << "\n"; }
 
+/// A name of any length in a line for people.
+std::string Shortened(const std::string& name) {
+  constexpr std::size_t longest = 100;
+  if (name.size() <= longest) return name;
+  std::size_t end = longest;
+  while (end > longest - 4 && (static_cast<unsigned char>(name[end]) & 0xc0) == 0x80) // within a character of UTF-8
+    --end;
+  return name.substr(0, end) + "...";
+}
+
 std::string JoinNames(const std::vector<std::string>& names, bool inFull) {
   const std::size_t shown = inFull ? names.size() : std::min(names.size(), namesShown);
   std::string joined;
   for (std::size_t i = 0; i < shown; ++i)
-    joined += (i == 0 ? "" : ", ") + names[i];
+    joined += (i == 0 ? "" : ", ") + (inFull ? names[i] : Shortened(names[i]));
   if (shown < names.size()) joined += " and " + std::to_string(names.size() - shown) + " more (see --verbose)";
   return joined;
 }
