@@ -15,8 +15,8 @@ namespace fs = std::filesystem;
 class CrowdLevel {
  public:
   void Actor(const std::string& header, const std::string& keys) {
-    text_ += "Begin Actor Class=" + header + "\r\n    PhysicsVolume=DefaultPhysicsVolume'a.b'\r\n" + keys +
-             "End Actor\r\n";
+    text_ +=
+        "Begin Actor Class=" + header + "\r\n    PhysicsVolume=DefaultPhysicsVolume'a.b'\r\n" + keys + "End Actor\r\n";
   }
 
   void Brush(const std::string& name, const std::string& texture, std::string_view flags) {
@@ -66,8 +66,8 @@ void MakeTriggers(const fs::path& folder, int count) {
 void MakeTeleporters(const fs::path& folder, int count) {
   CrowdLevel level;
   for (int i = 0; i < count; ++i)
-    level.Actor("Teleporter Name=Tele" + std::to_string(i), "    Tag=t" + std::to_string(i) + "\r\n    URL=\"t" +
-                                                                std::to_string((i + 1) % count) + "\"\r\n");
+    level.Actor("Teleporter Name=Tele" + std::to_string(i),
+                "    Tag=t" + std::to_string(i) + "\r\n    URL=\"t" + std::to_string((i + 1) % count) + "\"\r\n");
   level.WriteTo(folder);
 }
 

@@ -49,7 +49,7 @@ std::vector<PageSection> NamedSections() {
        1,
        "Default viewpoint",
        {"CheckMakeDefaultViewpoint", "OptionDefViewAsScript", "OptionDefViewAsProxSensor", "OptionDefViewPSAuto",
-        "OptionDefViewPSSize", "TextVProxSizeX", "+TextVProxSizeY", "+TextVProxSizeZ"}},
+        "OptionDefViewPSSize", "TextVProxSizeX", "TextVProxSizeY", "TextVProxSizeZ"}},
       {Tab::Viewpoints, 1, "Places", {"TextTeleHtOff", "CheckSkyZone"}},
 
       {Tab::MeshesAndTerrain,

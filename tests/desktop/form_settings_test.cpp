@@ -7,6 +7,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QMessageBox>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabWidget>
 #include <algorithm>
 
 namespace quarvel {
@@ -74,6 +77,14 @@ TEST_F(FormSettings, EveryOptionCanBeReachedAndIsExplained) {
     ASSERT_NE(widget, nullptr);
     EXPECT_EQ(widget->toolTip().toStdString(), option.Help);
     EXPECT_FALSE(option.Caption.empty()) << option.Control;
+  }
+  form_->resize(800, 700);
+  auto* pages = Find<QTabWidget>("SSTabPrefs");
+  for (int page = 0; page < pages->count(); ++page) {
+    pages->setCurrentIndex(page);
+    QApplication::processEvents();
+    EXPECT_EQ(qobject_cast<QScrollArea*>(pages->widget(page))->horizontalScrollBar()->maximum(), 0)
+        << "page " << page << " is wider than the window of " << form_->width();
   }
   for (const PageSection& section : PageSections())
     EXPECT_NE(section.Title, "More") << section.Controls.front() << " has no place of its own";
