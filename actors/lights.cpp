@@ -241,7 +241,7 @@ void WriteFlare(SceneContext& context, const DisplayRecord& flare) {
 }
 
 void WriteLights(SceneRun& run) {
-  const ZoneBlock ambience = run.Context.Light ? ZoneBlock() : BrightestAmbience(run); // else it is baked
+  const ZoneBlock ambience = run.Context.Light ? ZoneBlock() : BrightestAmbience(run); // baked light has it already
   if (ambience.AmbientBrightness > 0) WriteGlobalAmbientLight(run.Context, ambience, run.Bounds);
   FlushBlock(run);
   ForEachActor(run, ActorFamily::Light, ReadLight, [&](const LightRecord& light) { WriteLight(run.Context, light); });

@@ -2,6 +2,7 @@
 
 #include "actors/baked_light.h"
 #include "base/file_identity.h"
+#include "base/file_name.h"
 #include "core/level_scenes.h"
 #include "core/level_source.h"
 #include "core/page_run.h"
@@ -178,6 +179,15 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
   user.ShowItem("Box: " + FormatVec(result.Bounds.Min) + " to " + FormatVec(result.Bounds.Max));
 }
 
+/// Names of missing files that begin with the folder of the page's run, which nobody knows, begin with the output's.
+void MoveNames(MissingResources& missing, const fs::path& from, const fs::path& to) {
+  const std::string hidden = Utf8Path(from / ""), shown = Utf8Path(to);
+  for (std::vector<std::string>& names : missing)
+    for (std::string& name : names)
+      if (name.starts_with(hidden))
+        name = (shown.empty() || shown.ends_with('/') ? shown : shown + "/") + name.substr(hidden.size());
+}
+
 /// Converts the level once more, for the page, and writes that. Without other files this run is the one that counts.
 void ConvertToPage(const fs::path& inFile, const fs::path& outFile, const ConversionSettings& settings, PageRun& page,
                    RunMemory& memory, RunInterface& user, RunResult& result) {
@@ -187,6 +197,7 @@ void ConvertToPage(const fs::path& inFile, const fs::path& outFile, const Conver
   if (!written.FailedFiles.empty()) throw RunFailed{written.Error};
   written.FilesWritten.clear();
   written.Scene = written.SkyScene = {};
+  MoveNames(written.Missing, page.SceneFile().parent_path(), outFile.parent_path());
   if (settings.CheckPageOnly) {
     written.InputFile = inFile;
     result = std::move(written);

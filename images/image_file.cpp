@@ -94,28 +94,30 @@ Heightmap HeightmapOf(const Image& image) {
   return map;
 }
 
+struct Codec {
+  ImageType Type;
+  ImageResult (*Read)(Bytes);
+  std::vector<std::uint8_t> (*Write)(const Image&); ///< nullptr: images of this type are only read
+};
+
+constexpr std::array codecs{
+    Codec{ImageType::Png, ReadPng, WritePng}, Codec{ImageType::Jpg, ReadJpg, WriteJpg},
+    Codec{ImageType::Bmp, ReadBmp, WriteBmp}, Codec{ImageType::Tga, ReadTga, WriteTga},
+    Codec{ImageType::Dds, ReadDds, nullptr},  Codec{ImageType::Pcx, ReadPcx, nullptr},
+};
+
+const Codec* CodecOf(ImageType type) {
+  const auto* at = std::find_if(codecs.begin(), codecs.end(), [&](const Codec& codec) { return codec.Type == type; });
+  return at == codecs.end() ? nullptr : at;
+}
+
 } // namespace
 
 ImageResult ReadImage(Bytes file, std::string_view extension) {
-  switch (ImageTypeOfContent(file, extension)) {
-  case ImageType::Png:
-    return ReadPng(file);
-  case ImageType::Jpg:
-    return ReadJpg(file);
-  case ImageType::Bmp:
-    return ReadBmp(file);
-  case ImageType::Tga:
-    return ReadTga(file);
-  case ImageType::Dds:
-    return ReadDds(file);
-  case ImageType::Pcx:
-    return ReadPcx(file);
-  case ImageType::Gif:
-    return ImageError("gif images are not converted");
-  case ImageType::Unknown:
-    break;
-  }
-  return ImageError("the image type is not known");
+  const ImageType type = ImageTypeOfContent(file, extension);
+  if (type == ImageType::Unknown) return ImageError("the image type is not known");
+  if (const Codec* codec = CodecOf(type)) return codec->Read(file);
+  return ImageError("gif images are not converted");
 }
 
 ImageResult ReadImageFile(const fs::path& file) {
@@ -125,18 +127,8 @@ ImageResult ReadImageFile(const fs::path& file) {
 }
 
 std::vector<std::uint8_t> EncodeImage(const Image& image, ImageType type) {
-  switch (type) {
-  case ImageType::Png:
-    return WritePng(image);
-  case ImageType::Jpg:
-    return WriteJpg(image);
-  case ImageType::Bmp:
-    return WriteBmp(image);
-  case ImageType::Tga:
-    return WriteTga(image);
-  default:
-    return {};
-  }
+  const Codec* codec = CodecOf(type);
+  return codec && codec->Write ? codec->Write(image) : std::vector<std::uint8_t>();
 }
 
 bool WriteImageFile(const Image& image, ImageType type, const fs::path& file) {

@@ -189,7 +189,7 @@ Rows EncodingAndMeshRows() {
   };
 }
 
-Rows LightAndOutputRows() {
+Rows LightRows() {
   return {
       Check(FIELD(CheckLightTransform), "Wrap in transform", Tab::Lights,
             "Wrap in transform: place each light by a Transform of its own", "CheckDoLights"),
@@ -204,6 +204,11 @@ Rows LightAndOutputRows() {
       Number(FIELD(TextAmbientInfluence), "Ambient influence", Tab::Lights, fraction,
              "0 to 1, ambient lights contribute this much light to the surfaces"),
       Check(FIELD(CheckFog), "Fog", Tab::Lights, "Write the fog of the level"),
+  };
+}
+
+Rows OutputAndViewpointRows() {
+  return {
       Text(FIELD(TextJavascriptURL), "Base URL", Tab::Output, "Base URL for images to preload (empty for default)",
            "CheckMakePreloadScript"),
       Check(FIELD(CheckMakePreloadScript), "Make a preload script", Tab::Output,
@@ -328,7 +333,8 @@ Rows MakeTable() {
   Append(table, OptionPlace::MainSection, FileAndPathRows());
   Append(table, OptionPlace::MainSection, ContentRows());
   Append(table, OptionPlace::MainSection, EncodingAndMeshRows());
-  Append(table, OptionPlace::MainSection, LightAndOutputRows());
+  Append(table, OptionPlace::MainSection, LightRows());
+  Append(table, OptionPlace::MainSection, OutputAndViewpointRows());
   using Settings = ConversionSettings;
   Append(table, OptionPlace::MainSection, DestinationRows<&Settings::TextureDest>("Texture"));
   Append(table, OptionPlace::MainSection, DestinationRows<&Settings::SoundDest>("Sound"));

@@ -367,6 +367,15 @@ TEST(ConversionRun, WritesThePageBesideTheScenesOrAlone) {
   EXPECT_EQ(both.Read("level.html"), alone.Read("level.html"));
 }
 
+TEST(ConversionRun, APageAloneListsWhatIsMissingBesideItself) {
+  const TemporaryFolder folder;
+  ConversionSettings settings = PageSettingsIn(folder);
+  settings.CheckPageOnly = true;
+  const std::string level = "Begin Actor Class=AmbientSound Name=Hum\r\n AmbientSound=Sound'P.hum'\r\nEnd Actor\r\n";
+  EXPECT_EQ(ConvertIn(folder, level, settings).Result.Missing[ResourceKind::Sound],
+            std::vector<std::string>{(folder.Path() / "hum.wav").string()});
+}
+
 TEST(ConversionRun, WritesNothingWhenThePageCannotBeMade) {
   const TemporaryFolder folder;
   ConversionSettings settings = PageSettingsIn(folder);
