@@ -66,7 +66,7 @@ class SceneChecker {
           numbers != 0 && (words.size() != numbers || !std::all_of(words.begin(), words.end(), IsNumber));
       if (isWrong) Fault(where + node.Type + "." + field + " is " + value);
     }
-    if (node.Type.ends_with("Interpolator")) CheckKeys(node, where);
+    if (node.Type.find("Interpolator") != node.Type.npos) CheckKeys(node, where);
     if (node.Type == "IndexedFaceSet") CheckIndices(number, where);
   }
 
@@ -102,7 +102,7 @@ class SceneChecker {
   }
 
   void CheckKeys(const ReadNode& node, const std::string& where) {
-    const std::size_t width = node.Type == "OrientationInterpolator" ? 4 : 3;
+    const std::size_t width = node.Type == "OrientationInterpolator" ? 4 : node.Type.ends_with("2D") ? 2 : 3;
     if (CountOf(node, "key") * width != CountOf(node, "keyValue")) Fault(where + "keys and key values do not match");
     double last = -1;
     if (const auto keys = node.Fields.find("key"); keys != node.Fields.end())
