@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actors/triggers.h"
+#include "tests/made_actors.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
@@ -10,11 +11,6 @@
 #include <string>
 
 namespace quarvel {
-
-/// An actor's block with these keys, one a line.
-inline std::string ActorText(const std::string& header, const std::string& keys = {}) {
-  return "Begin Actor Class=" + header + "\r\n" + keys + "\r\nEnd Actor\r\n";
-}
 
 /// A scene that actors are written into, at scale 1 unless `Settings` is changed before the scene is first used.
 class ActorTest : public ::testing::Test {

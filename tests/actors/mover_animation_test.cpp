@@ -104,32 +104,5 @@ TEST_F(MoverAnimations, VisitTheKeysInACircleFromTheStartKey) {
   EXPECT_THROW(PositionValues(track, SceneSpace(2)), std::out_of_range);
 }
 
-TEST_F(MoverAnimations, AreWrittenInBothScenes) {
-  Scene().Define("Door");
-  MoverAnimation track = TrackOf(2);
-  WriteInterpolators(Context(), "Door", track);
-  EXPECT_EQ(Text(), "DEF DoorPOSINT PositionInterpolator {\n key [0 1 ]\n keyValue [0 0 0,100 0 0 ]\n}\n"
-                    "DEF DoorROTINT OrientationInterpolator {\n key [0 1 ]\n"
-                    " keyValue [0 0 -1 0,0 -1 0.0 0.392699 ]\n}\n"
-                    "DEF DoorTIMER TimeSensor {\n cycleInterval 3\n loop FALSE\n enabled TRUE\n}\n"
-                    "ROUTE DoorTIMER.fraction_changed TO DoorPOSINT.set_fraction\n"
-                    "ROUTE DoorPOSINT.value_changed TO Door.set_translation\n"
-                    "ROUTE DoorTIMER.fraction_changed TO DoorROTINT.set_fraction\n"
-                    "ROUTE DoorROTINT.value_changed TO Door.set_rotation\n");
-  EXPECT_EQ(Document(),
-            "<Group><PositionInterpolator DEF=\"DoorPOSINT\" key=\"0 1 \" keyValue=\"0 0 0,100 0 0\"/>"
-            "<OrientationInterpolator DEF=\"DoorROTINT\" key=\"0 1 \" keyValue=\"0 0 -1 0,0 -1 0.0 0.392699\"/>"
-            "<TimeSensor DEF=\"DoorTIMER\" cycleInterval=\"3\" loop=\"false\" enabled=\"true\"/></Group>");
-}
-
-TEST_F(MoverAnimations, RouteOnlyWhatTheyMove) {
-  Scene().Define("Door");
-  MoverAnimation track = TrackOf(2);
-  track.AnimatePosition = false;
-  WriteInterpolators(Context(), "Door", track);
-  EXPECT_EQ(Text().find("Position"), std::string::npos);
-  EXPECT_EQ(Scene().PendingRoutes().size(), 2u);
-}
-
 } // namespace
 } // namespace quarvel

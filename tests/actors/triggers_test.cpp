@@ -1,4 +1,5 @@
 #include "actors/triggers.h"
+#include "t3d/trigger_records.h"
 #include "tests/actors/actor_fixture.h"
 
 namespace quarvel {
@@ -26,53 +27,10 @@ class Triggers : public ActorTest {
   using Routes = std::vector<std::string>;
 };
 
-TEST_F(Triggers, AreSensorsOfTheRadiusTheHeightAndTwiceTheRadius) {
-  WriteTrigger(Context(), {{100, 20, -5}, 40, 40, false}, "T");
-  EXPECT_EQ(Text(), "DEF T ProximitySensor {\n center 100 -5.0 20.0\n size 40 40 80\n enabled FALSE\n}\n");
-  EXPECT_EQ(Document(),
-            "<Group><ProximitySensor DEF=\"T\" center=\"100 -5.0 20.0\" size=\"40 40 80\" enabled=\"false\"/></Group>");
-}
-
-TEST_F(Triggers, StandInATransformWhenTheyAreShown) {
-  Settings.CheckShowTriggers = true;
-  WriteTrigger(Context(), {{1, 2, 3}, 4, 5, true}, "T");
-  EXPECT_EQ(Text(), "Collision {\n collide FALSE\n children [\n  Transform {\n   translation 1 3.0 2.0\n   children [\n"
-                    "DEF T ProximitySensor {\n center 0 0 0\n size 4 5 8\n enabled TRUE\n}\n"
-                    "    Shape {\n     geometry Box {\n      size 4 5 8\n     }\n     appearance Appearance {\n      "
-                    "material Material {\n"
-                    "        transparency 0.5\n      }\n     }\n    }\n   ]\n  }\n ]\n}\n");
-  EXPECT_EQ(Document(), "<Group><Collision collide=\"false\"><Transform translation=\"1 3.0 2.0\">"
-                        "<ProximitySensor DEF=\"T\" center=\"0 0 0\" size=\"4 5 8\" enabled=\"true\"/>"
-                        "<Shape><Box size=\"4 5 8\"/><Appearance><Material transparency=\"0.5\"/></Appearance></Shape>"
-                        "</Transform></Collision></Group>");
-}
-
-TEST_F(Triggers, OfAllThreeClassesAreListedInFileOrder) {
-  const std::string text = ActorText("StochasticTrigger Name=S", "    Events(3)=Far\r\n    Event=Near") +
-                           ActorText("Trigger Name=T") + ActorText("TriggerSound Name=X") +
-                           ActorText("ElevatorTrigger Name=E", "    bInitiallyActive=False");
-  Linked = ReadTriggers(Context(), {}, T3DLevel(text));
-  const auto& entries = Linked.Entries;
-  ASSERT_EQ(entries.size(), 3u);
-  EXPECT_EQ(entries[0].Name, "S");
-  EXPECT_EQ(entries[0].Events, (std::vector<std::string>{"Near", "Far"}));
-  EXPECT_EQ(entries[1].Name, "T");
-  EXPECT_TRUE(entries[1].Box.Enabled);
-  EXPECT_EQ(entries[2].Class, "ElevatorTrigger");
-  EXPECT_FALSE(entries[2].Box.Enabled);
-}
-
-TEST_F(Triggers, BadSizesAreReported) {
-  WriteTrigger(Context(), {{}, -4, 5, true}, "T");
-  EXPECT_NE(Text().find(" size 0 5 0\n"), std::string::npos);
-  EXPECT_TRUE(Reported("T", "below zero"));
-  EXPECT_TRUE(Reported("T", "is zero"));
-}
-
 TEST_F(Triggers, LinkByEventAndTagWithoutRegardToCase) {
-  const std::string level = ActorText("Trigger Name=A", "    Event=Door") +
-                            ActorText("Trigger Name=B", "    Event=\"dOOR\"") +
-                            ActorText("Trigger Name=C", "    Event=Doors") + ActorText("Trigger Name=D");
+  const std::string level = test::Actor("Trigger Name=A", "    Event=Door") +
+                            test::Actor("Trigger Name=B", "    Event=\"dOOR\"") +
+                            test::Actor("Trigger Name=C", "    Event=Doors") + test::Actor("Trigger Name=D");
   EXPECT_EQ(RoutesTo(level, "DOOR"), (Routes{"A.enterTime TO Target.startTime", "B.enterTime TO Target.startTime"}));
   EXPECT_FALSE(NoteLink(Linked, "", "enterTime", "Target", "startTime")) << "an empty Tag is nobody's event";
   EXPECT_FALSE(NoteLink(Linked, "Lamp", "enterTime", "Target", "startTime"));
@@ -80,18 +38,18 @@ TEST_F(Triggers, LinkByEventAndTagWithoutRegardToCase) {
 
 TEST_F(Triggers, ReachTargetsThroughDispatchersWithoutDelayDirectly) {
   const std::string level =
-      ActorText("Trigger Name=A", "    Event=First") +
-      ActorText("Dispatcher Name=D1", "    Tag=first\r\n    OutEvents(2)=Second") +
-      ActorText("Dispatcher Name=D2", "    Tag=Second\r\n    OutEvents(0)=Lamp\r\n    OutEvents(1)=Lamp");
+      test::Actor("Trigger Name=A", "    Event=First") +
+      test::Actor("Dispatcher Name=D1", "    Tag=first\r\n    OutEvents(2)=Second") +
+      test::Actor("Dispatcher Name=D2", "    Tag=Second\r\n    OutEvents(0)=Lamp\r\n    OutEvents(1)=Lamp");
   EXPECT_EQ(RoutesTo(level, "Lamp", "isActive"), (Routes{"A.isActive TO Target.set_on"}));
   EXPECT_EQ(Text().find("Script"), std::string::npos);
 }
 
 TEST_F(Triggers, AddUpTheDelaysOfADispatcherInAScript) {
   const std::string level =
-      ActorText("Trigger Name=A", "    Event=go") +
-      ActorText("Dispatcher Name=D",
-                "    Tag=go\r\n    OutDelays(0)=0.5\r\n    OutDelays(2)=1\r\n    OutEvents(2)=bell");
+      test::Actor("Trigger Name=A", "    Event=go") +
+      test::Actor("Dispatcher Name=D",
+                  "    Tag=go\r\n    OutDelays(0)=0.5\r\n    OutDelays(2)=1\r\n    OutEvents(2)=bell");
   EXPECT_EQ(RoutesTo(level, "bell"),
             (Routes{"SCRIPTD.enterTime2_changed TO Target.startTime", "A.enterTime TO SCRIPTD.set_enterTime"}));
   EXPECT_NE(Text().find("DEF SCRIPTD Script {\neventIn  SFTime  set_enterTime\neventOut SFTime  enterTime2_changed\n"
@@ -104,28 +62,22 @@ TEST_F(Triggers, AddUpTheDelaysOfADispatcherInAScript) {
 }
 
 TEST_F(Triggers, FollowChainsOfDelays) {
-  const std::string level = ActorText("Trigger Name=A", "    Event=a") +
-                            ActorText("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b") +
-                            ActorText("Dispatcher Name=D2", "    Tag=b\r\n    OutEvents(0)=c") +
-                            ActorText("Dispatcher Name=D3", "    Tag=c\r\n    OutDelays(0)=2\r\n    OutEvents(0)=bell");
+  const std::string level =
+      test::Actor("Trigger Name=A", "    Event=a") +
+      test::Actor("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b") +
+      test::Actor("Dispatcher Name=D2", "    Tag=b\r\n    OutEvents(0)=c") +
+      test::Actor("Dispatcher Name=D3", "    Tag=c\r\n    OutDelays(0)=2\r\n    OutEvents(0)=bell");
   EXPECT_EQ(RoutesTo(level, "bell"),
             (Routes{"SCRIPTD3.enterTime0_changed TO Target.startTime", "A.enterTime TO SCRIPTD1.set_enterTime",
                     "SCRIPTD1.enterTime0_changed TO SCRIPTD3.set_enterTime"}));
 }
 
-TEST_F(Triggers, DoNotSwitchALightBehindADelay) {
-  const std::string level = ActorText("Trigger Name=A", "    Event=a") +
-                            ActorText("Dispatcher Name=D", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=lamp");
-  EXPECT_EQ(RoutesTo(level, "lamp", "isActive"), Routes{});
-  EXPECT_TRUE(Reported("Target", "delay"));
-  EXPECT_EQ(Text().find("Script"), std::string::npos);
-}
-
 TEST_F(Triggers, CutCirclesOfDispatchers) {
   const std::string level =
-      ActorText("Trigger Name=A", "    Event=a") +
-      ActorText("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b\r\n    OutEvents(1)=a") +
-      ActorText("Dispatcher Name=D2", "    Tag=b\r\n    OutDelays(0)=1\r\n    OutEvents(0)=a\r\n    OutEvents(1)=bell");
+      test::Actor("Trigger Name=A", "    Event=a") +
+      test::Actor("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b\r\n    OutEvents(1)=a") +
+      test::Actor("Dispatcher Name=D2",
+                  "    Tag=b\r\n    OutDelays(0)=1\r\n    OutEvents(0)=a\r\n    OutEvents(1)=bell");
   EXPECT_EQ(RoutesTo(level, "bell"),
             (Routes{"SCRIPTD2.enterTime1_changed TO Target.startTime", "A.enterTime TO SCRIPTD1.set_enterTime",
                     "SCRIPTD1.enterTime0_changed TO SCRIPTD2.set_enterTime"}));
@@ -134,10 +86,11 @@ TEST_F(Triggers, CutCirclesOfDispatchers) {
 }
 
 TEST_F(Triggers, KeepTheirPathWhenACircleIsCutForAnother) {
-  const std::string level = ActorText("Trigger Name=A", "    Event=a") + ActorText("Trigger Name=B", "    Event=b") +
-                            ActorText("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b\r\n"
-                                                            "    OutEvents(1)=bell") +
-                            ActorText("Dispatcher Name=D2", "    Tag=b\r\n    OutDelays(0)=2\r\n    OutEvents(0)=a");
+  const std::string level =
+      test::Actor("Trigger Name=A", "    Event=a") + test::Actor("Trigger Name=B", "    Event=b") +
+      test::Actor("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b\r\n"
+                                        "    OutEvents(1)=bell") +
+      test::Actor("Dispatcher Name=D2", "    Tag=b\r\n    OutDelays(0)=2\r\n    OutEvents(0)=a");
   const Routes routes = RoutesTo(level, "bell");
   for (const char* route : {"A.enterTime TO SCRIPTD1.set_enterTime", "B.enterTime TO SCRIPTD2.set_enterTime",
                             "SCRIPTD2.enterTime0_changed TO SCRIPTD1_2.set_enterTime"})
@@ -148,9 +101,9 @@ TEST_F(Triggers, KeepTheirPathWhenACircleIsCutForAnother) {
 
 TEST_F(Triggers, ThatComeAgainLaterDoNotReplaceOneAnother) {
   const std::string level =
-      ActorText("Trigger Name=A", "    Event=go") +
-      ActorText("Dispatcher Name=D", "    Tag=go\r\n    OutEvents(0)=bell\r\n    OutDelays(1)=0.1\r\n"
-                                     "    OutEvents(1)=bell\r\n    OutDelays(2)=0.2\r\n    OutEvents(2)=bell");
+      test::Actor("Trigger Name=A", "    Event=go") +
+      test::Actor("Dispatcher Name=D", "    Tag=go\r\n    OutEvents(0)=bell\r\n    OutDelays(1)=0.1\r\n"
+                                       "    OutEvents(1)=bell\r\n    OutDelays(2)=0.2\r\n    OutEvents(2)=bell");
   const Routes routes = RoutesTo(level, "bell");
   for (const char* route :
        {"A.enterTime TO Target.startTime", "SCRIPTD.enterTime1_changed TO SCRIPTDTIMER1.startTime",
@@ -160,22 +113,21 @@ TEST_F(Triggers, ThatComeAgainLaterDoNotReplaceOneAnother) {
   EXPECT_NE(Text().find("DEF SCRIPTDTIMER2 TimeSensor {"), std::string::npos);
 }
 
-TEST_F(Triggers, OfNoneLinkNothing) {
-  const std::string level = ActorText("Trigger Name=A", "    Event=None") +
-                            ActorText("Dispatcher Name=D", "    Tag=None\r\n    OutEvents(0)=bell");
-  EXPECT_EQ(RoutesTo(level, "None"), Routes{});
-  EXPECT_FALSE(NoteLink(Linked, "bell", "enterTime", "Target", "startTime"));
+TEST_F(Triggers, HaveMessagesOfSeveralWords) {
+  const std::string text = test::Actor("Trigger Name=T", "    Message=\"The Captain's door\"");
+  const T3DLevel level(text);
+  EXPECT_EQ(ReadTrigger(level, level.Actors.at(0)).Message, "The Captain's door");
 }
 
 /// So many that each linked to each would fill the memory: by one event, through dispatchers, and with delays.
 TEST_F(Triggers, GrowWithTheirEndsNotWithTheProduct) {
   std::string level;
   for (int i = 0; i < 3000; ++i)
-    level += ActorText("Trigger Name=T" + std::to_string(i), "    Event=go");
+    level += test::Actor("Trigger Name=T" + std::to_string(i), "    Event=go");
   for (int i = 0; i < 200; ++i) {
     const std::string number = std::to_string(i);
-    level += ActorText("Dispatcher Name=D" + number, "    Tag=go\r\n    OutEvents(0)=fan" + number +
-                                                         "\r\n    OutDelays(1)=1\r\n    OutEvents(1)=go2");
+    level += test::Actor("Dispatcher Name=D" + number, "    Tag=go\r\n    OutEvents(0)=fan" + number +
+                                                           "\r\n    OutDelays(1)=1\r\n    OutEvents(1)=go2");
   }
   Linked = ReadTriggers(Context(), {}, T3DLevel(level));
   Scene().Define("Target");
@@ -195,21 +147,6 @@ TEST_F(Triggers, GrowWithTheirEndsNotWithTheProduct) {
   for (const char* route :
        {"ROUTE T2999.isActive TO RELAYgo.set_isActive\n", "ROUTE RELAYgo.isActive_changed TO Target.set_on\n"})
     EXPECT_NE(Text().find(route), std::string::npos) << route;
-}
-
-TEST_F(Triggers, ThatNothingReachesDispatchNothing) {
-  EXPECT_EQ(RoutesTo(ActorText("Dispatcher Name=D", "    Tag=a\r\n    OutEvents(0)=bell"), "bell"), Routes{});
-}
-
-TEST_F(Triggers, UseTheKeywordsOfX3DInAConformingX3DScript) {
-  Settings.OptionFlux = Settings.CheckConforming = true;
-  RoutesTo(ActorText("Trigger Name=A", "    Event=a") +
-               ActorText("Dispatcher Name=D", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=bell"),
-           "bell");
-  EXPECT_NE(Text().find("\ninputOnly  SFTime  set_enterTime\noutputOnly SFTime  enterTime0_changed\n"),
-            std::string::npos)
-      << Text();
-  EXPECT_TRUE(Scene().Quirks().empty());
 }
 
 } // namespace

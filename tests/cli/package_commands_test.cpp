@@ -18,9 +18,7 @@ class PackageCommands : public testing::Test {
     Write("Rooms.unr", test::MadeLevel());
   }
 
-  void Write(const std::string& name, const test::Blob& file) const {
-    folder_.Write(name, std::string(file.begin(), file.end()));
-  }
+  void Write(const std::string& name, const test::Blob& file) const { folder_.Write(name, file); }
 
   int Run(std::vector<std::string> arguments) {
     std::vector<const char*> argv{"quarvel"};

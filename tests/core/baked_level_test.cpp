@@ -1,8 +1,8 @@
 #include "base/ascii_text.h"
 #include "images/image_png.h"
-#include "tests/core/box_actor.h"
 #include "tests/core/converted.h"
 #include "tests/csg/made_brushes.h"
+#include "tests/made_actors.h"
 
 #include <algorithm>
 #include <fstream>

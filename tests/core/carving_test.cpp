@@ -1,8 +1,8 @@
 #include "scene/carved_level.h"
 #include "scene/merged_level.h"
-#include "tests/core/box_actor.h"
 #include "tests/core/converted.h"
 #include "tests/csg/made_brushes.h"
+#include "tests/made_actors.h"
 #include "tests/scene/scene_readers.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "core/conversion_run.h"
 #include "t3d/level.h"
 #include "tests/core/converted.h"
+#include "tests/made_actors.h"
 #include "tests/scene/scene_readers.h"
 
 #include <algorithm>
@@ -22,12 +23,7 @@ const std::string golden = test::ReadFile(QUARVEL_TEST_DATA_DIR "/golden.t3d");
 bool Holds(const std::string& text, const std::string& what) { return text.find(what) != std::string::npos; }
 
 std::string Brush(const std::string& name, const std::string& keys, int triangles = 1) {
-  std::string text = "Begin Actor Class=Brush Name=" + name + "\n" + keys + " Begin Brush Name=M\n";
-  for (int i = 0; i < triangles; ++i)
-    text += "  Begin Polygon Texture=brick\n   Vertex " + std::to_string(10 * i) +
-            ",0,0\n   Vertex 5,5,0\n"
-            "   Vertex 0,9,9\n  End Polygon\n";
-  return text + " End Brush\nEnd Actor\n";
+  return test::TriangleActor("Brush Name=" + name, keys, triangles);
 }
 
 TEST(ConversionRun, CountsWhatItWroteAndWhatItDidNotFind) {
@@ -57,49 +53,12 @@ TEST(ConversionRun, WritesSeparateFacesInX3DClassic) {
   const Converted converted = ConvertIn(folder, golden, SeparateFacesInX3D());
   EXPECT_TRUE(fs::exists(folder.Path() / "level-.x3dv")) << "the dash is for the text alone";
   EXPECT_EQ(test::ReadFile(folder.Path() / "level.xml"), converted.Document);
-  EXPECT_TRUE(converted.Text.starts_with("#X3D V3.0 utf8\r\n\r\nPROFILE Immersive\r\n# Converted"));
   EXPECT_TRUE(Holds(converted.Text, "\r\n]\r\n}\r\nROUTE ")) << "no ROUTE stands in a children list";
-  EXPECT_TRUE(Holds(converted.Text, "}\r\nDEF level Transform {\r\n children [\r\nDEF Brush1 Transform {\r\n"));
-  EXPECT_TRUE(Holds(converted.Text, "   Collision {\r\n    collide FALSE\r\n    children [\r\n    Shape {\r\n"));
-  EXPECT_TRUE(Holds(converted.Text, "    }\r\n    ]\r\n   }\r\n\r\n  ]\r\n}\r\n"));
   EXPECT_TRUE(Holds(converted.Text, "geometry DEF F_Brush15 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n"))
       << "by the number of the polygon";
-  EXPECT_TRUE(Holds(converted.Document, "<Collision collide='false'>"));
-  const auto& findings = converted.Result.Findings.Findings();
-  EXPECT_TRUE(std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
-    return Holds(finding.Actor, "the field \"collide\"") && Holds(finding.Reason, "strict viewers may refuse");
-  }));
   const test::ReadScene text = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
   EXPECT_EQ(test::WithoutQuirks(text.Faults), Texts());
   EXPECT_EQ(test::Differences(text, document), Texts());
-}
-
-TEST(ConversionRun, WritesWhatValidatorsWantWhenConforming) {
-  ConversionSettings settings = SeparateFacesInX3D();
-  settings.CheckConforming = true;
-  const Converted converted = Convert(golden, settings);
-  EXPECT_TRUE(Holds(converted.Document, "<X3D profile='Immersive' version='3.0'>"));
-  EXPECT_TRUE(Holds(converted.Document, "<Collision enabled='false'>"));
-  EXPECT_TRUE(Holds(converted.Document, "<Anchor url='\"http://www.example.org\"'>"));
-  EXPECT_FALSE(Holds(converted.Document, "MultiTexture"));
-  EXPECT_FALSE(Holds(converted.Document, "diffuseColor='1 1 1'")) << "an unlit face without material";
-  EXPECT_TRUE(Holds(converted.Document, "shininess='0.390625'"));
-  EXPECT_TRUE(Holds(converted.Document, "speed='5.3'") && Holds(converted.Text, " speed 5.3\r\n"));
-  EXPECT_TRUE(Holds(converted.Text, "    enabled FALSE\r\n"));
-  const test::ReadScene text = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
-  EXPECT_EQ(text.Faults, Texts());
-  EXPECT_EQ(test::Differences(text, document), Texts());
-}
-
-TEST(ConversionRun, LeavesWalkingThroughTranslucentFacesToTheOption) {
-  ConversionSettings settings = SeparateFacesInX3D();
-  settings.CheckTranslucentSolid = settings.CheckCCW = true;
-  const Converted converted = Convert(golden, settings);
-  EXPECT_FALSE(Holds(converted.Text, "Collision"));
-  EXPECT_TRUE(
-      Holds(converted.Text, "F_B_12Wall0 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n        ccw TRUE"));
-  EXPECT_TRUE(
-      Holds(converted.Text, "F_Brush1_20 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n        ccw FALSE"));
 }
 
 TEST(ConversionRun, ChoosesBrushesAndFaces) {
@@ -304,14 +263,12 @@ TEST(ConversionRun, ReportsFilesThatCannotBeReadOrWritten) {
 }
 
 TEST(ConversionRun, TellsOnceOfNumbersThatNoLevelHasAndOfPolygonsThatAreNone) {
-  const std::string sky = "Region=(Zone=SkyZoneInfo'MyLevel.Sky')\n CsgOper=CSG_Add\n";
-  std::string level = "Begin Actor Class=SkyZoneInfo Name=Sky\nEnd Actor\n" + Brush("Star", sky, 2) +
-                      Brush("A", "CsgOper=CSG_Add\n") + Brush("Line", "CsgOper=CSG_Add\n");
-  for (std::size_t at = 0; (at = level.find("Begin Polygon Texture=brick\n", at)) != level.npos; at += 40)
-    level.insert(at + 28, "Origin 1e9,0,0\n");
+  const std::string add = " CsgOper=CSG_Add", far = "Texture=brick\n   Origin 1e9,0,0";
+  std::string level =
+      test::Actor("SkyZoneInfo Name=Sky") +
+      test::TriangleActor("Brush Name=Star", add + "\n Region=(Zone=SkyZoneInfo'MyLevel.Sky')", 2, far) +
+      test::TriangleActor("Mover Name=Door", add, 1, far) + test::TriangleActor("Brush Name=Line", add, 1, far);
   level.erase(level.rfind("   Vertex"), 17);
-  level.replace(level.find("Name=A\n"), 7, "Name=Door\n");
-  level.replace(level.rfind("Class=Brush", level.find("Name=Door")), 11, "Class=Mover");
   ConversionSettings settings = SampleSettings();
   settings.CheckSkyZone = true;
   Watcher user;

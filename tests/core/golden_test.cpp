@@ -1,10 +1,10 @@
 #include "core/run_report.h"
 #include "core/run_summary.h"
 #include "images/image_png.h"
-#include "tests/core/box_actor.h"
 #include "tests/core/converted.h"
 #include "tests/csg/made_brushes.h"
 #include "tests/images/made_images.h"
+#include "tests/made_actors.h"
 #include "tests/scene/scene_readers.h"
 
 #include <algorithm>
@@ -172,7 +172,7 @@ class Golden : public testing::TestWithParam<const char*> {
   Golden() {
     const Blob hills = MadeBmp(4, 3, 16, {}, Blob{0, 128, 0, 144, 0,   128, 0, 96, 0,   160, 0, 128,
                                                   0, 128, 0, 128, 255, 127, 0, 0,  255, 255, 0, 128});
-    library_.Write("golden_hills.bmp", std::string(hills.begin(), hills.end()));
+    library_.Write("golden_hills.bmp", hills);
     level_ = LevelOf(Name());
     settings_ = Everything(library_.Path());
   }
@@ -249,9 +249,11 @@ TEST_P(Golden, OptionsChangeWhatTheyAreFor) {
                       document = Difference(plain.Document, changed.Document);
     if (text + document == "") continue;
     changes += std::string(set) + "\ntext\n" + text + "document\n" + document;
-    for (const fs::path& file : changed.Result.FilesWritten)
-      if (file.filename().string().find("Light") != std::string::npos)
-        changes += file.filename().string() + " " + PictureText(ReadFile(file), true);
+    for (const fs::path& file : changed.Result.FilesWritten) {
+      const std::string name = file.filename().string(), content = ReadFile(file);
+      if (name.find("Light") != name.npos) changes += name + " " + PictureText(content, true);
+      if (!name.starts_with("level") && name.ends_with(".wrl")) changes += name + "\n" + Difference("", content);
+    }
   }
   if (!changes.empty()) ExpectKept(Name() + "-options.diff", changes);
 }

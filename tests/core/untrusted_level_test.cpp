@@ -1,5 +1,6 @@
 #include "core/run_summary.h"
 #include "tests/core/converted.h"
+#include "tests/made_actors.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -12,14 +13,10 @@ using namespace std::string_literals;
 using Names = std::vector<std::string>;
 
 std::string Brush(const std::string& name, const std::string& texture) {
-  return "Begin Actor Class=Brush Name=" + name +
-         "\n CsgOper=CSG_Add\n Begin Brush\n  Begin Polygon Texture=" + texture +
-         "\n   Vertex 0,0,0\n   Vertex 5,5,0\n   Vertex 0,9,9\n  End Polygon\n End Brush\nEnd Actor\n";
+  return test::TriangleActor("Brush Name=" + name, " CsgOper=CSG_Add", 1, "Texture=" + texture);
 }
 
-std::string SkyZone(const std::string& name) {
-  return "Begin Actor Class=SkyZoneInfo Name=" + name + "\n Location=(X=1)\nEnd Actor\n";
-}
+std::string SkyZone(const std::string& name) { return test::Actor("SkyZoneInfo Name=" + name, " Location=(X=1)"); }
 
 /// Every file below a folder, sorted.
 Names FilesIn(const fs::path& folder) {

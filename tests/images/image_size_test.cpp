@@ -1,6 +1,6 @@
 #include "images/image_size.h"
 #include "tests/images/made_images.h"
-#include "tests/resources/temp_folder.h"
+#include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

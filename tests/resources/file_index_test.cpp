@@ -2,7 +2,7 @@
 #include "base/reference.h"
 #include "resources/file_index.h"
 #include "resources/url.h"
-#include "tests/resources/temp_folder.h"
+#include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

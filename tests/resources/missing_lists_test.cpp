@@ -1,6 +1,6 @@
 #include "resources/missing_lists.h"
 #include "resources/preload_script.h"
-#include "tests/resources/temp_folder.h"
+#include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -10,12 +10,8 @@ namespace {
 using test::Blob;
 using test::MadePackage;
 
-class PackageLibraryTest : public testing::Test {
+class PackageLibraryTest : public test::TempFolder {
  protected:
-  void Write(const std::string& name, const Blob& file) const {
-    folder_.Write(name, std::string(file.begin(), file.end()));
-  }
-
   /// A package with textures of these names; "Group.Name" lies in a group.
   static Blob Textures(const std::vector<std::string>& names) {
     MadePackage made;
@@ -30,7 +26,7 @@ class PackageLibraryTest : public testing::Test {
   void Load(const std::vector<std::string>& roots) {
     std::vector<std::filesystem::path> folders;
     for (const std::string& root : roots)
-      folders.push_back(folder_.Path() / root);
+      folders.push_back(folder_ / root);
     library_.AddFolders(FileIndex(folders), report_);
     library_.Sort();
   }
@@ -39,14 +35,13 @@ class PackageLibraryTest : public testing::Test {
   std::string Found(std::string_view reference) const {
     const auto match = library_.Find(ParseReference(reference), PackageLibrary::Kind::Texture);
     if (!match) return "nothing";
-    std::string found = library_.PathOf(*match.Object.In).lexically_relative(folder_.Path()).string() + " " +
+    std::string found = library_.PathOf(*match.Object.In).lexically_relative(folder_).string() + " " +
                         FullName(*match.Object.In, RefOfExport(match.Object.Export), "");
     for (const std::string& other : match.Others)
       found += " or " + other;
     return found;
   }
 
-  TemporaryFolder folder_;
   Report report_;
   PackageLibrary library_;
 };
@@ -67,8 +62,8 @@ TEST_F(PackageLibraryTest, ThePackageThatIsNamedWinsThenTheOrderOfThePath) {
 TEST_F(PackageLibraryTest, TheLevelsOwnPackageIsMyLevels) {
   Write("maps/Other.unr", Textures({"Moss"}));
   Write("maps/Rooms.unr", Textures({"Moss"}));
-  library_.AddFolders(FileIndex({folder_.Path() / "maps"}), report_);
-  library_.AddOwn(folder_.Path() / "maps/Rooms.unr", report_);
+  library_.AddFolders(FileIndex({folder_ / "maps"}), report_);
+  library_.AddOwn(folder_ / "maps/Rooms.unr", report_);
   library_.Sort();
   EXPECT_EQ(library_.Packages(), 2U);
   EXPECT_EQ(Found("MyLevel.Moss"), "maps/Rooms.unr Moss");
@@ -77,7 +72,7 @@ TEST_F(PackageLibraryTest, TheLevelsOwnPackageIsMyLevels) {
 
 TEST_F(PackageLibraryTest, WhatCannotBeReadIsToldAndPassedOver) {
   Write("Later.utx", test::MadeTextures(128));
-  Write("Page.u", {'<', 'p', '>'});
+  Write("Page.u", "<p>");
   Write("Good.utx", test::MadeTextures());
   Load({"."});
   EXPECT_EQ(library_.Packages(), 1U);

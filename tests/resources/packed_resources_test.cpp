@@ -1,7 +1,7 @@
 #include "images/image_file.h"
 #include "resources/resource_files.h"
 #include "tests/packages/made_package.h"
-#include "tests/resources/temp_folder.h"
+#include "tests/temporary_folder.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -15,7 +15,6 @@ using Names = std::vector<std::string>;
 class PackedResources : public TempFolder {
  protected:
   void SetUp() override {
-    TempFolder::SetUp();
     Write("lib/deep/Castle.utx", MadeTextures());
     Write("in/level.unr", MadeLevel());
     settings_.TextSearchPathTxt = settings_.TextSearchPathSnd = (folder_ / "lib").string();

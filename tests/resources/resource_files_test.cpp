@@ -1,7 +1,7 @@
 #include "images/image_file.h"
 #include "resources/resource_files.h"
 #include "tests/images/made_images.h"
-#include "tests/resources/temp_folder.h"
+#include "tests/temporary_folder.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -15,7 +15,6 @@ using Names = std::vector<std::string>;
 class ResourceFilesTest : public TempFolder {
  protected:
   void SetUp() override {
-    TempFolder::SetUp();
     for (const char* name : {"lib", "out", "in"})
       fs::create_directories(folder_ / name);
     settings_.TextSearchPathTxt = (folder_ / "lib").string();

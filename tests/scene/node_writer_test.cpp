@@ -54,20 +54,6 @@ TEST_F(NodeWriter, NoticesNodesThatAreNotClosedInOrder) {
   EXPECT_THROW(outer.Close(), std::logic_error);
 }
 
-TEST_F(NodeWriter, WritesATimeSensorAndDeclaresScriptFields) {
-  WriteTimeSensor(writer_, "T", 0.25, Cycles::Endless);
-  EXPECT_EQ(writer_.SceneText(), "DEF T TimeSensor {\r\n cycleInterval 0.25\r\n loop TRUE\r\n enabled TRUE\r\n}\r\n");
-  SceneNode script = writer_.Open("", "Script", "S");
-  AddScriptField(writer_, "set_time", "SFTime", "inputOnly", "GOBBLEDGOOK");
-  AddScriptField(writer_, "count", "SFInt32", "inputOutput", "");
-  script.Attribute("DEF", "S2");
-  EXPECT_EQ(Document(), "<TimeSensor DEF='T' cycleInterval='0.25' loop='true' enabled='true'/>\r\n"
-                        "<Script DEF='S2'>\r\n"
-                        " <field name='set_time' type='SFTime' accessType='inputOnly'/>\r\n"
-                        " <field name='count' type='SFInt32' accessType='inputOutput' value=''/>\r\n"
-                        "</Script>\r\n");
-}
-
 TEST_F(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
   writer_.Define("A");
   AddRoute(writer_, "A", "time", "B", "set_time");

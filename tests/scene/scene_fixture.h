@@ -33,9 +33,7 @@ class SceneFixture : public testing::Test {
     group_.emplace(context_->Scene.Open("", "Group", {}, {.Scope = SceneScope::Document}));
   }
 
-  void WriteImage(const std::string& name, const Blob& content) {
-    folder_.Write("lib/" + name, std::string(content.begin(), content.end()));
-  }
+  void WriteImage(const std::string& name, const Blob& content) { folder_.Write("lib/" + name, content); }
 
   /// All text written so far, without carriage returns.
   std::string Text() {

@@ -58,49 +58,5 @@ class TextureAnimationTest : public SceneFixture {
   }
 };
 
-TEST_F(TextureAnimationTest, Vrml97HasAScriptWhereTheDocumentInterpolates) {
-  Begin(TextEncoding::Vrml97);
-  WriteSurface(SurfacePansU);
-  WriteSurface(SurfacePansU);
-  WriteTextureAnimations(context_->Scene, context_->Materials, {1, 1});
-  EXPECT_EQ(RoutesOfDocument(), 2U);
-  EXPECT_TRUE(report_.Findings().empty());
-  const std::string text = Text();
-  EXPECT_EQ(CountOf(text, "DEF TEXTRANSU TextureTransform {"), 1U);
-  EXPECT_EQ(CountOf(text, "DEF SCRIPTUPAN Script {"), 1U);
-  EXPECT_EQ(CountOf(text, "Interpolator2D"), 0U);
-  EXPECT_NE(text.find("ROUTE SCRIPTUPAN.translation_changed TO TEXTRANSU.set_translation\n"), text.npos);
-  EXPECT_EQ(CountOf(text, "ROUTE "), 2U);
-  EXPECT_EQ(CountElements("//Script"), 0U);
-  EXPECT_STREQ(Element("//PositionInterpolator2D[@DEF='POSINT2DUPAN']").attribute("keyValue").value(), "0 0, 1 0");
-  EXPECT_TRUE(Element("//ROUTE[@fromNode='POSINT2DUPAN'][@toNode='TEXTRANSU']"));
-}
-
-TEST_F(TextureAnimationTest, X3DInterpolatesInBothScenesAndWavesClose) {
-  Begin(TextEncoding::X3DClassic);
-  WriteSurface(SurfaceSmallWavy);
-  WriteTextureAnimations(context_->Scene, context_->Materials, {1, 1});
-  EXPECT_EQ(RoutesOfDocument(), 2U);
-  const std::string text = Text();
-  EXPECT_EQ(CountOf(text, "Script"), 0U);
-  EXPECT_NE(text.find("DEF WAVYPOSINT PositionInterpolator2D {\n key [0 0.0625"), text.npos);
-  EXPECT_NE(text.find("ROUTE WAVYPOSINT.value_changed TO TEXTRANSSMALLWAVY.set_translation\n"), text.npos);
-  const std::string values = Element("//PositionInterpolator2D").attribute("keyValue").value();
-  EXPECT_EQ(values.substr(0, values.find(',')), values.substr(values.rfind(',') + 2)) << "no jump at the end";
-}
-
-TEST_F(TextureAnimationTest, AnEnclosedSceneGetsItsRoutesBehindTheEnclosure) {
-  Begin(TextEncoding::Contact);
-  SceneNode enclosing = context_->Scene.Open("", "Transform");
-  WriteSurface(SurfacePansU | SurfacePansV);
-  WriteSurface(SurfacePansV);
-  WriteTextureAnimations(context_->Scene, context_->Materials, {1, 1});
-  EXPECT_EQ(CountOf(context_->Scene.SceneText(), "ROUTE "), 0U);
-  enclosing.Close();
-  EXPECT_EQ(RoutesOfDocument(), 4U);
-  EXPECT_EQ(CountOf(Text(), "ROUTE "), 4U);
-  EXPECT_TRUE(report_.Findings().empty());
-}
-
 } // namespace
 } // namespace quarvel::test

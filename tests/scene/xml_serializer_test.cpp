@@ -28,18 +28,6 @@ pugi::xml_document MadeDocument(const char* value) {
   return document;
 }
 
-TEST(XMLSerializer, WritesItsOwnLayout) {
-  XMLFaults faults;
-  EXPECT_EQ(Saved(MadeDocument("f(\"a\") > b"), false, faults), "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n"
-                                                                "<!--#comment Converted with Quarvel/VRML -->\r\n"
-                                                                "<X3D profile='Immersive'>\r\n"
-                                                                " <Scene>\r\n"
-                                                                "  <Script url='f(\"a\") > b' empty=''/>\r\n"
-                                                                " </Scene>\r\n"
-                                                                "</X3D>\r\n");
-  EXPECT_FALSE(faults.Markup || faults.Characters);
-}
-
 TEST(XMLSerializer, EscapesOnlyWhenConforming) {
   const char* value = "a<b && c='d'\r\n\xe4\x80";
   const pugi::xml_document document = MadeDocument(value);

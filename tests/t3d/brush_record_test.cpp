@@ -1,13 +1,12 @@
 #include "t3d/brush_record.h"
+#include "tests/made_actors.h"
 
 #include <gtest/gtest.h>
 
 namespace quarvel {
 namespace {
 
-std::string Actor(const std::string& classAndName, const std::string& body) {
-  return "Begin Actor " + classAndName + "\r\n" + body + "End Actor\r\n";
-}
+using test::Actor;
 
 BrushRecord ReadOne(const std::string& text) {
   const T3DLevel level(text);
@@ -21,20 +20,20 @@ BrushRecord ReadOne(const std::string& text) {
 
 TEST(BrushRecord, ReadsPolygonsWithinTheirBounds) {
   const std::string text =
-      Actor("Class=Brush Name=B", " CsgOper=CSG_Add\r\n PolyFlags=8\r\n Begin Brush Name=M\r\n"
-                                  " Begin PolyList Num=3\r\n"
-                                  "  Begin Polygon Item=Origin Texture=Pack.Panel22 Flags=-1073741824 Link=0\r\n"
-                                  "   Origin   +00001.0,+00002.0,+00003.0\r\n"
-                                  "   Vertex   +00004.0,+00005.0,+00006.0\r\n"
-                                  "   Vertex   +00007.0,+00008.0,+000-0.0\r\n"
-                                  "  End Polygon\r\n"
-                                  "  Begin Polygon Texture=\"Quoted\" Flags=256\r\n"
-                                  "   Pan      U=-65 V=7\r\n"
-                                  "   TextureU +00001.0,+00000.0,+00000.0\r\n"
-                                  "  End Polygon\r\n"
-                                  "  Begin Polygon\r\n   Vertex 1,1,1\r\n"
-                                  "  Begin Polygon\r\n   Vertex 9,9,9\r\n  End Polygon\r\n"
-                                  " End PolyList\r\n End Brush\r\n PrePivot=(Y=4)\r\n");
+      Actor("Brush Name=B", " CsgOper=CSG_Add\r\n PolyFlags=8\r\n Begin Brush Name=M\r\n"
+                            " Begin PolyList Num=3\r\n"
+                            "  Begin Polygon Item=Origin Texture=Pack.Panel22 Flags=-1073741824 Link=0\r\n"
+                            "   Origin   +00001.0,+00002.0,+00003.0\r\n"
+                            "   Vertex   +00004.0,+00005.0,+00006.0\r\n"
+                            "   Vertex   +00007.0,+00008.0,+000-0.0\r\n"
+                            "  End Polygon\r\n"
+                            "  Begin Polygon Texture=\"Quoted\" Flags=256\r\n"
+                            "   Pan      U=-65 V=7\r\n"
+                            "   TextureU +00001.0,+00000.0,+00000.0\r\n"
+                            "  End Polygon\r\n"
+                            "  Begin Polygon\r\n   Vertex 1,1,1\r\n"
+                            "  Begin Polygon\r\n   Vertex 9,9,9\r\n  End Polygon\r\n"
+                            " End PolyList\r\n End Brush\r\n PrePivot=(Y=4)\r\n");
   const T3DLevel level(text);
   NumberCheck check;
   const BrushRecord brush = ReadBrush(level, level.Actors.at(0), check);
@@ -59,7 +58,7 @@ TEST(BrushRecord, ReadsPolygonsWithinTheirBounds) {
 
 TEST(BrushRecord, ReadsScalesWithTheirDefaults) {
   const BrushRecord brush = ReadOne(
-      Actor("Class=Brush Name=B",
+      Actor("Brush Name=B",
             " MainScale=(Scale=(Z=-1.000000),SheerAxis=SHEER_ZX)\r\n PostScale=(SheerRate=-0.5,SheerAxis=SHEER_YZ)\r\n"
             " TempScale=(Scale=(X=9))\r\n OldLocation=(X=5)\r\n Location=(X=1)\r\n"));
   EXPECT_EQ(brush.MainScale, (Vector3{1, 1, -1}));
@@ -75,7 +74,7 @@ TEST(BrushRecord, ReadsMoversOfEachClass) {
   const std::string body = " RotationRate=(Yaw=1)\r\n RotateRate=(Yaw=2)\r\n Location=(X=5)\r\n BasePos=(X=3)\r\n"
                            " NumKeys=3\r\n KeyPos(1)=(Z=10)\r\n KeyPos(2)=(Z=20)\r\n KeyPos(3)=(Z=30)\r\n"
                            " KeyRot(2)=(Yaw=7)\r\n InitialState=\"TriggerToggle\"\r\n";
-  const BrushRecord mover = ReadOne(Actor("Class=Mover Name=M", body));
+  const BrushRecord mover = ReadOne(Actor("Mover Name=M", body));
   EXPECT_EQ(mover.CsgOper, "CsgOper=CSG_Add");
   EXPECT_EQ(mover.InitialState, "TriggerToggle");
   EXPECT_EQ(mover.Physics, "PHYS_MovingBrush");
@@ -86,17 +85,17 @@ TEST(BrushRecord, ReadsMoversOfEachClass) {
   EXPECT_EQ(mover.KeyRot[2].Yaw, 7);
   EXPECT_TRUE(mover.IsMover && !mover.IsLoopMover);
 
-  const BrushRecord rotating = ReadOne(Actor("Class=Game.RotatingMover Name=M", body));
+  const BrushRecord rotating = ReadOne(Actor("Game.RotatingMover Name=M", body));
   EXPECT_EQ(rotating.RotationRate.Yaw, 2);
   EXPECT_EQ(rotating.Physics, "PHYS_Rotating");
-  EXPECT_TRUE(ReadOne(Actor("Class=LoopMover Name=M", "")).IsLoopMover);
+  EXPECT_TRUE(ReadOne(Actor("LoopMover Name=M", "")).IsLoopMover);
 
-  const BrushRecord one = ReadOne(Actor("Class=Mover Name=M", " NumKeys=1\r\n KeyPos(1)=(Z=1)\r\n"));
+  const BrushRecord one = ReadOne(Actor("Mover Name=M", " NumKeys=1\r\n KeyPos(1)=(Z=1)\r\n"));
   EXPECT_EQ(one.KeyPos[1], Vector3());
-  const BrushRecord most = ReadOne(Actor("Class=Mover Name=M", " NumKeys=150\r\n KeyPos(149)=(Z=1)\r\n"));
+  const BrushRecord most = ReadOne(Actor("Mover Name=M", " NumKeys=150\r\n KeyPos(149)=(Z=1)\r\n"));
   EXPECT_FALSE(most.TooManyKeys);
   EXPECT_EQ(most.KeyPos[149].Z, 1);
-  EXPECT_TRUE(ReadOne(Actor("Class=Mover Name=M", " NumKeys=151\r\n KeyPos(1)=(Z=1)\r\n")).TooManyKeys);
+  EXPECT_TRUE(ReadOne(Actor("Mover Name=M", " NumKeys=151\r\n KeyPos(1)=(Z=1)\r\n")).TooManyKeys);
 }
 
 TEST(BrushRecord, ReadsABarePolygonList) {

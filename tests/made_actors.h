@@ -7,6 +7,21 @@
 
 namespace quarvel::test {
 
+/// An actor's block with these keys, one a line; the header is its class, and what else stands there.
+inline std::string Actor(const std::string& header, const std::string& keys = {}) {
+  return "Begin Actor Class=" + header + "\r\n" + keys + "\r\nEnd Actor\r\n";
+}
+
+/// A brush or mover of triangles.
+inline std::string TriangleActor(const std::string& header, const std::string& keys = {}, int triangles = 1,
+                                 const std::string& polygon = "Texture=brick") {
+  std::string text = keys + "\r\n Begin Brush Name=M\r\n";
+  for (int i = 0; i < triangles; ++i)
+    text += "  Begin Polygon " + polygon + "\r\n   TextureU 1,0,0\r\n   TextureV 0,1,0\r\n   Vertex " +
+            std::to_string(10 * i) + ",0,0\r\n   Vertex 5,5,0\r\n   Vertex 0,9,9\r\n  End Polygon\r\n";
+  return Actor(header, text + " End Brush");
+}
+
 /// A brush actor with the box's polygons; `keys` are lines of the actor.
 inline std::string BoxActor(const std::string& name, const CsgBrush& box, const std::string& keys,
                             const std::string& texture = "brick") {

@@ -1,0 +1,68 @@
+#include "core/batch.h"
+#include "tests/core/converted.h"
+#include "tests/made_actors.h"
+
+#include <gtest/gtest.h>
+
+namespace quarvel {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Actor;
+using test::ReadFile;
+using test::SampleSettings;
+using Texts = std::vector<std::string>;
+
+bool Holds(const std::string& text, const std::string& what) { return text.find(what) != std::string::npos; }
+
+const std::string skyLevel =
+    Actor("SkyZoneInfo Name=Sky0") + test::TriangleActor("Brush Name=Ground", " CsgOper=CSG_Add") +
+    test::TriangleActor("Brush Name=Cloud", " CsgOper=CSG_Add\r\n Region=(Zone=SkyZoneInfo'L.Sky0')");
+
+TEST(SkyScene, LeaveTheSkyWhereItIsRatherThanOverwriteTheLevel) {
+  const TemporaryFolder folder;
+  folder.Write("in.t3d", skyLevel);
+  ConversionSettings settings = SampleSettings();
+  settings.CheckSkyZone = true;
+  MemoryStore store;
+  RunMemory memory;
+  RunInterface user;
+  const RunResult result =
+      ConvertFile(folder.Path() / "in.t3d", folder.Path() / "sky0.wrl", settings, store, memory, user);
+  EXPECT_EQ(result.FilesWritten.size(), 2U);
+  EXPECT_TRUE(Holds(ReadFile(folder.Path() / "sky0.wrl"), "DEF Cloud Transform"));
+}
+
+TEST(SkyScene, NoSkyTakesThePlaceOfAnotherScene) {
+  const TemporaryFolder folder;
+  ConversionSettings settings = SampleSettings();
+  settings.CheckSkyZone = true;
+  MemoryStore store;
+  RunMemory memory;
+  RunInterface user;
+  /// How each level of a batch ends.
+  const auto convert = [&](const Texts& names) {
+    Texts inputs, ends;
+    for (const std::string& name : names) {
+      folder.Write(name + ".t3d", name == "Sky0" ? Actor("PlayerStart Name=P", "") : skyLevel);
+      inputs.push_back((folder.Path() / (name + ".t3d")).string());
+    }
+    for (const RunResult& result : RunBatch(ListJobs(inputs, {}, settings), settings, store, memory, user))
+      ends.push_back(result.Outcome == RunOutcome::Done ? "done" : result.Reason);
+    return ends;
+  };
+  const std::string sky = (folder.Path() / "Sky0.wrl").string();
+  const auto refusal = [&](const std::string& what, const char* owner) {
+    return "is not converted: its " + what + " " + sky + " is an output of " + (folder.Path() / owner).string() +
+           " already";
+  };
+  EXPECT_EQ(convert({"one"}), Texts{"done"});
+  EXPECT_EQ(convert({"one", "two", "Sky0"}),
+            (Texts{"done", refusal("sky scene", "one.t3d"), refusal("output", "one.t3d")}));
+  EXPECT_TRUE(Holds(ReadFile(sky), "DEF Cloud Transform"));
+  EXPECT_EQ(convert({"Sky0", "two"}), (Texts{"done", refusal("sky scene", "Sky0.t3d")}));
+  EXPECT_FALSE(Holds(ReadFile(sky), "DEF Cloud Transform"));
+}
+
+} // namespace
+} // namespace quarvel
