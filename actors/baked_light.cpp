@@ -17,17 +17,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
-LevelRecord LevelInfoOf(const SceneRun& run) {
-  const auto infos = ReadAllShown(run, ActorFamily::Level, ReadLevel);
-  return infos.empty() ? LevelRecord() : infos.front();
+// Mean light of the maps below which nothing can be made out in most places, and what makes it out.
+constexpr double nearlyBlack = 0.08, evenLight = 0.1;
+
+LevelRecord LevelInfoOf(const T3DLevel& level) {
+  const auto& infos = level.ActorsOf(ActorFamily::Level);
+  return infos.empty() ? LevelRecord() : ReadLevel(level, *infos.front());
 }
 
 /// The lamps that the scene does not write as lights of its own, because they never change.
-std::vector<Lamp> LampsOf(const SceneRun& run, double levelBrightness) {
+std::vector<Lamp> LampsOf(const ScenePart& part, const T3DLevel& level) {
+  const double brightness = LevelInfoOf(level).Brightness;
   std::vector<Lamp> lamps;
-  for (const LightRecord& light : ReadAllShown(run, ActorFamily::Light, ReadLight)) {
+  for (const LightRecord& light : ReadAllShown(part, level, ActorFamily::Light, ReadLight)) {
     if (IsDynamicLight(light)) continue;
-    const Lamp lamp = MakeLamp(light, levelBrightness);
+    const Lamp lamp = MakeLamp(light, brightness);
     if (lamp.Strength > 0) lamps.push_back(lamp);
   }
   return lamps;
@@ -36,6 +40,12 @@ std::vector<Lamp> LampsOf(const SceneRun& run, double levelBrightness) {
 Vector3 AmbienceOf(const ZoneBlock& zone) {
   return ScaleVector(LampColor(zone.AmbientHue, zone.AmbientSaturation),
                      std::clamp(zone.AmbientBrightness, 0.0, 255.0) / 255);
+}
+
+/// The light that is everywhere in the scene: the level's, or that of the sky zone.
+Vector3 AmbienceOf(const SceneRun& run) {
+  if (run.Part.Kept != ScenePart::Kind::Sky) return AmbienceOf(LevelInfoOf(run.Level).Zone);
+  return AmbienceOf(ReadSkyZone(run.Level, *run.Level.ActorsOf(ActorFamily::SkyZone).front()).Zone);
 }
 
 BakedLight BakeWithProgress(SceneRun& run, const LevelLight& light) {
@@ -50,6 +60,17 @@ BakedLight BakeWithProgress(SceneRun& run, const LevelLight& light) {
   });
   if (baked.Stopped) throw RunStopped();
   return baked;
+}
+
+/// Bakes once more, with even light, what comes out nearly black.
+BakedLight BakeToBeSeen(SceneRun& run, LevelLight& light) {
+  BakedLight baked = BakeWithProgress(run, light);
+  if (baked.Texels == 0 || baked.Mean >= nearlyBlack) return baked;
+  const bool isSky = run.Part.Kept == ScenePart::Kind::Sky;
+  run.Context.Findings.Add(FindingCode::LightRaised, isSky ? run.SceneName : "",
+                           RoundToInteger(100 * baked.Mean, 0, 100), RoundToInteger(100 * evenLight, 0, 100));
+  light.AddAmbient({evenLight, evenLight, evenLight});
+  return BakeWithProgress(run, light);
 }
 
 /// Writes the pages beside the scene. Returns their URLs.
@@ -81,22 +102,20 @@ void NoteLight(SceneRun& run, const BakedLight& baked, std::size_t lamps, double
 ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3DLevel& level, Report& findings) {
   ConversionSettings used = settings;
   if (!settings.CheckBakeLight) return used;
-  used.CheckBakeLight = settings.CheckDoGeometry && !settings.CheckBuildBrush && !level.Actors.empty();
-  if (used.CheckBakeLight) {
-    used.CheckHeadlight = false;
-    used.CheckMergeLevel = true; // where nothing is carved
-  } else {
-    findings.Add(FindingCode::LightNotBaked, "");
-  }
+  const bool hasLevel = settings.CheckDoGeometry && !settings.CheckBuildBrush && !level.Actors.empty();
+  const bool hasLamps = !LampsOf({ScenePart::Kind::World, {}}, level).empty();
+  used.CheckBakeLight = hasLevel && hasLamps;
+  used.CheckHeadlight = !used.CheckBakeLight && (settings.CheckHeadlight || hasLevel);
+  used.CheckMergeLevel = settings.CheckMergeLevel || used.CheckBakeLight; // where nothing is carved
+  if (!used.CheckBakeLight) findings.Add(hasLevel ? FindingCode::NoLampsToBake : FindingCode::LightNotBaked, "");
   return used;
 }
 
 void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit) {
   run.Context.User.ShowPass("Baking light");
   const auto start = std::chrono::steady_clock::now();
-  const LevelRecord info = LevelInfoOf(run);
-  run.Light = std::make_unique<LevelLight>(std::move(lit), LampsOf(run, info.Brightness), AmbienceOf(info.Zone));
-  const BakedLight baked = BakeWithProgress(run, *run.Light);
+  run.Light = std::make_unique<LevelLight>(std::move(lit), LampsOf(run.Part, run.Level), AmbienceOf(run));
+  const BakedLight baked = BakeToBeSeen(run, *run.Light);
   run.Context.Materials.SetLightPages(WritePages(run, baked.Pages));
   run.Context.Light = run.Light.get();
   surfaces = WithLightMaps(surfaces, baked, *run.Light, !run.Context.Scene.IsX3DClassic());

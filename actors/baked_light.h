@@ -10,8 +10,8 @@
 
 namespace quarvel {
 
-/// The settings with which a level is converted: `CheckBakeLight` switches the headlight off, and is itself off where
-/// there is no level to bake light into, which is reported.
+/// The settings with which a level is converted: `CheckBakeLight` switches the headlight off, and is itself off, which
+/// is reported, where there is no level to bake light into, or no lamp: then visitors carry the headlight.
 ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3DLevel& level, Report& findings);
 
 /// Bakes the light of the run's scene into maps on its surfaces and writes them beside the scene; the run's context has

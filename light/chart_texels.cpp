@@ -54,17 +54,20 @@ class ChartLighter {
       if (lamp.SpecialLit == surface.SpecialLit && MayReach(lamp, chart)) lamps_.push_back(&lamp);
   }
 
-  std::uint64_t Run(Image& page) {
-    std::uint64_t count = 0;
+  LitTexels Run(Image& page) {
+    LitTexels lit;
     const std::vector<NearestPiece> nearest = FindNearest();
     for (int y = 0; y < chart_.Height; ++y)
       for (int x = 0; x < chart_.Width; ++x) {
         const NearestPiece& piece = nearest[At(x, y)];
-        if (piece.Piece >= 0) count += LightTexel(x, y, piece);
+        if (piece.Piece < 0 || !LightTexel(x, y, piece)) continue;
+        const Vector3& light = texels_[At(x, y)];
+        ++lit.Count;
+        lit.Sum += ToByte(light.X) + ToByte(light.Y) + ToByte(light.Z);
       }
     FillWaiting();
     Store(page);
-    return count;
+    return lit;
   }
 
  private:
@@ -200,8 +203,8 @@ class ChartLighter {
 
 } // namespace
 
-std::uint64_t LightChart(const Chart& chart, std::span<const LitSurface> surfaces, std::span<const Lamp> lamps,
-                         const ShadowScene& shadows, Image& page) {
+LitTexels LightChart(const Chart& chart, std::span<const LitSurface> surfaces, std::span<const Lamp> lamps,
+                     const ShadowScene& shadows, Image& page) {
   const LitSurface& surface = surfaces[static_cast<std::size_t>(chart.Pieces.front().Surface)];
   return ChartLighter(chart, surface, lamps, shadows).Run(page);
 }

@@ -102,6 +102,7 @@ class BakeJob {
     workers.clear();
     if (failure_) std::rethrow_exception(failure_);
     result_.Texels = texels_;
+    result_.Mean = static_cast<double>(sum_) / (3.0 * 255 * std::max(1.0, static_cast<double>(texels_)));
     result_.Stopped = stop_;
   }
 
@@ -132,7 +133,9 @@ class BakeJob {
       for (std::size_t i = 3; i < page.Picture.Values.size(); i += 4)
         page.Picture.Values[i] = 255;
     });
-    texels_ += LightChart(chart, surfaces_, lamps_, shadows_, page.Picture);
+    const LitTexels lit = LightChart(chart, surfaces_, lamps_, shadows_, page.Picture);
+    texels_ += lit.Count;
+    sum_ += lit.Sum;
     if (--page.ChartsLeft > 0) return;
     result_.Pages[number] = WritePng(page.Picture);
     page.Picture = Image();
@@ -146,7 +149,7 @@ class BakeJob {
   std::vector<OpenPage> pages_;
   std::vector<std::size_t> order_;
   std::atomic<std::size_t> next_ = 0;
-  std::atomic<std::uint64_t> texels_ = 0;
+  std::atomic<std::uint64_t> texels_ = 0, sum_ = 0;
   std::atomic<bool> stop_ = false;
   std::mutex mutex_;
   std::condition_variable ended_;

@@ -37,6 +37,7 @@ struct BakedLight {
   std::vector<LitPiece> Pieces;                 ///< by surface
   double Texel = 0;                             ///< as used
   std::uint64_t Texels = 0;                     ///< that were computed
+  double Mean = 0;                              ///< light of these, 0 to 1
   bool Stopped = false;                         ///< by the caller: there are no pages then
 };
 

@@ -15,6 +15,17 @@ Vector3 AtLeast(const Vector3& light, double least) {
 
 } // namespace
 
+LevelLight::LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient)
+    : surfaces_(std::move(surfaces)), lamps_(std::move(lamps)), shadows_(surfaces_) {
+  AddAmbient(ambient);
+}
+
+void LevelLight::AddAmbient(const Vector3& ambient) {
+  ambient_ = AddVector(ambient_, ambient);
+  for (LitSurface& surface : surfaces_)
+    surface.Ambient = AddVector(surface.Ambient, ambient);
+}
+
 Vector3 LevelLight::At(const Vector3& point, const Vector3& normal) const {
   return AtLeast(LightAtPoint(lamps_, shadows_, point, normal, false, ambient_), LeastLight);
 }

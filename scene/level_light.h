@@ -20,13 +20,16 @@ inline constexpr double LeastLight = 0.04;
 /// colours are 0 to 1 each.
 class LevelLight {
  public:
-  LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient)
-      : surfaces_(std::move(surfaces)), lamps_(std::move(lamps)), ambient_(ambient), shadows_(surfaces_) {}
+  /// `ambient` is everywhere.
+  LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient);
 
   /// See BakeLight.
   BakedLight Bake(const BakeOptions& options, const BakeProgress& progress) const {
     return BakeLight(surfaces_, lamps_, shadows_, options, progress);
   }
+
+  /// More light that is everywhere.
+  void AddAmbient(const Vector3& ambient);
 
   const std::vector<LitSurface>& Surfaces() const { return surfaces_; }
   std::size_t Lamps() const { return lamps_.size(); }

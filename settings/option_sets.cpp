@@ -10,6 +10,7 @@ const OptionSet& WebOptions() {
                              "One page that holds the level as it is best walked in",
                              {{"CheckCarve", "1"},
                               {"CheckMergeLevel", "1"},
+                              {"CheckBakeLight", "1"},
                               {"CheckSkyZone", "1"},
                               {"CheckMakePage", "1"},
                               {"CheckPageOnly", "1"}}};

@@ -30,6 +30,27 @@ class BakedLevelTest : public testing::Test {
   std::size_t Count(const std::string& path) const { return document_.select_nodes(path.c_str()).size(); }
   std::string Value(const std::string& path) const { return document_.select_node(path.c_str()).attribute().value(); }
 
+  /// The red of all texels, the darkest first.
+  std::vector<int> LightOfMaps() const {
+    const std::string png = folder_.Read("levelLight0.png");
+    const auto page = ReadPng({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
+    std::vector<int> light;
+    for (std::size_t i = 0; page && i < page.Picture->Values.size(); i += 4)
+      light.push_back(page.Picture->Values[i]);
+    std::sort(light.begin(), light.end());
+    return light;
+  }
+  /// The darkest of those that are not between the rectangles.
+  int DarkestLight() const {
+    const std::vector<int> light = LightOfMaps();
+    const auto lit = std::upper_bound(light.begin(), light.end(), 0);
+    return lit == light.end() ? 0 : *lit;
+  }
+  bool Found(FindingCode code) const {
+    const auto& findings = converted_.Result.Findings.Findings();
+    return std::any_of(findings.begin(), findings.end(), [&](const Finding& found) { return found.Code == code; });
+  }
+
   const TemporaryFolder folder_;
   ConversionSettings settings_ = test::SampleSettings();
   test::Converted converted_;
@@ -50,10 +71,7 @@ TEST_F(BakedLevelTest, SurfacesHaveTheirTextureAndALightMap) {
   EXPECT_NE(converted_.Text.find("color Color"), std::string::npos);
   EXPECT_NE(converted_.Text.find("colorIndex"), std::string::npos);
 
-  const std::string png = folder_.Read("levelLight0.png");
-  const auto page = ReadPng({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
-  ASSERT_TRUE(page);
-  EXPECT_GT(*std::max_element(page.Picture->Values.begin(), page.Picture->Values.end()), 150);
+  EXPECT_GT(LightOfMaps().back(), 150);
   EXPECT_EQ(converted_.Result.Light.Lamps, 1U);
   EXPECT_EQ(converted_.Result.Light.Pages, 1U);
 }
@@ -69,6 +87,24 @@ TEST_F(BakedLevelTest, WhatChangesStaysALight) {
   EXPECT_EQ(Count("//PointLight"), 3U);
   EXPECT_EQ(Count("//PointLight[@DEF='Lamp' or @DEF='Blinking' or @DEF='GlobalAmbientLight']"), 0U);
   EXPECT_EQ(converted_.Result.Light.Lamps, 2U);
+}
+
+TEST_F(BakedLevelTest, AmbientLightIsInTheMaps) {
+  Convert(room + lamp + "Begin Actor Class=LevelInfo Name=Info\n AmbientBrightness=51\nEnd Actor\n");
+  EXPECT_EQ(DarkestLight(), 51);
+  EXPECT_FALSE(Found(FindingCode::LightRaised));
+}
+
+TEST_F(BakedLevelTest, NoLevelIsLeftInTheDark) {
+  const std::string glow = "Begin Actor Class=Light Name=Glow\n Location=(X=500,Y=500,Z=300)\n LightBrightness=9\n"
+                           " LightRadius=8\nEnd Actor\n";
+  Convert(room + glow);
+  EXPECT_TRUE(Found(FindingCode::LightRaised));
+  EXPECT_EQ(DarkestLight(), 26);
+  Convert(room + "Begin Actor Class=TriggerLight Name=Switched\nEnd Actor\n");
+  EXPECT_TRUE(Found(FindingCode::NoLampsToBake));
+  EXPECT_EQ(converted_.Result.Light.Pages + Count("//MultiTexture"), 0U);
+  EXPECT_EQ(Value("//NavigationInfo/@headlight"), "true");
 }
 
 TEST_F(BakedLevelTest, MovingTexturesMoveAboveAMapThatStandsStill) {
