@@ -8,6 +8,7 @@ namespace quarvel {
 extern const std::string_view pageHtml;
 extern const std::string_view pageStyle;
 extern const std::string_view viewerScript;
+extern const std::string_view lightScript;
 extern const std::string_view walkScript;
 extern const std::string_view pageScript;
 

@@ -90,7 +90,8 @@ MadePage MakePage(const PageInput& input, const ViewerFiles& viewer, Report& rep
                         {"level", LevelJson(level, input.UnitLength)},
                         {"parts", elements},
                         {"nonce", Fingerprint(elements + level.Title)},
-                        {"script", std::string(viewerScript) + std::string(walkScript) + std::string(pageScript)}};
+                        {"script", std::string(viewerScript) + std::string(lightScript) + std::string(walkScript) +
+                                       std::string(pageScript)}};
   return {Fill(pageHtml, insertions), {}};
 }
 

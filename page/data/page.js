@@ -44,6 +44,7 @@ async function load() {
   await advance(0.6);
   scene = await browser.createX3DFromString(parts.scene.get("level.x3d"));
   parts.scene.clear();
+  useLightShader(browser, scene);
   await advance(0.8);
   await browser.replaceWorld(scene);
   walker = new Walker(browser, level);

@@ -20,9 +20,9 @@ function makePage(level, ...options) {
   return page;
 }
 
-function makeLevel(name, text) {
+function makeLevel(name, text, textures = folder) {
   fs.writeFileSync(path.join(folder, name), text);
-  return makePage(path.join(folder, name), "--textures", folder);
+  return makePage(path.join(folder, name), "--textures", textures);
 }
 
 const harbour = () => harbour.page ??= makePage(path.join(samples, "harbour.t3d"), "--textures", samples + "/textures",
@@ -54,6 +54,17 @@ class Visit {
       if (test(seen)) return seen;
     }
     assert.fail(`${what}: last seen ${JSON.stringify(seen)}`);
+  }
+
+  // The mean red of 8 x 6 parts of the picture, row by row.
+  async picture() {
+    const png = (await this.page.screenshot()).toString("base64");
+    return this.page.evaluate(async png => {
+      const bytes = Uint8Array.from(atob(png), c => c.charCodeAt(0)), canvas = new OffscreenCanvas(8, 6), pen = canvas.getContext("2d");
+      pen.imageSmoothingQuality = "high";
+      pen.drawImage(await createImageBitmap(new Blob([bytes])), 0, 0, 8, 6);
+      return [...pen.getImageData(0, 0, 8, 6).data].filter((value, i) => i % 4 === 0);
+    }, png);
   }
 
   // Waits until the visitor neither falls nor walks.
@@ -146,6 +157,25 @@ const tests = {
     assert.equal(asked, 0);
     v.messages.length = v.requests.length = 0; // each refusal is one
   }),
+
+  "light maps are drawn as the viewer draws them, but faster": () => {
+    const page = makeLevel("lamp.t3d", map(
+      box("Floor", [-512, -512, -64], [512, 512, 0]),
+      box("Wall", [320, -512, 0], [384, 512, 256]),
+      actor("Light", "Lamp", [250, -40, 120], "LightBrightness=90\nLightRadius=12\n"),
+      actor("PlayerStart", "PlayerStart0", [0, 0, 40])), samples + "/textures");
+    return visit(page, async v => {
+      const shapes = "(() => { const all = []; const visit = n => n.getNodeTypeName() === 'Shape' ? all.push(n) : [...n.children ?? []].forEach(visit);"
+        + " [...b.currentScene.rootNodes].forEach(visit); return all.filter(s => s.appearance.shaders.length); })()";
+      await v.until(() => v.see(`${shapes}.map(s => s.appearance.shaders[0].isValid).join()`), all => /^true(,true)*$/.test(all), "the shader runs");
+      const seen = await v.picture();
+      await v.see(`${shapes}.forEach(s => s.appearance.shaders = new X3D.MFNode())`);
+      await v.page.waitForTimeout(1500);
+      const viewers = await v.picture();
+      assert.ok(Math.max(...seen) - Math.min(...seen) > 40, "light and shade: " + seen);
+      seen.forEach((red, i) => assert.ok(Math.abs(red - viewers[i]) <= 3, `${seen} is not ${viewers}`));
+    }, "?embed");
+  },
 
   "gravity sets the visitor on the floor": () => visit(room(), async v => {
     await v.enter();
