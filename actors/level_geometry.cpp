@@ -97,17 +97,22 @@ void WriteSurfaces(SceneRun& run, const std::vector<LevelSurface>& surfaces) {
   run.Totals.Carving.WriteSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-CarvedLevel CarveBrushes(const std::vector<LevelBrush>& brushes) {
+CarvedLevel CarveBrushes(const std::vector<LevelBrush>& brushes, RunInterface& user) {
   std::vector<CsgBrush> made;
   made.reserve(brushes.size());
   for (const LevelBrush& brush : brushes)
     made.push_back(MakeCsgBrush(brush));
-  return CarveLevel(made);
+  CarvedLevel level = CarveLevel(made, [&](double done) {
+    user.ShowItem("percent carved: ", static_cast<long>(100 * done));
+    user.ProcessEvents();
+    return !user.StopRequested();
+  });
+  if (level.Stopped) throw RunStopped();
+  return level;
 }
 
 void WriteCarved(SceneRun& run, const GatheredBrushes& gathered) {
-  run.Context.User.ShowItem("carving");
-  const CarvedLevel level = CarveBrushes(gathered.Brushes);
+  const CarvedLevel level = CarveBrushes(gathered.Brushes, run.Context.User);
   std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, gathered.Brushes, level);
   if (run.Context.Settings.CheckBakeLight) {
     std::vector<LitSurface> lit = MakeLitSurfaces(surfaces);

@@ -259,21 +259,26 @@ void CloseSurfaces(CarvedLevel& level) {
   level.OpenEdges = FindOpenEdges(level);
 }
 
-void CarveFaces(const Workshop& workshop, std::span<const CsgBrush> brushes, CarvedLevel& level) {
+void CarveFaces(const Workshop& workshop, std::span<const CsgBrush> brushes, const CarveProgress& progress,
+                CarvedLevel& level) {
   std::vector<Bounds3> boxes;
   for (const Carver& carver : workshop.Carvers)
     boxes.push_back(carver.Box);
   const BoxTree tree(std::move(boxes));
   FaceCarver carver(workshop.Carvers, tree);
+  std::size_t done = 0;
   for (const bool structural : {true, false})
-    for (const Taker& taker : workshop.Takers)
-      if ((taker.Carver != FaceCarver::NoCarver) == structural)
-        CarveBrush(taker, brushes[static_cast<std::size_t>(taker.Brush)], carver, level);
+    for (const Taker& taker : workshop.Takers) {
+      if ((taker.Carver != FaceCarver::NoCarver) != structural) continue;
+      level.Stopped = progress && !progress(static_cast<double>(done++) / static_cast<double>(brushes.size()));
+      if (level.Stopped) return;
+      CarveBrush(taker, brushes[static_cast<std::size_t>(taker.Brush)], carver, level);
+    }
 }
 
 } // namespace
 
-CarvedLevel CarveLevel(std::span<const CsgBrush> brushes) {
+CarvedLevel CarveLevel(std::span<const CsgBrush> brushes, const CarveProgress& progress) {
   CarvedLevel level;
   const auto timed = [](double& seconds, auto step) {
     const Clock::time_point start = Clock::now();
@@ -282,7 +287,8 @@ CarvedLevel CarveLevel(std::span<const CsgBrush> brushes) {
   };
   Workshop workshop;
   timed(level.PrepareSeconds, [&] { workshop = Prepare(brushes, level); });
-  timed(level.CarveSeconds, [&] { CarveFaces(workshop, brushes, level); });
+  timed(level.CarveSeconds, [&] { CarveFaces(workshop, brushes, progress, level); });
+  if (level.Stopped) return level;
   level.EmptyVolume = VolumeInside(level);
   timed(level.WeldSeconds, [&] { CloseSurfaces(level); });
   return level;

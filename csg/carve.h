@@ -4,6 +4,7 @@
 #include "csg/polygon_mesh.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -66,7 +67,11 @@ struct CarvedLevel {
   double EmptyVolume = 0;          ///< cubic Unreal units
   CarveCounts Counts;
   double PrepareSeconds = 0, CarveSeconds = 0, WeldSeconds = 0;
+  bool Stopped = false; ///< by the caller: the rest says nothing then
 };
+
+/// Told before each brush how much of the carving is done, 0 to 1; returns false to stop.
+using CarveProgress = std::function<bool(double)>;
 
 /// How near two points are that become one; Unreal units.
 inline constexpr double WeldDistance = 0.1;
@@ -74,6 +79,6 @@ inline constexpr double WeldDistance = 0.1;
 /// Carves a level. The world starts solid; the state of a point is decided by the last structural brush that contains
 /// it. A face of one survives where it parts empty from solid; where several coincide, the last brush's does. The other
 /// brushes, and those that are open, then add their faces where both sides are empty.
-CarvedLevel CarveLevel(std::span<const CsgBrush> brushes);
+CarvedLevel CarveLevel(std::span<const CsgBrush> brushes, const CarveProgress& progress = {});
 
 } // namespace quarvel

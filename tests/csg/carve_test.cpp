@@ -161,6 +161,15 @@ TEST(Carve, TellsWhatItCannotCarve) {
   EXPECT_NEAR(AreaOf(CarveLevel(Level{room, open}), 1), 2 * 100, 1e-6) << "one side in each of the walls";
 }
 
+TEST(Carve, StopsBetweenTwoBrushes) {
+  std::vector<double> told;
+  EXPECT_TRUE(CarveLevel(Level{room, room, room, room}, [&](double done) {
+                told.push_back(done);
+                return done < 0.5;
+              }).Stopped);
+  EXPECT_EQ(told, (std::vector<double>{0, 0.25, 0.5}));
+}
+
 TEST(Carve, DamagedBrushesDoNoHarm) {
   std::mt19937 random(11);
   const auto number = [&] { return static_cast<double>(random() % 2001) / 10 - 100; };
