@@ -190,8 +190,7 @@ void MaterialWriter::WriteBakedTextures(const TextureEntry& entry, int page) {
   if (!hasImage) return WritePage(page, "        texture ");
   const SceneScope maps = scene_.IsX3DClassic() ? SceneScope::Both : SceneScope::Document;
   SceneNode both = scene_.Open("        texture ", "MultiTexture", {}, {.Scope = maps});
-  both.TextField("          mode", "[\"MODULATE\" \"MODULATE\"]");
-  both.Attribute("mode", "\"MODULATE\" \"MODULATE\"");
+  both.List("          mode", "\"MODULATE\" \"MODULATE\"", ListLayout::OneLine);
   both.Nodes("          texture");
   WriteImage(entry, scene_.IsX3DClassic() ? "            " : "        texture ");
   WritePage(page, "            ");
