@@ -43,6 +43,14 @@ GatheredBrushes GatherBrushes(SceneRun& run) {
   return gathered;
 }
 
+/// A brush that was gathered, or passed over then, once more: its numbers are counted already.
+BrushRecord ReadAgain(SceneRun& run, const ActorBlock& actor) {
+  const NumberCheck counted = run.Numbers;
+  BrushRecord brush = *ShownBrush(run, actor);
+  run.Numbers = counted;
+  return brush;
+}
+
 const char* ReasonOf(CarveFault fault) {
   switch (fault) {
   case CarveFault::NotClosed:
@@ -126,8 +134,8 @@ void WriteCarved(SceneRun& run, const GatheredBrushes& gathered) {
   for (const RefusedBrush& refused : level.Refused) {
     const auto number = static_cast<std::size_t>(refused.Brush);
     ReportRefused(run, gathered.Brushes[number], refused.Fault);
-    const auto brush = ShownBrush(run, *gathered.Actors[number]);
-    if (!gathered.Brushes[number].Subtracts) WriteNextBrush(run, *brush);
+    if (gathered.Brushes[number].Subtracts) continue;
+    WriteNextBrush(run, ReadAgain(run, *gathered.Actors[number]));
     FlushBlock(run);
   }
 }
@@ -136,7 +144,7 @@ void WriteMerged(SceneRun& run, GatheredBrushes gathered) {
   std::vector<LevelBrush> kept;
   for (std::size_t i = 0; i < gathered.Brushes.size(); ++i) {
     if (gathered.Brushes[i].Subtracts)
-      SkipBrush(run, *ShownBrush(run, *gathered.Actors[i]));
+      SkipBrush(run, ReadAgain(run, *gathered.Actors[i]));
     else
       kept.push_back(std::move(gathered.Brushes[i]));
   }
@@ -162,7 +170,7 @@ bool WriteWholeLevel(SceneRun& run) {
   if (!carves && !doNothing("no brush subtracts, so that all would be solid") && !settings.CheckMergeLevel)
     return false;
   for (const ActorBlock* actor : gathered.Others)
-    SkipBrush(run, *ShownBrush(run, *actor));
+    SkipBrush(run, ReadAgain(run, *actor));
   if (carves && settings.CheckCarve)
     WriteCarved(run, gathered);
   else
