@@ -135,7 +135,11 @@ TEST(Carving, MergesWithoutCarving) {
   settings.CheckMergeLevel = true;
   const std::string mirrored = BoxActor("Mirrored", test::AddBox({0, 0, 0}, {100, 100, 100}),
                                         " CsgOper=CSG_Add\n MainScale=(Scale=(X=-1.000000))", "crate");
-  const test::Converted converted = test::Convert("Begin Map\n" + room + block + mirrored + "End Map\n", settings);
+  std::string odd = room;
+  odd.replace(odd.find("Origin 0,0,0"), 12, "Origin 1e9,0,0");
+  const test::Converted converted = test::Convert("Begin Map\n" + odd + block + mirrored + "End Map\n", settings);
+  const std::string message = "Input file contains badly formatted numbers: 1 place, the first in Room";
+  EXPECT_EQ(converted.Result.Messages, std::vector<std::string>{message});
   const test::ReadScene scene = test::ReadVrml(converted.Text);
   EXPECT_EQ(scene.Faults, std::vector<std::string>());
   EXPECT_EQ(CountOf(scene, "Shape"), 1U);
