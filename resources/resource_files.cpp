@@ -20,6 +20,14 @@ FoundFile Located(const FileIndex& index, const IndexedFile& file) {
   return {index.PathOf(file), file.Folder, file.Name};
 }
 
+/// A folder as seen from a library's root, empty for the root itself; nothing when it lies elsewhere.
+std::optional<fs::path> FolderBelow(const fs::path& root, const fs::path& folder) {
+  if (folder == root) return fs::path();
+  fs::path below = folder.lexically_relative(root);
+  if (below.empty() || *below.begin() == "..") return std::nullopt;
+  return below;
+}
+
 /// The last part of a path typed with either separator.
 std::string_view LastPart(std::string_view path) {
   const std::size_t separator = path.find_last_of("/\\");
@@ -97,9 +105,12 @@ bool ResourceFiles::IsNameOfAnother(const fs::path& folder, const CopyJob& job) 
   const std::vector<std::string_view> images = ImageExtensions(ImageType::Png);
   if (std::find(images.begin(), images.end(), FoldName(ExtensionOf(job.Name))) == images.end()) return false;
   const FileIndex& index = *indexOfKind_[ResourceKind::Texture];
+  std::vector<std::optional<fs::path>> below;
+  for (const fs::path& root : index.Roots())
+    below.push_back(FolderBelow(root, folder));
+  if (std::none_of(below.begin(), below.end(), [](const auto& at) { return at.has_value(); })) return false;
   const auto isAnother = [&](const IndexedFile& file) {
-    const fs::path path = index.PathOf(file);
-    return path.parent_path() == folder && !copier_.List().Find(path) &&
+    return file.Folder == below[file.Root] && !copier_.List().Find(index.PathOf(file)) &&
            std::find(images.begin(), images.end(), file.Extension) != images.end();
   };
   const auto files = index.Find(StemOf(job.Name));
