@@ -1,8 +1,5 @@
 #include "actors/fly_through.h"
-#include "math/rotation.h"
 #include "tests/actors/actor_fixture.h"
-
-#include <cmath>
 
 namespace quarvel {
 namespace {
@@ -54,25 +51,6 @@ TEST_F(FlyThrough, FollowsTheActionsOfASceneManager) {
   track.Loop = true;
   EXPECT_EQ(TotalKeyTime(track, KeyCount(track, KeyMode::Third), KeyMode::Third), 10) << "it begins anew at once";
   EXPECT_EQ(KeyList(track, 7, KeyMode::Position), "0 0.1 0.3 0.7 0.85 1 1 ");
-}
-
-TEST_F(FlyThrough, CameraLooksAlongThePointsRotation) {
-  // A rotation about a unit axis as a quaternion, and the product of two of them.
-  const auto quaternion = [](const AxisAngle4& turn) {
-    const double half = std::sin(turn.Angle / 2);
-    return Quaternion4{turn.X * half, turn.Y * half, turn.Z * half, std::cos(turn.Angle / 2)};
-  };
-  const auto product = [](const Quaternion4& a, const Quaternion4& b) {
-    return Quaternion4{a.W * b.X + a.X * b.W + a.Y * b.Z - a.Z * b.Y, a.W * b.Y + a.Y * b.W + a.Z * b.X - a.X * b.Z,
-                       a.W * b.Z + a.Z * b.W + a.X * b.Y - a.Y * b.X, a.W * b.W - a.X * b.X - a.Y * b.Y - a.Z * b.Z};
-  };
-  const Matrix4 conversion = MakeConversionMatrix();
-  const Rotator3 rotation{-3000, 21000, 0};
-  const Quaternion4 nested = product(quaternion(RotatorToAxisAngle(BrushRotator(rotation), conversion)),
-                                     quaternion(RotatorToAxisAngle({}, conversion)));
-  const Quaternion4 camera = quaternion(RotatorToAxisAngle(rotation, conversion));
-  const double same = nested.X * camera.X + nested.Y * camera.Y + nested.Z * camera.Z + nested.W * camera.W;
-  EXPECT_NEAR(std::fabs(same), 1, 1e-9);
 }
 
 } // namespace

@@ -210,34 +210,6 @@ TEST_F(CommandLineTest, SpeaksAsMuchAsItIsAsked) {
   EXPECT_EQ(out_.str() + err_.str(), "");
 }
 
-TEST(RunReport, HoldsWhatTheRunKnows) {
-  RunResult result;
-  result.InputFile = "caf\xe9.t3d";
-  result.Scene.Text = "a.wrl";
-  result.MissingLists = {"aMissingSounds.txt"};
-  result.Incomplete = "a.wrl";
-  result.FailedFiles = {"b.png cannot be written: No space left on device"};
-  result.Faces = 6;
-  result.Missing[ResourceKind::Sound] = {"S1"};
-  result.Findings.Add(FindingCode::TooManyKeys, "Door", 151, 150);
-  result.Findings.Add(FindingCode::TooManyKeys, "Door", 151, 150);
-  result.Findings.Count(FindingCode::OtherBrushes, "CSG_Intersect");
-  result.Findings.Count(FindingCode::OtherBrushes, "CSG_Intersect");
-  const auto run = nlohmann::json::parse(ReportAsJson({result}))[0];
-  EXPECT_EQ(run["input"], "caf\xc3\xa9.t3d");
-  EXPECT_EQ(run["outputs"],
-            nlohmann::json::parse(
-                R"({"textScene": "a.wrl", "incomplete": "a.wrl", "missingLists": ["aMissingSounds.txt"]})"));
-  EXPECT_EQ(run["failedFiles"][0], "b.png cannot be written: No space left on device");
-  EXPECT_EQ(run["counts"]["faces"], 6);
-  EXPECT_EQ(run["missing"], nlohmann::json::parse(R"({"textures": [], "sounds": ["S1"], "meshes": []})"));
-  EXPECT_EQ(run["findings"], nlohmann::json::parse(R"([{"code": "TooManyKeys", "severity": "lost", "actor": "Door",
-      "text": "NumKeys is 151, but a mover can have 150 keys at most; it was left out"}])"));
-  EXPECT_EQ(run["leftOut"], nlohmann::json::parse(R"([{"code": "OtherBrushes", "severity": "lost", "count": 2,
-      "text": "brushes left out as CSG_Intersect"}])"));
-  EXPECT_FALSE(run.contains("error") || run.contains("box"));
-}
-
 TEST(Program, HearsCtrlCWhileAPipeIsOpened) {
   const TemporaryFolder folder;
   const fs::path pipe = folder.Path() / "out.wrl";

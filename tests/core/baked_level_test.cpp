@@ -1,11 +1,9 @@
-#include "base/ascii_text.h"
 #include "images/image_png.h"
 #include "tests/core/converted.h"
 #include "tests/csg/made_brushes.h"
 #include "tests/made_actors.h"
 
 #include <algorithm>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
@@ -28,7 +26,6 @@ class BakedLevelTest : public testing::Test {
     document_.load_string(converted_.Document.c_str());
   }
   std::size_t Count(const std::string& path) const { return document_.select_nodes(path.c_str()).size(); }
-  std::string Value(const std::string& path) const { return document_.select_node(path.c_str()).attribute().value(); }
 
   /// The red of all texels, the darkest first.
   std::vector<int> LightOfMaps() const {
@@ -57,25 +54,6 @@ class BakedLevelTest : public testing::Test {
   pugi::xml_document document_;
 };
 
-TEST_F(BakedLevelTest, SurfacesHaveTheirTextureAndALightMap) {
-  Convert(room + lamp);
-  EXPECT_EQ(Value("//NavigationInfo/@headlight"), "false");
-  EXPECT_EQ(Count("//Material | //PointLight"), 0U);
-  EXPECT_EQ(Value("//MultiTexture/@mode"), "\"MODULATE\" \"MODULATE\"");
-  EXPECT_EQ(Value("//MultiTexture/ImageTexture[2]/@url"), "\"levelLight0.png\"");
-  EXPECT_EQ(Value("//MultiTexture/ImageTexture[2]/@repeatS"), "false");
-  EXPECT_EQ(Count("//MultiTextureCoordinate/TextureCoordinate"), 2U);
-  EXPECT_EQ(Count("//Color | //ColorRGBA"), 0U);
-  // VRML97 has no light maps: there the corners have colours.
-  EXPECT_EQ(converted_.Text.find("MultiTexture"), std::string::npos);
-  EXPECT_NE(converted_.Text.find("color Color"), std::string::npos);
-  EXPECT_NE(converted_.Text.find("colorIndex"), std::string::npos);
-
-  EXPECT_GT(LightOfMaps().back(), 150);
-  EXPECT_EQ(converted_.Result.Light.Lamps, 1U);
-  EXPECT_EQ(converted_.Result.Light.Pages, 1U);
-}
-
 TEST_F(BakedLevelTest, WhatChangesStaysALight) {
   settings_.CheckOutputStaticLights = true;
   Convert(room + lamp +
@@ -87,53 +65,6 @@ TEST_F(BakedLevelTest, WhatChangesStaysALight) {
   EXPECT_EQ(Count("//PointLight"), 3U);
   EXPECT_EQ(Count("//PointLight[@DEF='Lamp' or @DEF='Blinking' or @DEF='GlobalAmbientLight']"), 0U);
   EXPECT_EQ(converted_.Result.Light.Lamps, 2U);
-}
-
-TEST_F(BakedLevelTest, AmbientLightIsInTheMaps) {
-  Convert(room + lamp + "Begin Actor Class=LevelInfo Name=Info\n AmbientBrightness=51\nEnd Actor\n");
-  EXPECT_EQ(DarkestLight(), 51);
-  EXPECT_FALSE(Found(FindingCode::LightRaised));
-}
-
-TEST_F(BakedLevelTest, NoLevelIsLeftInTheDark) {
-  const std::string glow = "Begin Actor Class=Light Name=Glow\n Location=(X=500,Y=500,Z=300)\n LightBrightness=9\n"
-                           " LightRadius=8\nEnd Actor\n";
-  Convert(room + glow);
-  EXPECT_TRUE(Found(FindingCode::LightRaised));
-  EXPECT_EQ(DarkestLight(), 26);
-  Convert(room + "Begin Actor Class=TriggerLight Name=Switched\nEnd Actor\n");
-  EXPECT_TRUE(Found(FindingCode::NoLampsToBake));
-  EXPECT_EQ(converted_.Result.Light.Pages + Count("//MultiTexture"), 0U);
-  EXPECT_EQ(Value("//NavigationInfo/@headlight"), "true");
-}
-
-TEST_F(BakedLevelTest, MovingTexturesMoveAboveAMapThatStandsStill) {
-  settings_.OptionFlux = true;
-  Convert(
-      test::BoxActor("Room", test::SubtractBox({0, 0, 0}, {1050, 2100, 525}), " CsgOper=CSG_Subtract\n PolyFlags=512") +
-      lamp);
-  EXPECT_EQ(Value("//MultiTextureTransform/TextureTransform[1]/@DEF"), "TEXTRANSU");
-  EXPECT_EQ(Count("//MultiTextureTransform/TextureTransform"), 2U);
-  EXPECT_NE(converted_.Text.find("#X3D V3.3"), std::string::npos);
-  EXPECT_NE(converted_.Text.find("mode [\"MODULATE\" \"MODULATE\"]"), std::string::npos);
-}
-
-TEST_F(BakedLevelTest, MoversMasksGlassAndUnlitSurfacesAreNeitherBlackNorWashedOut) {
-  const auto block = [](const char* name, double x, const char* keys) {
-    return test::BoxActor(name, test::AddBox({x, 105, 0}, {x + 50, 210, 105}), keys, "crate");
-  };
-  Convert(room + lamp + block("Unlit", 100, " CsgOper=CSG_Add\n PolyFlags=4194304") +
-          block("Glass", 200, " CsgOper=CSG_Add\n PolyFlags=12") +
-          block("Mask", 300, " CsgOper=CSG_Add\n PolyFlags=10"));
-  EXPECT_EQ(Count("//Material"), 0U);
-  EXPECT_EQ(Count("//Shape[.//MultiTexture]"), 3U) << "all but the unlit one";
-  EXPECT_EQ(Count("//Shape[.//MultiTexture]//ColorRGBA[@color='1 1 1 0.5']"), 1U) << "the glass";
-  EXPECT_EQ(Count("//Shape[.//MultiTexture]//ColorRGBA[@color='1 1 1 1']"), 1U) << "the mask";
-  std::string mover = block("Door", 500, "");
-  mover.replace(mover.find("Class=Brush"), 11, "Class=Mover");
-  Convert(room + lamp + mover);
-  EXPECT_EQ(Count("//Shape[.//Color and not(.//MultiTexture)]"), 1U);
-  EXPECT_EQ(Count("//Material"), 0U);
 }
 
 TEST_F(BakedLevelTest, WithoutCarvingTheLevelIsMergedAndBareListsAreLeftAlone) {

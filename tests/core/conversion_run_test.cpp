@@ -302,15 +302,10 @@ TEST(LevelCheck, TellsTheGenerationsApart) {
   EXPECT_FALSE(T3DLevel(" Texture=Wall\n PhysicsVolume=X").LegacyFormat);
 }
 
-/// Settings for a page, with a stand-in for the viewer in `folder`.
 ConversionSettings PageSettingsIn(const TemporaryFolder& folder) {
-  for (const char* name : {"EventUtilities", "Geometry2D", "KeyDeviceSensor", "Scripting", "Text"})
-    folder.Write("v/assets/components/" + std::string(name) + "Component.min.js", "");
-  for (const char* name : {"x_ite.min.js", "x_ite.css", "LICENSE.md"})
-    folder.Write("v/" + std::string(name), "the viewer");
   ConversionSettings settings = SampleSettings();
   settings.CheckMakePage = true;
-  settings.TextViewer = (folder.Path() / "v/x_ite.min.js").string();
+  settings.TextViewer = test::WriteViewer(folder).string();
   return settings;
 }
 

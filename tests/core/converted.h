@@ -41,6 +41,15 @@ inline void SetOptions(const std::string& options, ConversionSettings& settings)
   }
 }
 
+/// Writes a stand-in for the viewer of a page, and returns the name of its script.
+inline std::filesystem::path WriteViewer(const TemporaryFolder& folder) {
+  for (const char* name : {"EventUtilities", "Geometry2D", "KeyDeviceSensor", "Scripting", "Text"})
+    folder.Write("v/assets/components/" + std::string(name) + "Component.min.js", "");
+  for (const char* name : {"x_ite.css", "LICENSE.md"})
+    folder.Write("v/" + std::string(name), "the viewer");
+  return folder.Write("v/x_ite.min.js", "the viewer");
+}
+
 /// Converts `level` to level.wrl (or what the settings make of that name) in `folder`.
 inline Converted ConvertIn(const TemporaryFolder& folder, const std::string& level,
                            const ConversionSettings& settings = SampleSettings(), RunInterface* user = nullptr) {

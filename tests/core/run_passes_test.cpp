@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
-#include <set>
 
 namespace quarvel::test {
 namespace {
@@ -67,28 +66,6 @@ TEST_F(SurroundingsTest, TheLevelsPanSpeedComesBeforeThatOfItsZones) {
   EXPECT_EQ(Value("//TimeSensor[@DEF='TIMERUPAN']/@cycleInterval"), "1");
   EXPECT_EQ(Value("//TimeSensor[@DEF='TIMERVPAN']/@cycleInterval"), "8");
   EXPECT_EQ(Count("//ROUTE"), 4U);
-}
-
-TEST_F(SurroundingsTest, RealLevelsPlaceEveryActorWithAMesh) {
-  const std::pair<const char*, std::size_t> levels[] = {
-      {"ue2-CanyonCrusade-terrain", 62}, {"ue2-DM_Amos", 123}, {"ue2-map-static-meshes", 0}};
-  for (const char* mesh : {"LightFixture", "WallNodeBeam", "Plakmunition", "lampet01"})
-    folder_.Write(std::string("lib/") + mesh + ".wrl", "");
-  for (const auto& [name, placed] : levels) {
-    const std::filesystem::path level = std::filesystem::path(QUARVEL_LEVELS_DIR) / (std::string(name) + ".t3d");
-    if (!std::filesystem::exists(level)) GTEST_SKIP() << "the folder of real levels is not here";
-    ConvertFileAt(level);
-    EXPECT_EQ(Count("//Transform[starts-with(@DEF,'MSHT_')]"), placed) << name;
-    std::set<std::string> defined;
-    for (const pugi::xpath_node& at : document_.select_nodes("//Inline")) {
-      const std::string used = at.node().attribute("USE").value();
-      if (used.empty())
-        EXPECT_TRUE(defined.insert(at.node().attribute("DEF").value()).second);
-      else
-        EXPECT_TRUE(defined.contains(used)) << used;
-    }
-    EXPECT_EQ(defined.size(), placed == 0 ? 0U : 2U);
-  }
 }
 
 } // namespace

@@ -21,7 +21,10 @@ TEST(ImageSize, IsReadFromEveryFormat) {
 }
 
 TEST(ImageSize, ContentGoesBeforeTheExtension) {
-  EXPECT_EQ(ReadImageSize(MadeGif(33, 44), "png"), Size({33, 44}));
+  Blob older = MadeGif(33, 44);
+  EXPECT_EQ(ReadImageSize(older, "png"), Size({33, 44}));
+  older[4] = '7';
+  EXPECT_EQ(ReadImageSize(older, "png"), Size({33, 44})) << "GIF87a";
   EXPECT_EQ(ReadImageSize(Blob{'h', 'e', 'l', 'l', 'o'}, "png"), Size());
   EXPECT_EQ(ReadImageSize(MadeTga(2, 4, 2, 32, 8, Blob(32)), "dat"), Size()) << "tga has no signature";
 }

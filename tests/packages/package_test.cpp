@@ -200,20 +200,6 @@ TEST_F(Textures, WithoutPixelsGetAPicture) {
   EXPECT_EQ(leaf.Picture->Palette[9], (Rgba{9, 9, 9, 255}));
 }
 
-TEST_F(Textures, FindTheirPaletteInAnotherPackage) {
-  MadePackage made;
-  made.Export("Palette", "Autumn", test::PaletteBytes(made));
-  const Blob file = made.Build();
-  const Package elsewhere = *ReadPackage(file, "Elsewhere").Value;
-  const auto find = [&](const Package& package, ObjectRef import) -> PackageObject {
-    EXPECT_EQ(FullName(package, import, ""), "Elsewhere.Autumn");
-    return {&elsewhere, 0};
-  };
-  const TexturePicture leaf = ReadTexturePicture(Find(package_, "Leaf"), find);
-  EXPECT_EQ(leaf.MissingPalette, "");
-  EXPECT_EQ(leaf.Picture->Palette[9], (Rgba{9, 246, 7, 255}));
-}
-
 TEST(DamagedTextures, SayWhatIsWrong) {
   MadePackage made;
   const ObjectRef palette = made.Export("Palette", "P", test::PaletteBytes(made));

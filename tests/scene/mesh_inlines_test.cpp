@@ -44,13 +44,6 @@ TEST_F(MeshInlinesTest, EachSceneFallsBackToTheOtherType) {
   EXPECT_STREQ(Element("//Inline[@DEF='MSH_Old']").attribute("url").value(), "Old.wrl");
 }
 
-TEST_F(MeshInlinesTest, AMissingMeshLeavesTheTransformEmpty) {
-  Place({"Props.Gone"});
-  EXPECT_EQ(CountOf(Text(), "Inline"), 0U);
-  EXPECT_TRUE(Element("//Transform[@DEF='MSHT_Actor0'][not(*)]"));
-  EXPECT_EQ(resources_->Missing()[ResourceKind::Mesh], std::vector<std::string>{"Props.Gone"});
-}
-
 TEST_F(MeshInlinesTest, ReversedFilesAreTakenOnlyWhenFacesAreNotReversed) {
   folder_.Write("lib/Urn.wrl", "");
   folder_.Write("lib/Urn-.wrl", "-");
@@ -60,31 +53,6 @@ TEST_F(MeshInlinesTest, ReversedFilesAreTakenOnlyWhenFacesAreNotReversed) {
   settings_.CheckCCW = true;
   Place({"Urn"});
   EXPECT_EQ(CountOf(Text(), "url \"Urn.wrl\""), 1U);
-}
-
-TEST_F(MeshInlinesTest, ScalesAreInSceneAxesAndKeepTheirSigns) {
-  folder_.Write("lib/Urn.wrl", "");
-  settings_.TextScale = {"0.5", 0.5};
-  settings_.TextMeshScale = {"2", 2};
-  Begin();
-  StaticMeshRecord actor = Actor("A");
-  actor.Location = {10, 20, 30};
-  actor.Rotation.Yaw = 16384;
-  actor.DrawScale3D = {1, -2, 3};
-  actor.DrawScale = 0.5;
-  context_->Meshes.WritePlacedMesh(actor, "Urn");
-  const pugi::xml_node transform = Element("//Transform");
-  EXPECT_STREQ(transform.attribute("translation").value(), "5 15.0 10.0");
-  EXPECT_STREQ(transform.attribute("scale").value(), "1 3 -2");
-  EXPECT_STREQ(transform.attribute("rotation").value(), "0 -1 0.0 1.570796");
-
-  BrushRecord mover;
-  mover.StaticMesh = "StaticMesh'Pkg.Urn'";
-  mover.DrawScale = 1.5;
-  const SceneNode moved = context_->Scene.Open("", "Transform");
-  context_->Meshes.WriteMoverMesh(mover);
-  EXPECT_TRUE(Element("//Group/Transform[2]/Transform[@scale='3 3 3']/Inline[@USE]"))
-      << "the mover itself stays unscaled";
 }
 
 } // namespace

@@ -82,17 +82,6 @@ TEST_F(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
   EXPECT_NE(report_.Findings()[0].Reason.find("Never"), std::string::npos);
 }
 
-TEST_F(NodeWriter, QuotesStringListsInConformingDocuments) {
-  for (const bool conforming : {false, true}) {
-    SceneWriter writer(file_, TextEncoding::Vrml97, conforming);
-    SceneNode image = writer.Open("", "ImageTexture");
-    image.Strings(" url", PerScene{"wall.wrl", "wall.x3d"}, Brackets::Tight);
-    EXPECT_EQ(writer.SceneText(), "ImageTexture {\r\n url [\"wall.wrl\"]\r\n");
-    const std::string value = writer.SceneDocument().first_child().attribute("url").value();
-    EXPECT_EQ(value, conforming ? "\"wall.x3d\"" : "wall.x3d");
-  }
-}
-
 TEST(SceneNames, AreLegalAndNeverTakenTwice) {
   EXPECT_EQ(MakeDefName("Brush12"), "Brush12");
   EXPECT_EQ(MakeDefName("12 a.b,c'd\"e#f{g}[h]\\i:j&k<l\xe4"), "_12_a_b_c_d_e_f_g__h__i_j_k_l_");
