@@ -327,8 +327,9 @@ std::string PageText(const std::string& html) {
     std::string shown;
     if (const std::size_t data = part.find("base64,"); data != part.npos) {
       const std::string bytes = FromBase64(part.substr(data + 7));
-      shown = part.substr(0, data) + std::to_string(bytes.size()) + " bytes ";
-      if (bytes.starts_with("\x89PNG")) shown += PictureText(bytes, false);
+      // How well an image is packed is the library's business.
+      const std::string size = std::to_string(bytes.size()) + " bytes";
+      shown = part.substr(0, data) + (bytes.starts_with("\x89PNG") ? PictureText(bytes, false) : size);
     } else {
       shown = "\n" + Unzipped(FromBase64(part));
       for (std::size_t tag = shown.find("><"); tag != shown.npos; tag = shown.find("><", tag))
