@@ -1,6 +1,11 @@
 #include "scene/lit_level.h"
 
+#include "csg/box_tree.h"
 #include "scene/brush_geometry.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
 
 namespace quarvel {
 
@@ -57,6 +62,80 @@ LevelSurface PieceOf(const LevelSurface& surface, const LitPiece& piece) {
   return made;
 }
 
+TexturePoint PointBetween(const TexturePoint& a, const TexturePoint& b, double share) {
+  return {a.U + share * (b.U - a.U), a.V + share * (b.V - a.V)};
+}
+
+/// Makes the corners of cuts corners of the surfaces on whose edges they lie: viewers show a crack where a corner has
+/// none opposite.
+class SharedCorners {
+ public:
+  explicit SharedCorners(std::vector<Vector3> corners) : corners_(std::move(corners)), tree_(BoxesOf(corners_)) {}
+
+  void AddTo(LevelSurface& surface) const {
+    LevelSurface all = surface;
+    all.Points.clear();
+    all.TexturePoints.clear();
+    all.LightPoints.clear();
+    for (std::size_t i = 0; i < surface.Points.size(); ++i) {
+      const std::size_t next = (i + 1) % surface.Points.size();
+      const auto add = [&](const Vector3& point, double share) {
+        all.Points.push_back(point);
+        all.TexturePoints.push_back(PointBetween(surface.TexturePoints[i], surface.TexturePoints[next], share));
+        if (!surface.LightPoints.empty())
+          all.LightPoints.push_back(PointBetween(surface.LightPoints[i], surface.LightPoints[next], share));
+      };
+      add(surface.Points[i], 0);
+      for (const auto& [share, corner] : Between(surface.Points[i], surface.Points[next]))
+        add(corners_[corner], share);
+    }
+    if (all.Points.size() > surface.Points.size()) surface = std::move(all);
+  }
+
+ private:
+  static std::vector<Bounds3> BoxesOf(const std::vector<Vector3>& corners) {
+    std::vector<Bounds3> boxes;
+    for (const Vector3& corner : corners)
+      boxes.push_back({corner, corner});
+    return boxes;
+  }
+
+  /// Those between two points, each once, by their share of the way.
+  std::vector<std::pair<double, std::uint32_t>> Between(const Vector3& from, const Vector3& to) const {
+    std::vector<std::pair<double, std::uint32_t>> found;
+    const Vector3 edge = SubtractVector(to, from);
+    const double length = VectorLength(edge);
+    if (length <= 2 * WeldDistance) return found;
+    Bounds3 box = InitBounds();
+    GrowBounds(box, from);
+    GrowBounds(box, to);
+    box = WidenBox(box, WeldDistance);
+    tree_.Search([&](const Bounds3& other) { return BoxesMeet(box, other); },
+                 [&](std::uint32_t corner) {
+                   const Vector3 offset = SubtractVector(corners_[corner], from);
+                   const double along = DotProduct(offset, edge) / length;
+                   if (along <= WeldDistance || along >= length - WeldDistance) return;
+                   const double off = VectorLength(CrossProduct(offset, edge)) / length;
+                   if (off <= WeldDistance) found.emplace_back(along / length, corner);
+                 });
+    std::sort(found.begin(), found.end());
+    const auto isSame = [&](const auto& a, const auto& b) { return (b.first - a.first) * length <= WeldDistance; };
+    found.erase(std::unique(found.begin(), found.end(), isSame), found.end());
+    return found;
+  }
+
+  std::vector<Vector3> corners_;
+  BoxTree tree_;
+};
+
+/// Appends the corners that the pieces of a surface have beyond its own.
+void NoteCut(const LevelSurface& surface, std::span<const LevelSurface> pieces, std::vector<Vector3>& corners) {
+  for (const LevelSurface& piece : pieces)
+    for (const Vector3& point : piece.Points)
+      if (std::find(surface.Points.begin(), surface.Points.end(), point) == surface.Points.end())
+        corners.push_back(point);
+}
+
 } // namespace
 
 LitSurface MakeLitSurface(const std::vector<Vector3>& points, const Vector3& normal, std::uint32_t flags) {
@@ -98,15 +177,20 @@ void AddHiddenSurfaces(const SceneContext& context, std::span<const LevelBrush> 
 std::vector<LevelSurface> WithLightMaps(std::span<const LevelSurface> surfaces, const BakedLight& baked,
                                         const LevelLight& light, bool withColors) {
   std::vector<LevelSurface> lit;
+  std::vector<Vector3> cutCorners;
   auto piece = baked.Pieces.begin();
   for (std::size_t i = 0; i < surfaces.size(); ++i) {
     const std::size_t first = lit.size();
     for (; piece != baked.Pieces.end() && piece->Surface == static_cast<int>(i); ++piece)
       lit.push_back(PieceOf(surfaces[i], *piece));
     if (first == lit.size()) lit.push_back(surfaces[i]);
-    if (!withColors || (surfaces[i].Flags & SurfaceUnlit)) continue;
-    for (std::size_t k = first; k < lit.size(); ++k)
-      lit[k].Colors = light.OfCorners(lit[k].Points, lit[k].Normal, (surfaces[i].Flags & SurfaceSpecialLit) != 0);
+    if (lit.size() - first > 1) NoteCut(surfaces[i], std::span(lit).subspan(first), cutCorners);
+  }
+  const SharedCorners shared(cutCorners);
+  for (LevelSurface& surface : lit) {
+    if (!cutCorners.empty()) shared.AddTo(surface);
+    if (withColors && !(surface.Flags & SurfaceUnlit))
+      surface.Colors = light.OfCorners(surface.Points, surface.Normal, (surface.Flags & SurfaceSpecialLit) != 0);
   }
   return lit;
 }

@@ -187,6 +187,19 @@ TEST(Carving, LeavesNoCrackBetweenAViewersTriangles) {
               2 * (1050 * 2100 + 3150 * 525) + 4 * 2 * (100 * 100 + 100 * 90), 1);
 }
 
+TEST(Carving, LeavesNoCrackWhereLightMapsEnd) {
+  ConversionSettings settings = Carving();
+  settings.CheckBakeLight = true;
+  settings.TextLightMapSize = {"64", 64};
+  const std::string lamp = "Begin Actor Class=Light Name=Lamp\n Location=(X=500,Y=1000,Z=300)\nEnd Actor\n";
+  const test::Converted converted = test::Convert("Begin Map\n" + room + block + lamp + "End Map\n", settings);
+  EXPECT_GT(converted.Result.Light.Pages, 4U);
+  EXPECT_GT(converted.Result.Faces, 11) << "the surfaces are cut";
+  const test::ReadScene scene = test::ReadVrml(converted.Text);
+  EXPECT_EQ(scene.Faults, std::vector<std::string>());
+  EXPECT_EQ(OpenEdgesOfFans(scene), 0);
+}
+
 TEST(Carving, CarvesTheSkyOutOfItsOwnBrushes) {
   // The pivot of the sky's room stands in the rock, as the editor leaves it, so that the level knows it in no zone.
   const std::string sky = "Region=(Zone=SkyZoneInfo'L.Sky')\n", world = "Region=(Zone=LevelInfo'L.LevelInfo0')\n";
