@@ -3,6 +3,7 @@
 #include "base/ascii_text.h"
 #include "base/reference.h"
 #include "math/number_text.h"
+#include "scene/face_set_writer.h"
 #include "t3d/brush_record.h"
 
 namespace quarvel {
@@ -19,11 +20,34 @@ std::uint32_t SurfaceFlagsOf(const DisplayBlock& display) {
   return flags;
 }
 
-std::string BoxSize(const SceneContext& context, const DisplayBlock& display, const TextureFile& image) {
+/// In scene units.
+struct SpriteSize {
+  double Width = 0, Height = 0;
+};
+
+SpriteSize SizeOf(const SceneContext& context, const DisplayBlock& display, const TextureFile& image) {
   const double scale = display.DrawScale * context.Settings.TextSpriteScale * context.Space.Scale();
-  const double width = image.Width > 0 ? image.Width : unknownSize,
-               height = image.Height > 0 ? image.Height : unknownSize;
-  return FormatFlt(width * scale) + " " + FormatFlt(height * scale) + " 0.0001";
+  return {scale * (image.Width > 0 ? image.Width : unknownSize),
+          scale * (image.Height > 0 ? image.Height : unknownSize)};
+}
+
+/// Where no light falls, a sprite glows without a Material, and a translucent one has transparent colours.
+void WriteGlowingQuad(SceneContext& context, int texture, std::uint32_t flags, const SpriteSize& size) {
+  const double x = size.Width / 2, y = size.Height / 2;
+  FaceSet quad;
+  quad.TextureNumber = texture;
+  quad.Flags = flags | SurfaceTwoSided;
+  quad.Points = {{-x, -y, 0}, {x, -y, 0}, {x, y, 0}, {-x, y, 0}};
+  quad.TexturePoints = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+  quad.Faces = {{0, 1, 2, 3}};
+  WriteFaceSet(context, quad, "Sprite");
+}
+
+void WriteBox(SceneContext& context, int texture, const SpriteSize& size) {
+  const SceneNode shape = context.Scene.Open("    ", "Shape");
+  context.Materials.WriteAppearance(texture, context.User);
+  context.Scene.OneFieldNode("     geometry ", "Box", "size",
+                             FormatFlt(size.Width) + " " + FormatFlt(size.Height) + " 0.0001");
 }
 
 } // namespace
@@ -46,9 +70,11 @@ void WriteLightSprite(SceneContext& context, const DisplayBlock& display) {
   SceneNode collision = scene.Open(" ", "Collision", {}, {.Closing = 2});
   WritePassable(collision, "  collide");
   collision.Children("   ");
-  const SceneNode shape = scene.Open("    ", "Shape");
-  context.Materials.WriteAppearance(texture, context.User);
-  scene.OneFieldNode("     geometry ", "Box", "size", BoxSize(context, display, context.Materials.Entry(texture).File));
+  const SpriteSize size = SizeOf(context, display, context.Materials.Entry(texture).File);
+  if (context.Light)
+    WriteGlowingQuad(context, texture, SurfaceFlagsOf(display), size);
+  else
+    WriteBox(context, texture, size);
 }
 
 void WritePlacedSprite(SceneContext& context, const DisplayBlock& display, const Vector3& location,

@@ -68,6 +68,8 @@ def _lights(town):
     mast = (960, 520, 336)
     town.actor("Spotlight", dynamic, at=mast, turned=facing(mast, bridge), late=spot)
     town.actor("Sunlight", dynamic, at=(-900, 600, 800), turned=(-8200, -6000, 0), late=_light(190, 20, 190, 64))
+    # The evening sun of baked light, where what changes does not count. It hangs below the clouds, which cast shadows.
+    town.actor("Light", at=(-900, 600, 900), tag="eveningSun", late=_light(80, 20, 170, 192))
     town.actor("Light", at=(-64, 96, 128), tag="craneLamp", late=_light(160, 32, 140, 16))
     town.in_zone("SkyZoneInfo", 3)
     town.actor("Light", at=(-200, 0, -1440), late=_light(255, 20, 180, 64))

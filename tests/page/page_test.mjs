@@ -89,8 +89,8 @@ class Visit {
   }
 }
 
-async function visit(file, run, query = "") {
-  const context = await browser.newContext({ viewport: { width: 200, height: 150 }, offline: true });
+async function visit(file, run, query = "", device = {}) {
+  const context = await browser.newContext({ viewport: { width: 200, height: 150 }, offline: true, ...device });
   const page = await context.newPage(), messages = [], requests = [];
   page.on("console", message => message.type() === "error" && messages.push(message.text()));
   page.on("pageerror", error => messages.push("uncaught: " + error.message));
@@ -223,6 +223,46 @@ const tests = {
     await v.page.mouse.up();
     const after = await v.until(turned, right => Math.hypot(...right.map((n, i) => n - before[i])) > 0.05, "turns");
     assert.ok(Math.abs(after[1]) < 1e-6, "the right hand stays level");
+  }),
+
+  "one finger looks, two walk": () => visit(room(), async v => {
+    await v.page.tap("#start");
+    await v.until(() => v.page.isHidden("#panel"), Boolean, "the panel goes");
+    const [x] = await v.rest();
+    const fingers = await v.context.newCDPSession(v.page);
+    const touch = (type, ...touchPoints) => fingers.send("Input.dispatchTouchEvent", { type, touchPoints: touchPoints.map(([x, y], id) => ({ x, y, id })) });
+    const yaw = () => v.see("b.getActiveViewpoint().getUserOrientation().angle");
+    const before = await yaw();
+    await touch("touchStart", [60, 75]);
+    await touch("touchMove", [90, 75]);
+    await touch("touchEnd");
+    await v.until(yaw, angle => Math.abs(angle - before) > 0.05, "turns");
+    await v.place([0, 1.6, 0], -Math.PI / 2);
+    await touch("touchStart", [60, 100], [140, 100]);
+    await touch("touchMove", [60, 40], [140, 40]);
+    await v.until(() => v.eye(), eye => eye[0] > x + 1, "walks ahead");
+    await touch("touchEnd");
+    const stopped = await v.rest();
+    assert.ok(stopped[0] < 320 * unit - 0.3);
+  }, "", { hasTouch: true, isMobile: true }),
+
+  "the fly-through ends where it was begun, full screen comes and goes, Escape closes the menu": () => visit(harbour(), async v => {
+    await v.enter();
+    const begun = await v.rest(), name = await v.view();
+    await v.page.keyboard.press("m");
+    await v.page.click("#full-screen");
+    await v.until(() => v.page.evaluate("document.fullscreenElement !== null"), Boolean, "full screen");
+    await v.page.click("#full-screen");
+    await v.until(() => v.page.evaluate("document.fullscreenElement === null"), Boolean, "full screen ends");
+    await v.page.keyboard.press("Escape");
+    assert.ok(await v.page.isHidden("#menu"));
+    await v.page.keyboard.press("m");
+    await v.page.locator("#views button[data-name=V_FlyThru]").click();
+    await v.until(() => v.see("b.getCurrentViewer()"), mode => mode === "FLY", "is carried along");
+    await v.page.keyboard.press("w");
+    await v.until(() => v.view(), now => now === name, "is back");
+    const back = await v.rest();
+    assert.ok(Math.hypot(...back.map((n, i) => n - begun[i])) < 1, `${back} is not ${begun}`);
   }),
 
   "the menu's viewpoints bind, by keyboard too": () => visit(harbour(), async v => {
