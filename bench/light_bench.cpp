@@ -1,5 +1,5 @@
-// Bakes the light of a made level of about 8,000 faces and 230 lamps on all cores, and prints what is wanted beside what
-// it took.
+// Bakes the light of a made level of about 8,000 faces and 230 lamps on all cores, and prints what is wanted beside
+// what it took.
 
 #include "bench/made_rooms.h"
 #include "scene/level_light.h"

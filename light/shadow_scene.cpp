@@ -1,5 +1,6 @@
 #include "light/shadow_scene.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <embree3/rtcore.h>
 #include <limits>
@@ -16,11 +17,10 @@ constexpr double lift = 0.25;
 constexpr double gapAtLamp = 0.5;
 constexpr double farAway = 1e6;
 
-constexpr unsigned castsLampShadow = 1, castsSunShadow = 2, boundsSolid = 4;
+constexpr unsigned castsShadow = 1, boundsSolid = 2;
 
 unsigned MaskOf(const LitSurface& surface) {
-  return (surface.BlocksLamps ? castsLampShadow : 0) | (surface.BlocksSun ? castsSunShadow : 0) |
-         (surface.BoundsSolid ? boundsSolid : 0);
+  return (surface.BlocksLamps ? castsShadow : 0) | (surface.BoundsSolid ? boundsSolid : 0);
 }
 
 Vector3 Lifted(const Vector3& point, const Vector3& normal) { return AddVector(point, ScaleVector(normal, lift)); }
@@ -30,6 +30,7 @@ struct TriangleMesh {
   std::vector<float> Points;
   std::vector<unsigned> Corners;
   std::vector<Vector3> Normals;
+  std::vector<bool> BlockSun;
 
   void Add(const LitSurface& surface) {
     const auto first = static_cast<unsigned>(Points.size() / 3);
@@ -40,6 +41,7 @@ struct TriangleMesh {
       for (const unsigned corner : {0U, i - 1, i})
         Corners.push_back(first + corner);
       Normals.push_back(surface.Normal);
+      BlockSun.push_back(surface.BlocksSun);
     }
   }
 };
@@ -74,6 +76,7 @@ class RayScene {
 
   RTCScene Handle() const { return scene_; }
   const Vector3& NormalOf(unsigned triangle) const { return mesh_.Normals[triangle]; }
+  bool BlocksSun(unsigned triangle) const { return mesh_.BlockSun[triangle]; }
 
  private:
   void Attach(const Device& device) {
@@ -116,6 +119,23 @@ RTCRay RayAlong(const Vector3& from, const Vector3& way) {
   return ray;
 }
 
+/// The triangle that a ray meets first, RTC_INVALID_GEOMETRY_ID when there is none.
+unsigned FirstOnWay(const RayScene& scene, const Vector3& from, const Vector3& way) {
+  RTCRayHit ray{};
+  ray.ray = RayAlong(from, way);
+  ray.hit.geomID = ray.hit.primID = RTC_INVALID_GEOMETRY_ID;
+  RTCIntersectContext context;
+  rtcInitIntersectContext(&context);
+  rtcIntersect1(scene.Handle(), &context, &ray);
+  return ray.hit.geomID == RTC_INVALID_GEOMETRY_ID ? RTC_INVALID_GEOMETRY_ID : ray.hit.primID;
+}
+
+/// Sunlight comes from the first backdrop on its way: what stands behind that is another place.
+bool SunReaches(const RayScene& scene, const Vector3& from, const Vector3& way) {
+  const unsigned first = FirstOnWay(scene, from, way);
+  return first == RTC_INVALID_GEOMETRY_ID || !scene.BlocksSun(first);
+}
+
 bool IsFree(const RayScene& scene, const Vector3& from, const Vector3& way) {
   RTCRay ray = RayAlong(from, way);
   RTCIntersectContext context;
@@ -153,13 +173,10 @@ std::array<bool, 4> AreFree(const RayScene& scene, const std::array<Vector3, 4>&
 
 struct ShadowScene::Rays {
   explicit Rays(std::span<const LitSurface> surfaces)
-      : ForLamps(Library, surfaces, castsLampShadow), ForSun(Library, surfaces, castsSunShadow),
-        OfSolids(Library, surfaces, boundsSolid) {}
-
-  const RayScene& For(const Lamp& lamp) const { return lamp.Shape == LampShape::Directional ? ForSun : ForLamps; }
+      : ForLamps(Library, surfaces, castsShadow), OfSolids(Library, surfaces, boundsSolid) {}
 
   Device Library;
-  RayScene ForLamps, ForSun, OfSolids;
+  RayScene ForLamps, OfSolids;
 };
 
 ShadowScene::ShadowScene(std::span<const LitSurface> surfaces) : rays_(std::make_unique<Rays>(surfaces)) {}
@@ -167,7 +184,8 @@ ShadowScene::~ShadowScene() = default;
 
 bool ShadowScene::Sees(const Lamp& lamp, const Vector3& point, const Vector3& normal) const {
   const Vector3 from = Lifted(point, normal);
-  return IsFree(rays_->For(lamp), from, WayTo(lamp, from));
+  const bool isSun = lamp.Shape == LampShape::Directional;
+  return (isSun ? SunReaches : IsFree)(rays_->ForLamps, from, WayTo(lamp, from));
 }
 
 Vector3 ShadowScene::Light(const Lamp& lamp, const Vector3& point, const Vector3& normal) const {
@@ -176,15 +194,16 @@ Vector3 ShadowScene::Light(const Lamp& lamp, const Vector3& point, const Vector3
 }
 
 int ShadowScene::CountSeen(const Lamp& lamp, const std::array<Vector3, 4>& points, const Vector3& normal) const {
+  if (lamp.Shape == LampShape::Directional)
+    return static_cast<int>(
+        std::count_if(points.begin(), points.end(), [&](const Vector3& point) { return Sees(lamp, point, normal); }));
   std::array<Vector3, 4> from, ways;
   for (std::size_t i = 0; i < 4; ++i) {
     from[i] = Lifted(points[i], normal);
     ways[i] = WayTo(lamp, from[i]);
   }
-  int seen = 0;
-  for (const bool free : AreFree(rays_->For(lamp), from, ways))
-    seen += free;
-  return seen;
+  const std::array<bool, 4> free = AreFree(rays_->ForLamps, from, ways);
+  return static_cast<int>(std::count(free.begin(), free.end(), true));
 }
 
 bool ShadowScene::Connected(const Vector3& from, const Vector3& to, const Vector3& normal) const {
@@ -201,13 +220,8 @@ std::array<bool, 4> ShadowScene::Connected(const Vector3& from, const std::array
 }
 
 bool ShadowScene::InSolid(const Vector3& point, const Vector3& normal) const {
-  RTCRayHit ray{};
-  ray.ray = RayAlong(Lifted(point, normal), ScaleVector(normal, farAway));
-  ray.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-  RTCIntersectContext context;
-  rtcInitIntersectContext(&context);
-  rtcIntersect1(rays_->OfSolids.Handle(), &context, &ray);
-  return ray.hit.geomID != RTC_INVALID_GEOMETRY_ID && DotProduct(rays_->OfSolids.NormalOf(ray.hit.primID), normal) > 0;
+  const unsigned first = FirstOnWay(rays_->OfSolids, Lifted(point, normal), ScaleVector(normal, farAway));
+  return first != RTC_INVALID_GEOMETRY_ID && DotProduct(rays_->OfSolids.NormalOf(first), normal) > 0;
 }
 
 } // namespace quarvel

@@ -49,6 +49,20 @@ TEST(LightBaker, SpecialLitAndUnlitSurfacesTakeTheirOwnLampsOnly) {
   EXPECT_GT(ofSpecial.At(lowX, {0, 256, 128}).X, 0.5);
 }
 
+TEST(LightBaker, SunlightComesFromTheNearestBackdrop) {
+  constexpr int ceiling = 1;
+  std::vector<LitSurface> place = BoxSides({0, 0, 0}, {512, 512, 256}, true);
+  place[ceiling].BlocksSun = false;
+  Append(place, BoxSides({0, 0, 400}, {512, 512, 600}, true)); // another room, above the sky
+  Lamp sun;
+  sun.Shape = LampShape::Directional;
+  sun.Direction = {0, 0, -1};
+  sun.Strength = 0.5;
+  EXPECT_NEAR(Bake(place, {sun}).At(floorSide, {256, 256, 0}).X, 0.5, 0.02);
+  place.push_back(Rectangle({128, 128, 128}, {0, 256, 0}, {256, 0, 0}));
+  EXPECT_EQ(Bake(place, {sun}).At(floorSide, {256, 256, 0}).X, 0);
+}
+
 TEST(LightBaker, NoLightLeavesARoom) {
   // Two rooms with 8 units of solid between them, less than a texel; their floors lie in one plane.
   for (const double shift : {0.0, 3.0, 8.0, 11.0}) {
