@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QMessageBox>
 #include <QScrollArea>
 #include <QScrollBar>
