@@ -1,11 +1,17 @@
 #include "core/page_run.h"
 
+#include "base/ascii_text.h"
 #include "base/file_name.h"
 #include "core/run_failure.h"
+#include "images/image_type.h"
 #include "page/page_maker.h"
+#include "page/string_field.h"
+#include "resources/file_index.h"
 #include "resources/program_data.h"
 
 #include <cstdlib>
+#include <memory>
+#include <optional>
 
 namespace quarvel {
 
@@ -35,6 +41,20 @@ DestinationOptions PageDestination(const DestinationOptions& options) {
   DestinationOptions inside;
   inside.UEd3Behavior = options.UEd3Behavior;
   return inside;
+}
+
+/// Images of mesh files stand beside the mesh, or where the level's textures are.
+FindPageFile FindWithTextures(const std::string& searchPath) {
+  const auto index = std::make_shared<std::optional<FileIndex>>();
+  return [=](std::string_view url, const fs::path& folder) -> std::optional<fs::path> {
+    if (auto found = FindBelow(url, folder)) return found;
+    const std::string name = Utf8Path(PathOfUtf8(DecodeUrl(url)).filename());
+    if (searchPath.empty() || ImageTypeOfExtension(ExtensionOf(name)) == ImageType::Unknown) return std::nullopt;
+    if (!*index) index->emplace(SplitSearchPath(searchPath).Existing);
+    for (const IndexedFile& file : (*index)->Find(StemOf(name)))
+      if (SameText(file.Name, name)) return (*index)->PathOf(file);
+    return std::nullopt;
+  };
 }
 
 } // namespace
@@ -75,7 +95,8 @@ PageRun::~PageRun() {
 }
 
 fs::path PageRun::Write(const ConversionSettings& settings, const std::string& levelName, Report& findings) {
-  const PageInput input{fs::path(SceneFile()).replace_extension(".x3d"), levelName, settings.TextScale, FindBelow};
+  const PageInput input{fs::path(SceneFile()).replace_extension(".x3d"), levelName, settings.TextScale,
+                        FindWithTextures(settings.TextSearchPathTxt)};
   const MadePage made = MakePage(input, viewer_, findings);
   if (!made.Error.empty()) throw RunFailed{page_.string() + " is not written: " + made.Error};
   if (const std::string why = WriteWholeFile(page_, made.Html, atLink_); !why.empty())

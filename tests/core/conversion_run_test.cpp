@@ -336,6 +336,24 @@ TEST(ConversionRun, APageAloneListsWhatIsMissingBesideItself) {
             std::vector<std::string>{(folder.Path() / "hum.wav").string()});
 }
 
+TEST(ConversionRun, APageHasTheImagesOfMeshesFromTheTexturesToo) {
+  const TemporaryFolder folder, textures;
+  ConversionSettings settings = PageSettingsIn(folder);
+  settings.TextSearchPathTxt = textures.Path().string();
+  settings.TextSearchPathMesh = folder.Path().string();
+  folder.Write("Barrel.x3d",
+               "<X3D><Scene><Shape><Appearance><ImageTexture url='\"rust.png\"'/></Appearance><Box/></Shape>"
+               "</Scene></X3D>");
+  fs::copy_file(QUARVEL_SAMPLES_DIR "/textures/brick.png", textures.Path() / "Rust.PNG");
+  const RunResult result = ConvertIn(folder,
+                                     "Begin Actor Class=StaticMeshActor Name=S\n StaticMesh=StaticMesh'Barrel'\n"
+                                     " PhysicsVolume=X\nEnd Actor\n",
+                                     settings)
+                               .Result;
+  EXPECT_EQ(result.Error, "");
+  EXPECT_NE(folder.Read("level.html").find("data-kind=\"image\""), std::string::npos);
+}
+
 TEST(ConversionRun, WritesNothingWhenThePageCannotBeMade) {
   const TemporaryFolder folder;
   ConversionSettings settings = PageSettingsIn(folder);
