@@ -1,5 +1,5 @@
 #include "actors/fly_through.h"
-#include "tests/actors/actor_fixture.h"
+#include "tests/scene/scene_fixture.h"
 
 namespace quarvel {
 namespace {
@@ -19,13 +19,10 @@ SceneActionRecord Action(SceneActionKind kind, double duration, const std::strin
   return action;
 }
 
-class FlyThrough : public ActorTest {
- protected:
-  const std::vector<InterpolationPointRecord> triangle_{Point("P2", {100, 100, 0}), Point("P0", {0, 0, 0}),
-                                                        Point("P1", {100, 0, 0})};
-};
-
-TEST_F(FlyThrough, FollowsTheActionsOfASceneManager) {
+TEST(FlyThrough, FollowsTheActionsOfASceneManager) {
+  const std::vector<InterpolationPointRecord> triangle{Point("P2", {100, 100, 0}), Point("P0", {0, 0, 0}),
+                                                       Point("P1", {100, 0, 0})};
+  Report findings;
   SceneManagerRecord scene;
   scene.Header.Name = "Scene";
   scene.MissingActions = 1;
@@ -37,7 +34,7 @@ TEST_F(FlyThrough, FollowsTheActionsOfASceneManager) {
                    Action(SceneActionKind::MoveCamera, 3, "P2")};
   scene.Actions[5].PathStyle = "PATHSTYLE_Bezier";
   scene.Actions[5].StartControlPoint = {0, 40, 0};
-  const Flight flight = FlightOfScene(scene, IndexPoints(triangle_), Findings);
+  const Flight flight = FlightOfScene(scene, IndexPoints(triangle), findings);
   MoverAnimation track = TrackOfFlight(flight, 0.5);
   EXPECT_EQ(track.PositionKeys,
             (std::vector<Vector3>{{0, 0, 0}, {0, 0, 0}, {100, 0, 0}, {100, 0, 0}, {100, 65, 0}, {100, 100, 0}}));
@@ -45,8 +42,8 @@ TEST_F(FlyThrough, FollowsTheActionsOfASceneManager) {
   EXPECT_EQ(track.ThirdKeyDurations, (std::vector<double>{1, 2, 4, 3}));
   EXPECT_EQ(TotalKeyTime(track, KeyCount(track, KeyMode::Third), KeyMode::Third), 10);
   EXPECT_EQ(KeyList(track, 5, KeyMode::Third), "0 0.1 0.3 0.7 1 ");
-  EXPECT_TRUE(Reported("Scene", "Nowhere"));
-  EXPECT_TRUE(Reported("Scene", "1 of its actions"));
+  EXPECT_TRUE(test::Reports(findings, "Scene", "Nowhere"));
+  EXPECT_TRUE(test::Reports(findings, "Scene", "1 of its actions"));
 
   track.Loop = true;
   EXPECT_EQ(TotalKeyTime(track, KeyCount(track, KeyMode::Third), KeyMode::Third), 10) << "it begins anew at once";

@@ -1,7 +1,8 @@
 #include "actors/mover_animation.h"
 #include "math/number_text.h"
-#include "tests/actors/actor_fixture.h"
 
+#include <algorithm>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <tuple>
 
@@ -64,9 +65,7 @@ INSTANTIATE_TEST_SUITE_P(All, KeyLists,
                          ::testing::Combine(::testing::Range(1, 6), ::testing::Bool(), ::testing::Bool(),
                                             ::testing::Bool(), ::testing::Range(0, 3)));
 
-class MoverAnimations : public ActorTest {};
-
-TEST_F(MoverAnimations, CountKeysAsThePausesAndTheWayBackAsk) {
+TEST(MoverAnimations, CountKeysAsThePausesAndTheWayBackAsk) {
   MoverAnimation track = TrackOf(3);
   EXPECT_EQ(KeyCount(track, KeyMode::Position), 3);
   track.PauseAtKeys = true;
@@ -76,7 +75,7 @@ TEST_F(MoverAnimations, CountKeysAsThePausesAndTheWayBackAsk) {
   EXPECT_EQ(KeyCount(track, KeyMode::Position), 4);
 }
 
-TEST_F(MoverAnimations, SpaceKeysByDurations) {
+TEST(MoverAnimations, SpaceKeysByDurations) {
   MoverAnimation track = TrackOf(2);
   EXPECT_EQ(TotalKeyTime(track, 1, KeyMode::Position), 2) << "evenly spaced cycles last one step longer than the keys";
   track.PauseAtKeys = track.HasPositionKeyTimes = true;
@@ -93,7 +92,7 @@ TEST_F(MoverAnimations, SpaceKeysByDurations) {
   EXPECT_EQ(TotalKeyTime(track, 3, KeyMode::Third), 4);
 }
 
-TEST_F(MoverAnimations, VisitTheKeysInACircleFromTheStartKey) {
+TEST(MoverAnimations, VisitTheKeysInACircleFromTheStartKey) {
   MoverAnimation track = TrackOf(3);
   track.StartKey = 2;
   track.BasePos = {1, 2, 3};

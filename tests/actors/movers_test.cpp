@@ -1,14 +1,13 @@
 #include "actors/movers.h"
 #include "scene/brush_placement.h"
-#include "tests/actors/actor_fixture.h"
+#include "tests/made_actors.h"
 
 #include <cmath>
+#include <gtest/gtest.h>
 #include <sstream>
 
 namespace quarvel {
 namespace {
-
-class Movers : public ActorTest {};
 
 /// The corner of a brush under a Transform with this rotation and translation.
 Vector3 Placed(const std::string& rotation, const std::string& translation, const Vector3& corner) {
@@ -23,7 +22,7 @@ Vector3 Placed(const std::string& rotation, const std::string& translation, cons
   return AddVector(turned, shift);
 }
 
-TEST_F(Movers, RestWhereTheirStartKeyPutsThem) {
+TEST(Movers, RestWhereTheirStartKeyPutsThem) {
   const std::string text =
       test::Actor("Mover Name=M", "    BasePos=(X=-10,Y=700,Z=30)\r\n    Location=(X=-5,Y=690,Z=42)\r\n    KeyNum=1\r\n"
                                   "    KeyPos(1)=(X=5,Y=-10,Z=12)\r\n    KeyRot(1)=(Pitch=8000,Yaw=-300,Roll=2000)\r\n"
@@ -32,8 +31,10 @@ TEST_F(Movers, RestWhereTheirStartKeyPutsThem) {
   const T3DLevel level(text);
   NumberCheck check;
   const BrushRecord mover = ReadBrush(level, level.Actors.at(0), check);
-  const MoverAnimation track = AnimationOf(mover, Findings);
-  EXPECT_FALSE(Reported("M", "jumps"));
+  Report findings;
+  const MoverAnimation track = AnimationOf(mover, findings);
+  for (const Finding& finding : findings.Findings())
+    EXPECT_NE(finding.Code, FindingCode::JumpsAtStart);
   const SceneSpace space(0.02);
   const std::string positions = PositionValues(track, space), rotations = RotationValues(track, space);
   const BrushPlacement placement = PlaceBrush(mover, space);

@@ -26,14 +26,6 @@ std::string Brush(const std::string& name, const std::string& keys, int triangle
   return test::TriangleActor("Brush Name=" + name, keys, triangles);
 }
 
-TEST(ConversionRun, CountsWhatItWroteAndWhatItDidNotFind) {
-  const RunResult result = Convert(golden).Result;
-  EXPECT_EQ(result.Brushes, 4);
-  EXPECT_EQ(result.Faces, 9);
-  EXPECT_EQ(result.Missing[ResourceKind::Texture], Texts{"not_there"});
-  EXPECT_EQ(result.Findings.Counts().at("brushes left out as subtractive").Count, 1);
-}
-
 TEST(ConversionRun, LineEndsDoNotMatter) {
   std::string text = golden;
   std::erase(text, '\r');

@@ -51,6 +51,8 @@ class SceneFixture : public testing::Test {
     return context_->Scene.SceneDocument().select_nodes(path.c_str()).size();
   }
 
+  SceneWriter& Scene() { return context_->Scene; }
+
   TemporaryFolder folder_;
   ConversionSettings settings_;
   Report report_;
@@ -60,6 +62,13 @@ class SceneFixture : public testing::Test {
   std::unique_ptr<SceneContext> context_;
   std::optional<SceneNode> group_; ///< around all that is written
 };
+
+/// Whether an actor is reported with such a reason.
+inline bool Reports(const Report& report, std::string_view actor, std::string_view part) {
+  return std::any_of(report.Findings().begin(), report.Findings().end(), [&](const Finding& finding) {
+    return finding.Actor == actor && finding.Reason.find(part) != std::string::npos;
+  });
+}
 
 inline std::size_t CountOf(const std::string& text, const std::string& what) {
   std::size_t count = 0;
