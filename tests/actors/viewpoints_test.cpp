@@ -8,6 +8,7 @@ using Viewpoints = test::SceneFixture;
 
 TEST_F(Viewpoints, TheDefaultOneStandsInTheSensorThatBindsIt) {
   settings_.OptionDefViewAsProxSensor = true;
+  settings_.TextScale = {"1", 1};
   Begin();
   WriteDefaultViewpoint(*context_, PlaceAbove({{0, 0, 0}, {100, 10, 50}}, SceneSpace(1)), {{0, 0, 0}, {100, 10, 50}});
   // Half the width is seen at a slope of tan(0.4375) from 106.9 above the top.
