@@ -10,6 +10,7 @@ cd "$(dirname "$0")/.."
 most=30
 if [ "${1:-}" = -n ]; then most=$2; shift 2; fi
 copy=build/mutate
+if [ $# -gt 1 ]; then for file in "$@"; do [ -f "$file" ] || { echo "mutate.sh: no file $file" >&2; exit 2; }; done; fi
 
 # The first that changes a line is taken; every other line is tried from the end.
 mutations=('s/ == / != /' 's/ != / == /' 's/ <= / > /' 's/ >= / < /' 's/ < / >= /' 's/ > / <= /' 's/ && / || /'
@@ -73,8 +74,9 @@ step=$(((count + most - 1) / most))
 tried=0 survivors=0
 for ((i = 0; i < count; i += step)); do
   IFS=: read -r file number <<<"${lines[i]}"
-  mutated=$(mutate_line "$file" "$number")
-  MUTATED=$mutated awk -v number="$number" 'NR == number { print ENVIRON["MUTATED"]; next } { print }' "$file" >"$copy/$file"
+  mutated=$(mutate_line "$copy/$file" "$number") || continue
+  git -C "$copy" show "HEAD:$file" | MUTATED=$mutated awk -v number="$number" \
+    'NR == number { print ENVIRON["MUTATED"]; next } { print }' >"$copy/$file"
   if cmake --build "$copy/build/dev" --target quarvel_tests quarvel >build/mutate.log 2>&1; then
     tried=$((tried + 1))
     if ! is_seen "$file"; then
