@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # What build.sh hands to whom, with stand-ins that only say how they were called:   build_script_test.sh BUILD_SH
 set -euo pipefail
+unset QUARVEL_CMAKE_OPTIONS # of whoever builds what is tested
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 mkdir "$folder/scripts"
