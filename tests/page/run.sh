@@ -14,7 +14,7 @@ for tool in node npm; do
   command -v $tool >/dev/null || skip "there is no $tool (apt install nodejs npm)"
 done
 
-[ -d node_modules/playwright-core ] || npm ci --ignore-scripts --no-audit --no-fund --loglevel=error </dev/null >/dev/null
+[ node_modules/.package-lock.json -nt package-lock.json ] || npm ci --ignore-scripts --no-audit --no-fund --loglevel=error </dev/null >/dev/null
 ../../scripts/fetch_viewer.sh
 export CHROMIUM
 exec node page_test.mjs "$quarvel" "$@"
