@@ -196,6 +196,7 @@ void ConvertToPage(const fs::path& inFile, const fs::path& outFile, const Conver
   Convert(inFile, page.SceneFile(), inside, memory, user, written, RunPurpose::Page);
   if (!written.FailedFiles.empty()) throw RunFailed{written.Error};
   written.FilesWritten.clear();
+  const fs::path sky = written.SkyScene.Document;
   written.Scene = written.SkyScene = {};
   MoveNames(written.Missing, page.SceneFile().parent_path(), outFile.parent_path());
   if (settings.CheckPageOnly) {
@@ -203,7 +204,7 @@ void ConvertToPage(const fs::path& inFile, const fs::path& outFile, const Conver
     result = std::move(written);
   }
   user.ShowPass("Writing the page");
-  result.Page = page.Write(settings, fs::path(memory.LoadedFileName).stem().string(), result.Findings);
+  result.Page = page.Write(settings, sky, fs::path(memory.LoadedFileName).stem().string(), result.Findings);
   result.FilesWritten.push_back(result.Page);
   if (settings.CheckPageOnly) WriteLists(outFile, settings, user, result);
   TellFailedFiles(result);

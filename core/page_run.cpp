@@ -94,8 +94,9 @@ PageRun::~PageRun() {
   fs::remove_all(folder_, ignored);
 }
 
-fs::path PageRun::Write(const ConversionSettings& settings, const std::string& levelName, Report& findings) {
-  const PageInput input{fs::path(SceneFile()).replace_extension(".x3d"), levelName, settings.TextScale,
+fs::path PageRun::Write(const ConversionSettings& settings, const fs::path& sky, const std::string& levelName,
+                        Report& findings) {
+  const PageInput input{fs::path(SceneFile()).replace_extension(".x3d"), sky, levelName, settings.TextScale,
                         FindWithTextures(settings.TextSearchPathTxt)};
   const MadePage made = MakePage(input, viewer_, findings);
   if (!made.Error.empty()) throw RunFailed{page_.string() + " is not written: " + made.Error};

@@ -30,8 +30,10 @@ class PageRun {
   /// The output of the run that writes the scene.
   std::filesystem::path SceneFile() const { return folder_ / "level.wrl"; }
 
-  /// Writes the page of the scene that is now in the folder, and returns its file. Throws RunFailed.
-  std::filesystem::path Write(const ConversionSettings& settings, const std::string& levelName, Report& findings);
+  /// Writes the page of the scene that is now in the folder, and of its sky's when that is a file of its own, and
+  /// returns the page's file. Throws RunFailed.
+  std::filesystem::path Write(const ConversionSettings& settings, const std::filesystem::path& sky,
+                              const std::string& levelName, Report& findings);
 
  private:
   std::filesystem::path page_;

@@ -70,7 +70,7 @@ MadePage MakePage(const PageInput& input, const ViewerFiles& viewer, Report& rep
   PageParts parts(report);
   for (const auto& [name, text] : viewer.Parts)
     parts.AddText("viewer", name, text);
-  PageScenes scenes(input.Find, parts, report);
+  PageScenes scenes(input.Find, parts, report, input.Sky);
   PageLevel level = scenes.AdoptLevel(document, input.Scene.parent_path());
   OrderViews(level.Views);
   if (level.Title.empty()) level.Title = input.LevelName;

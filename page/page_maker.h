@@ -12,6 +12,7 @@ namespace quarvel {
 /// What a page is made of.
 struct PageInput {
   std::filesystem::path Scene; ///< conforming X3D in XML
+  std::filesystem::path Sky;   ///< the same of the sky, where that is a scene of its own
   std::string LevelName;       ///< the page's title when the level has none
   double UnitLength = 0;       ///< scene units per Unreal unit
   FindPageFile Find = FindBelow;

@@ -129,7 +129,7 @@ bool PageScenes::Drop(pugi::xml_node parent, pugi::xml_node element, Scene& scen
   const std::string type = LocalName(element);
   const bool isShader = type.find("shader") != type.npos;
   const bool isCode = type == "script" || type == "externprotodeclare" || type == "loadsensor" || isShader;
-  if (!isCode || scene.From == Origin::Level) return false;
+  if (!isCode || scene.From != Origin::Foreign) return false;
   report_.Add(FindingCode::PageLeavesOutNodes, scene.Name, element.name());
   NoteNames(element, scene.Dropped);
   parent.remove_child(element);
@@ -168,14 +168,14 @@ std::string PageScenes::NameOf(const std::string& url, std::string_view nodeType
   return nodeType == "image" ? parts_.AddImage(*file) : std::string();
 }
 
-/// The page opens links itself. In a file of someone else's they are none.
+/// The page opens links itself, and knows only those of the level's own scene.
 void PageScenes::ReplaceAnchor(pugi::xml_node element, const Scene& scene) {
   const std::vector<std::string> addresses = ReadStrings(element.attribute("url").value());
   element.set_name("Group");
   for (const char* attribute : {"url", "description", "parameter"})
     element.remove_attribute(attribute);
   const auto address = std::find_if(addresses.begin(), addresses.end(), IsWebAddress);
-  if (scene.From == Origin::Foreign || address == addresses.end()) {
+  if (scene.From != Origin::Level || address == addresses.end()) {
     if (!addresses.empty()) report_.Add(FindingCode::PageLeavesOutLink, scene.Name, addresses.front());
     return;
   }
@@ -208,7 +208,9 @@ std::string PageScenes::AddSceneFile(const fs::path& file) {
 }
 
 std::optional<std::string> PageScenes::ReadSceneFile(const fs::path& file, bool isXml) {
-  Scene scene{file.parent_path(), Utf8Path(file.filename()), Origin::Foreign, {}};
+  std::error_code ignored;
+  const bool isSky = !sky_.empty() && fs::equivalent(file, sky_, ignored);
+  Scene scene{file.parent_path(), Utf8Path(file.filename()), isSky ? Origin::Sky : Origin::Foreign, {}};
   const auto fail = [&](const char* reason) {
     report_.Add(FindingCode::PageWithoutFile, scene.Name, reason);
     return std::nullopt;

@@ -42,15 +42,16 @@ struct PageLevel {
 /// page must not do is taken out.
 class PageScenes {
  public:
-  PageScenes(FindPageFile find, PageParts& parts, Report& report)
-      : find_(std::move(find)), parts_(parts), report_(report) {}
+  /// `sky` is the scene of the level's sky, where that is a file of its own.
+  PageScenes(FindPageFile find, PageParts& parts, Report& report, std::filesystem::path sky = {})
+      : find_(std::move(find)), sky_(std::move(sky)), parts_(parts), report_(report) {}
 
   /// Changes the document in place. Its scripts are the converter's own and stay.
   PageLevel AdoptLevel(pugi::xml_document& document, const std::filesystem::path& folder);
 
  private:
-  /// The level's own scene, or a file of someone else's.
-  enum class Origin { Level, Foreign };
+  /// The converter's own scenes, or a file of someone else's.
+  enum class Origin { Level, Sky, Foreign };
 
   struct Scene {
     std::filesystem::path Folder;
@@ -69,6 +70,7 @@ class PageScenes {
   std::optional<std::string> ReadSceneFile(const std::filesystem::path& file, bool isXml);
 
   FindPageFile find_;
+  std::filesystem::path sky_;
   PageParts& parts_;
   Report& report_;
   std::map<std::string, std::string> links_;

@@ -26,7 +26,7 @@ TEST(MakePage, PutsTextsWhereTheyCannotBecomeMarkup) {
     <Viewpoint DEF='V_a' description='&lt;/script&gt;'/></Scene></X3D>)");
   const ViewerFiles viewer{"Viewer & Co", "<Licence>", {{"x.js", "</script>"}}, {}};
   Report report;
-  const PageInput input{folder.Path() / "level.x3d", "name", 0.02, FindBelow};
+  const PageInput input{folder.Path() / "level.x3d", {}, "name", 0.02, FindBelow};
   const MadePage page = MakePage(input, viewer, report);
   EXPECT_EQ(page.Error, "");
   EXPECT_NE(page.Html.find("<title>&lt;/title&gt;{{script}}</title>"), std::string::npos);
@@ -44,7 +44,7 @@ TEST(MakePage, PutsTextsWhereTheyCannotBecomeMarkup) {
 
 TEST(MakePage, SaysWhyThereIsNone) {
   Report report;
-  EXPECT_NE(MakePage({"/none.x3d", "", 1, FindBelow}, ViewerFiles{}, report).Error, "");
+  EXPECT_NE(MakePage({"/none.x3d", {}, "", 1, FindBelow}, ViewerFiles{}, report).Error, "");
   const ViewerFiles viewer = ReadViewer("/none/x_ite.min.js");
   EXPECT_NE(viewer.Error.find("/none/x_ite.min.js"), std::string::npos);
 }
