@@ -118,6 +118,11 @@ TEST_F(CommandLineTest, TheOutputChoosesTheEncodingUnlessItIsSet) {
   EXPECT_TRUE(settings_.OptionVRML97);
 }
 
+TEST_F(CommandLineTest, SingleOptionsWinOverSets) {
+  Run({"--set", "CheckPageOnly=0", "--web", "a.t3d"});
+  EXPECT_TRUE(settings_.CheckMakePage && settings_.CheckBakeLight && !settings_.CheckPageOnly);
+}
+
 TEST_F(CommandLineTest, AnswersWithoutConverting) {
   EXPECT_EQ(Run({"--help"}), 0);
   EXPECT_NE(out_.str().find("Usage: quarvel [options] INPUT... [OUTPUT]"), std::string::npos);

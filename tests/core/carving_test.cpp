@@ -85,7 +85,7 @@ TEST(Carving, KeepsLinksAndPassableSurfacesApart) {
   const std::string link = BoxActor("Link", test::AddBox({400, 400, 0}, {500, 500, 90}),
                                     " CsgOper=CSG_Add\n url=http---example--org", "crate");
   const std::string water =
-      BoxActor("Water", test::AddBox({0, 0, 0}, {1050, 2100, 60}), " CsgOper=CSG_Add\n PolyFlags=67108872", "crate");
+      BoxActor("Water", test::AddBox({0, 0, 0}, {1050, 2100, 60}), " CsgOper=CSG_Add\n PolyFlags=67108864", "crate");
   const std::string hidden =
       BoxActor("Hidden", test::AddBox({700, 700, 0}, {800, 800, 90}), " CsgOper=CSG_Add\n PolyFlags=1");
   const test::ReadScene scene =

@@ -355,5 +355,33 @@ TEST(ConversionRun, WritesNothingWhenThePageCannotBeMade) {
   EXPECT_FALSE(fs::exists(folder.Path() / "level.wrl"));
 }
 
+TEST(ConversionRun, TextsTakeNoNamesFromThePackageBeforeThem) {
+  const TemporaryFolder folder;
+  folder.Write("in.t3d", "Begin Map\n" + test::TriangleActor("Brush Name=B", "CsgOper=CSG_Add", 1, "Texture=none1") +
+                             "End Map\n");
+  MemoryStore store;
+  RunInterface user;
+  RunMemory memory;
+  memory.TextureNames = {{"none1", "Pkg.Group.none1"}};
+  const RunResult result = ConvertFile(folder.Path() / "in.t3d", folder.Path() / "out.wrl", {}, store, memory, user);
+  EXPECT_EQ(result.Missing[ResourceKind::Texture], std::vector<std::string>{"none1"});
+}
+
+/// The level's folder is the library where none is named, and the scene's folder, too.
+TEST(ConversionRun, OverwritingSparesMeshesOfTheUser) {
+  const TemporaryFolder folder;
+  const std::string own = "#VRML V2.0 utf8\n# the user's own\n";
+  folder.Write("lamp.wrl", own);
+  folder.Write("P/lamp.wrl", "#VRML V2.0 utf8\n# of the package\n");
+  ConversionSettings settings;
+  settings.MeshDest.DestOverwrite = true;
+  test::ConvertIn(
+      folder,
+      test::Actor("StaticMeshActor Name=S",
+                  "StaticMesh=StaticMesh'P.lamp'\nPhysicsVolume=DefaultPhysicsVolume'myLevel.V'\nName=\"S\""),
+      settings);
+  EXPECT_EQ(test::ReadFile(folder.Path() / "lamp.wrl"), own);
+}
+
 } // namespace
 } // namespace quarvel

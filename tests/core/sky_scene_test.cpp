@@ -33,6 +33,16 @@ TEST(SkyScene, LeaveTheSkyWhereItIsRatherThanOverwriteTheLevel) {
   EXPECT_TRUE(Holds(ReadFile(folder.Path() / "sky0.wrl"), "DEF Cloud Transform"));
 }
 
+TEST(SkyScene, IsWhatItsFileNameSays) {
+  const TemporaryFolder folder;
+  ConversionSettings settings = SampleSettings();
+  settings.CheckSkyZone = settings.OptionFlux = true;
+  settings.OptionVRML97 = false;
+  EXPECT_TRUE(test::ConvertIn(folder, skyLevel, settings).Text.starts_with("#X3D"));
+  const std::string sky = ReadFile(folder.Path() / "Sky0.wrl");
+  EXPECT_TRUE(sky.starts_with("#VRML V2.0 utf8")) << sky.substr(0, 40);
+}
+
 TEST(SkyScene, NoSkyTakesThePlaceOfAnotherScene) {
   const TemporaryFolder folder;
   ConversionSettings settings = SampleSettings();

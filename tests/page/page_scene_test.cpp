@@ -59,12 +59,13 @@ TEST_F(AdoptedMesh, LosesItsScriptsAndForeignAddresses) {
   Folder.Write("own.gif", "GIF89a");
   const std::string parts = Adopt("mesh.x3d", R"x(<X3D><Scene><x:SCRIPT xmlns:x='y' DEF='S' url='"javascript:x"'/>
     <ExternProtoDeclare name='P' url='"p.wrl"'/><Anchor url='"javascript:alert(1)"'><Shape/></Anchor>
+    <Anchor url='"https://example.org/b"'><Shape/></Anchor>
     <ImageTexture url='"http://example.org/a.png" "own.gif"'/><ImageTexture url='"../up.png"'/>
     <ROUTE fromNode='S' fromField='a' toNode='T' toField='b'/></Scene></X3D>)x");
   EXPECT_EQ(parts, "image page-1.gif;scene page-2.x3d;");
   EXPECT_NE(TextOf(Level).find("page-2.x3d"), std::string::npos);
-  for (const char* told :
-       {"SCRIPT", "ExternProtoDeclare", "http://example.org/a.png", "../up.png", "javascript:alert(1)"})
+  for (const char* told : {"SCRIPT", "ExternProtoDeclare", "http://example.org/a.png", "../up.png",
+                           "javascript:alert(1)", "https://example.org/b"})
     EXPECT_TRUE(Tells(Findings, told)) << told;
 }
 
@@ -121,6 +122,7 @@ Background { backUrl "a.png" }
 PROTO Q [ field MFString url [] ] { Inline { url IS url } }
 DEF T Transform { translation 1 2 3 }
 ROUTE S.b TO T.c
+ROUTE T.b TO S.c
 ROUTE T.b TO T.c
 )",
                                            rename);
@@ -134,6 +136,7 @@ Anchor { url [ ] children [] }
 Background { backUrl "page-1.png" }
 PROTO Q [ field MFString url [ ] ] { Inline { url IS url } }
 DEF T Transform { translation 1 2 3 }
+
 
 ROUTE T.b TO T.c
 )");
