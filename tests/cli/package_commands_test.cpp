@@ -86,7 +86,7 @@ TEST_F(PackageCommands, ExtractOnlyIntoTheirFolder) {
 TEST_F(PackageCommands, ConvertALevelAndKeepItsText) {
   EXPECT_EQ(Run({Path("Rooms.unr"), "--write-t3d", Path("kept.t3d")}), 0) << err_.str();
   EXPECT_TRUE(fs::exists(folder_.Path() / "Rooms.wrl"));
-  EXPECT_TRUE(Prints("1 brush, 2 faces")) << out_.str();
+  EXPECT_TRUE(Prints("1 brush, 3 faces")) << out_.str();
   EXPECT_TRUE(folder_.Read("kept.t3d").starts_with("Begin Map\r\nBegin Actor Class=LevelInfo"));
   EXPECT_EQ(Run({Path("kept.t3d"), Path("again.wrl")}), 0);
   EXPECT_EQ(folder_.Read("again.wrl"), folder_.Read("Rooms.wrl"));

@@ -67,6 +67,17 @@ TEST_F(BakedLevelTest, WhatChangesStaysALight) {
   EXPECT_EQ(converted_.Result.Light.Lamps, 2U);
 }
 
+TEST_F(BakedLevelTest, SpecialLightsAreForSpecialLitSurfacesAlone) {
+  const std::string special =
+      "Begin Actor Class=Light Name=Lamp\n bSpecialLit=True\n Location=(X=500,Y=500,Z=300)\nEnd Actor\n";
+  const std::string specialRoom = test::BoxActor("Room", test::SubtractBox({0, 0, 0}, {1050, 2100, 525}),
+                                                 " CsgOper=CSG_Subtract", "brick Flags=1048576");
+  Convert(room + special);
+  EXPECT_LT(LightOfMaps().back(), 40) << "no more than the ambience";
+  Convert(specialRoom + special);
+  EXPECT_GT(LightOfMaps().back(), 60);
+}
+
 TEST_F(BakedLevelTest, WithoutCarvingTheLevelIsMergedAndBareListsAreLeftAlone) {
   settings_.CheckCarve = false;
   Convert(test::BoxActor("Block", test::AddBox({0, 0, 0}, {100, 100, 100}), " CsgOper=CSG_Add") + lamp);

@@ -106,6 +106,17 @@ TEST(Carve, ConcaveBrushesCarve) {
   EXPECT_NEAR(block.EmptyVolume, 300.0 * 300 * 300 - (area - 60 * 50 + 20 * 30) * 40, 1e-2);
 }
 
+TEST(Carve, ABentFaceFoldsOutward) {
+  for (const Vector3 corner :
+       {Vector3{0, 0, 100}, Vector3{100, 0, 100}, Vector3{100, 100, 100}, Vector3{0, 100, 100}}) {
+    CsgBrush box = SubtractBox({0, 0, 0}, {100, 100, 100});
+    for (CsgPolygon& polygon : box.Polygons)
+      for (Vector3& point : polygon.Points)
+        if (point == corner) point.Z += 50;
+    EXPECT_NEAR(Carve({box}).EmptyVolume, 1e6 + 2 * 5000 * 50 / 3.0, 1) << corner.X << " " << corner.Y;
+  }
+}
+
 TEST(Carve, OtherKindsAreCutButDoNotCut) {
   const CsgBrush block = AddBox({-20, 50, 0}, {20, 90, 20}); // half of it in the wall
   for (const CsgKind kind : {CsgKind::Semisolid, CsgKind::NonSolid, CsgKind::Portal}) {

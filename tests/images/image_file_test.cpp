@@ -108,6 +108,9 @@ TEST(Dds, BlocksAreDecoded) {
   const Blob alpha5 = FileBytes().U8(200).U8(60).U8(0x88).U8(0x0E).Fill(4).Add(colors); // picks 0, 1, 2, 7
   EXPECT_EQ(firstRow(PixelsOf(MadeDds(4, 4, "DXT5", alpha5), "dds")),
             (std::vector<Rgba>{{255, 0, 0, 200}, {0, 0, 255, 60}, {170, 0, 85, 180}, {85, 0, 170, 80}}));
+  const Blob ends5 = FileBytes().U8(60).U8(200).U8(0xAA).U8(0x0F).Fill(4).Add(colors); // picks 2, 5, 6, 7
+  EXPECT_EQ(firstRow(PixelsOf(MadeDds(4, 4, "DXT5", ends5), "dds")),
+            (std::vector<Rgba>{{255, 0, 0, 88}, {0, 0, 255, 172}, {170, 0, 85, 0}, {85, 0, 170, 255}}));
   EXPECT_EQ(PixelsOf(MadeDds(2, 1, "DXT1", colors), "dds"), (std::vector<Rgba>{Red, Blue})) << "smaller than a block";
 }
 

@@ -38,15 +38,20 @@ TEST(LightBaker, SpecialLitAndUnlitSurfacesTakeTheirOwnLampsOnly) {
   std::vector<LitSurface> room = BoxSides({0, 0, 0}, {512, 512, 256}, true);
   room[lowX].SpecialLit = true;
   room[highX].TakesLight = false;
+  room[floorSide] = Rectangle({0, 0, 0}, {300, 0, 0}, {0, 512, 0});
+  room.push_back(Rectangle({300, 0, 0}, {212, 0, 0}, {0, 512, 0}));
+  room.back().SpecialLit = true;
   Lamp plain = LampAt({256, 256, 128}), special = plain;
   special.SpecialLit = true;
   const BakedScene scene = Bake(room, {plain});
   EXPECT_GT(scene.At(floorSide, {256, 256, 0}).X, 0.5);
   EXPECT_EQ(scene.At(lowX, {0, 256, 128}).X, 0);
+  EXPECT_EQ(scene.At(6, {350, 256, 0}).X, 0) << "in one plane with the rest of the floor";
   EXPECT_TRUE(std::isnan(scene.At(highX, {512, 256, 128}).X));
   const BakedScene ofSpecial = Bake(room, {special});
   EXPECT_EQ(ofSpecial.At(floorSide, {256, 256, 0}).X, 0);
   EXPECT_GT(ofSpecial.At(lowX, {0, 256, 128}).X, 0.5);
+  EXPECT_GT(ofSpecial.At(6, {350, 256, 0}).X, 0.3);
 }
 
 TEST(LightBaker, SunlightComesFromTheNearestBackdrop) {

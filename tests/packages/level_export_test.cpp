@@ -46,6 +46,7 @@ Begin Actor Class=Brush Name=Brush1
        Begin PolyList
           Begin Polygon Item=OUTSIDE Texture=Brick Flags=-2147483646 Link=3
 )" + polygon + R"(          Begin Polygon Item=OUTSIDE Texture=Moss Flags=-2147483646 Link=3
+)" + polygon + R"(          Begin Polygon Item=OUTSIDE Texture=Harbour.Brick Flags=-2147483646 Link=3
 )" + polygon + R"(       End PolyList
     End Brush
      Brush=Model'MyLevel.Model2'

@@ -95,7 +95,8 @@ Blob MadeLevel(int version) {
       package.Export("Texture", "Moss", Texture(package, palette, 2, 1).None().Index(1).Mip({1, 2}, 2, 1));
   const ObjectRef info = package.Export("LevelInfo", "LevelInfo0", {}, 0, hasStack);
   package.SetData(info, ObjectBytes(package).StateFrame().String("Title", "Two\nrooms").Object("Level", info).None());
-  const ObjectRef model = AddModel(package, "Model2", {brick, moss});
+  const ObjectRef otherBrick = package.Import("Texture", package.Import("Package", 0, "Harbour"), "Brick");
+  const ObjectRef model = AddModel(package, "Model2", {brick, moss, otherBrick});
   const FileBytes region = FileBytes().Add(CompactIndex(info)).U32(0xFFFFFFFF).U8(3);
   const ObjectRef brush = package.Export("Brush", "Brush1",
                                          ObjectBytes(package)

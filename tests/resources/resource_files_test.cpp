@@ -88,6 +88,9 @@ TEST_F(ResourceFilesTest, NearestFolderThenWantedTypeThenPathDecide) {
   EXPECT_EQ(width("Foreign.Group.wall"), 5) << "of two equally near, by type";
   Write("lib/c/wall.tga", MadeTga(2, 6, 6, 24, 0, Blob(108)));
   EXPECT_EQ(width("wall"), 3) << "ties go by path";
+  Write("lib/Attic/wall.tga", MadeTga(2, 7, 7, 24, 0, Blob(147)));
+  Write("lib/Tower/wall.tga", MadeTga(2, 9, 9, 24, 0, Blob(243)));
+  EXPECT_EQ(width("Tower.Attic.wall"), 9) << "the package's folder, not one that is named like the group";
 }
 
 TEST_F(ResourceFilesTest, EditorQualifiedNamesAreAnOption) {
