@@ -102,6 +102,23 @@ const NodeRule* FindRule(std::string_view type, SceneEncoding encoding) {
 
 } // namespace
 
+std::vector<std::string> Words(std::string_view text) {
+  std::vector<std::string> words;
+  for (std::size_t at = text.find_first_not_of(WordSeparators); at != text.npos;) {
+    const std::size_t end = std::min(text.find_first_of(WordSeparators, at), text.size());
+    words.emplace_back(text.substr(at, end - at));
+    at = text.find_first_not_of(WordSeparators, end);
+  }
+  return words;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string joined;
+  for (const std::string& word : words)
+    joined += (joined.empty() ? "" : " ") + word;
+  return joined;
+}
+
 bool IsOneOf(std::string_view word, std::string_view list) {
   const auto isEnd = [&](std::size_t at) { return at >= list.size() || list[at] == ' '; };
   for (std::size_t at = list.find(word); at != list.npos; at = list.find(word, at + 1))

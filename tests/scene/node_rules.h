@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quarvel::test {
 
@@ -10,6 +11,15 @@ enum class SceneEncoding { Vrml97, X3DClassic, X3DXml };
 
 /// True when a word stands in a list of words with blanks between them.
 bool IsOneOf(std::string_view word, std::string_view list);
+
+/// What stands between the words and numbers of a field.
+inline constexpr std::string_view WordSeparators = " \t\r\n,";
+std::vector<std::string> Words(std::string_view text);
+/// Words with a blank between them.
+std::string Joined(const std::vector<std::string>& words);
+
+/// Node types of a document that stand for no node of the text, as one list of words.
+inline constexpr std::string_view FrameTypes = "Group MultiTexture texture NavigationInfo";
 
 /// What the standards say of the node types that a scene may hold.
 bool IsNodeType(std::string_view type, SceneEncoding encoding);

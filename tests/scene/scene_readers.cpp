@@ -12,8 +12,6 @@ namespace quarvel::test {
 
 namespace {
 
-constexpr std::string_view separators = " \t\r\n,";
-
 bool IsNumber(std::string_view word) {
   if (word.starts_with('+')) word.remove_prefix(1);
   double value = 0;
@@ -27,23 +25,6 @@ bool IsLegalName(std::string_view name) {
   return std::all_of(name.begin(), name.end(), [](char c) {
     return c > 0x20 && c < 0x7f && std::string_view("\"#',.[\\]{}:").find(c) == std::string_view::npos;
   });
-}
-
-std::vector<std::string> Words(std::string_view text) {
-  std::vector<std::string> words;
-  for (std::size_t at = text.find_first_not_of(separators); at != text.npos;) {
-    const std::size_t end = std::min(text.find_first_of(separators, at), text.size());
-    words.emplace_back(text.substr(at, end - at));
-    at = text.find_first_not_of(separators, end);
-  }
-  return words;
-}
-
-std::string Joined(const std::vector<std::string>& words) {
-  std::string joined;
-  for (const std::string& word : words)
-    joined += (joined.empty() ? "" : " ") + word;
-  return joined;
 }
 
 struct Token {
@@ -177,7 +158,7 @@ class VrmlReader {
 
   void SkipBlanksAndComments() {
     for (;;) {
-      at_ = std::min(text_.find_first_not_of(separators, at_), text_.size());
+      at_ = std::min(text_.find_first_not_of(WordSeparators, at_), text_.size());
       if (at_ == text_.size() || text_[at_] != '#') return;
       at_ = std::min(text_.find('\n', at_), text_.size());
     }
@@ -358,9 +339,6 @@ class VrmlReader {
   std::set<std::string> defined_, prototypes_;
 };
 
-/// Elements that stand for no node of the text.
-constexpr std::string_view frame = "Group MultiTexture texture NavigationInfo";
-
 class X3DReader {
  public:
   ReadScene Read(const pugi::xml_node& root) {
@@ -387,7 +365,7 @@ class X3DReader {
     if (element.type() != pugi::node_element) return;
     CheckElement(element, above);
     int number = parent;
-    if (!IsOneOf(type, frame) || element.attribute("DEF")) number = AddNode(element, parent);
+    if (!IsOneOf(type, FrameTypes) || element.attribute("DEF")) number = AddNode(element, parent);
     for (const pugi::xml_node& child : element.children())
       ReadElement(child, number, type);
   }
@@ -431,34 +409,6 @@ class X3DReader {
   std::vector<std::pair<std::string, std::string>> routes_;
 };
 
-/// Fields as both encodings write them: separators, quotes and the case of booleans do not count.
-std::string Normal(std::string_view value) {
-  std::vector<std::string> words = Words(value);
-  for (std::string& word : words) {
-    std::erase(word, '"');
-    if (word == "true") word = "TRUE";
-    if (word == "false") word = "FALSE";
-  }
-  return Joined(words);
-}
-
-/// Defaults that only one of the encodings writes.
-bool IsLeftOut(std::string_view field, std::string_view value) {
-  return (field == "scale" && value == "1 1 1") || (field == "emissiveColor" && value == "0 0 0") ||
-         (field == "location" && value == "0 0 0");
-}
-
-/// VRML97 has no interpolator for pairs of numbers: there a script moves a texture.
-bool MovesTextures(std::string_view name) {
-  return IsOneOf(name, "SCRIPTUVPAN SCRIPTUPAN SCRIPTVPAN SCRIPTSMALLWAVY POSINT2DUVPAN POSINT2DUPAN POSINT2DVPAN "
-                       "WAVYPOSINT");
-}
-
-bool RoutesTextureMotion(std::string_view route) {
-  const std::string_view to = route.substr(route.rfind(' ') + 1);
-  return MovesTextures(route.substr(0, route.find('.'))) || MovesTextures(to.substr(0, to.find('.')));
-}
-
 } // namespace
 
 std::string ReadScene::OwnerOf(const ReadNode& node) const {
@@ -481,56 +431,6 @@ ReadScene ReadX3D(const std::string& text) {
   ReadScene scene = X3DReader().Read(document.child("X3D").child("Scene"));
   if (!result) scene.Faults.push_back(std::string(result.description()) + " at " + std::to_string(result.offset));
   return scene;
-}
-
-std::vector<std::string> Describe(const ReadScene& scene) {
-  std::vector<std::string> lines;
-  for (const ReadNode& node : scene.Nodes) {
-    // Scripts declare their fields in ways of their own; a text's USE does not say the type.
-    if (IsOneOf(node.Type, frame) || IsOneOf(node.Type, "Script field") || MovesTextures(node.Def)) continue;
-    const std::string type = node.Use.empty() ? node.Type : "USE";
-    // The document names the sky's Inline, too.
-    const bool sky = node.Type == "Inline" && scene.OwnerOf(node) == "WT_" + node.Def;
-    std::string line = type + " '" + (sky ? "" : node.Def) + node.Use + "' in '" + scene.OwnerOf(node) + "'";
-    for (const auto& [field, value] : node.Fields) {
-      // X3D's name for the field of VRML97.
-      const std::string name = node.Type == "Collision" && field == "enabled" ? "collide" : field;
-      // Each scene inlines files of its own encoding.
-      std::string shown = Normal(value);
-      if (node.Type == "Inline") shown.erase(std::min(shown.rfind('.'), shown.size()));
-      if (!IsLeftOut(field, shown)) line += " " + name + " " + shown;
-    }
-    lines.push_back(line);
-  }
-  for (const std::string& route : scene.Routes)
-    if (!RoutesTextureMotion(route)) lines.push_back("ROUTE " + route);
-  std::sort(lines.begin(), lines.end());
-  return lines;
-}
-
-std::vector<std::string> Differences(const ReadScene& text, const ReadScene& document) {
-  const std::vector<std::string> inText = Describe(text), inDocument = Describe(document);
-  std::vector<std::string> differences;
-  const auto add = [&](const auto& a, const auto& b, const std::string& what) {
-    std::vector<std::string> only;
-    std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(only));
-    for (const std::string& line : only)
-      differences.push_back(what + line.substr(0, 300));
-  };
-  add(inText, inDocument, "only in the text: ");
-  add(inDocument, inText, "only in the document: ");
-  return differences;
-}
-
-std::vector<std::string> WithoutQuirks(std::vector<std::string> faults) {
-  constexpr std::string_view quirks[] = {"FlickerTimer is defined twice",  "World is defined twice",
-                                         "Collision has no field collide", "'texture' is no node type",
-                                         "a texture in Appearance",        "a ImageTexture in texture"};
-  for (const std::string_view quirk : quirks)
-    std::erase_if(faults, [&](const std::string& fault) { return fault.ends_with(quirk); });
-  // Lights in Transforms are named by their Tags.
-  std::erase_if(faults, [](const std::string& fault) { return fault.starts_with("L_") && fault.ends_with(" twice"); });
-  return faults;
 }
 
 } // namespace quarvel::test
