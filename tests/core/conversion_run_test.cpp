@@ -71,14 +71,14 @@ TEST(ConversionRun, ChoosesBrushesAndFaces) {
   const Converted cut = Convert(level, settings);
   EXPECT_EQ(cut.Result.Faces, 1);
   EXPECT_EQ(cut.Result.Findings.Counts().at("faces left out that stand before TextStartAtPoly").Count, 2);
-  std::string bare = Brush("Bare", " CsgOper=CSG_Add\n url=http---example--org/?a=1&b=2\n", 3);
+  std::string bare = Brush("Bare", " CsgOper=CSG_Add\n url=https---example--org/?a=1&b=2\n", 3);
   bare.replace(bare.find("Texture=brick"), 13, "Texture=None");
   bare.replace(bare.find("Texture=brick"), 13, "Texture=Engine.DefaultTexture");
   settings.TextStartAtPoly = {"0", 0};
   settings.CheckConforming = true;
   const Converted linked = Convert(bare, settings);
   EXPECT_EQ(linked.Result.Findings.Counts().at("faces left out because they have no texture").Count, 2);
-  EXPECT_TRUE(Holds(linked.Document, "<Anchor url='\"http://example.org/?a=1&amp;b=2\"'>"));
+  EXPECT_TRUE(Holds(linked.Document, "<Anchor url='\"https://example.org/?a=1&amp;b=2\"'>"));
   settings.CheckDoGeometry = false;
   EXPECT_EQ(names(), Texts());
 }

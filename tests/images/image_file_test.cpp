@@ -163,6 +163,16 @@ TEST(HeightmapReader, TakesSixteenBitSamplesAsTheyAre) {
   const auto map = ReadHeightmap(MadeBmp(2, 2, 16, {}, {3, 0, 4, 0, 0x34, 0x12, 0xFF, 0xFF}), "bmp").Map;
   ASSERT_TRUE(map);
   EXPECT_EQ(map->Samples, (std::vector<std::uint16_t>{0x1234, 0xFFFF, 3, 4})) << "the top row first";
+
+  // A grey png of 2 x 1 samples.
+  const Blob png{0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0,    0,    0,    0x0D, 0x49, 0x48,
+                 0x44, 0x52, 0,    0,    0,    2,    0,    0,    0,    1,    0x10, 0,    0,    0,
+                 0,    0x81, 0xD9, 0xFC, 0x15, 0,    0,    0,    0x0D, 0x49, 0x44, 0x41, 0x54, 0x78,
+                 0xDA, 0x63, 0x10, 0x32, 0xF9, 0xCF, 0,    0,    2,    0xE7, 1,    0x46, 0xA0, 0xA5,
+                 0x9E, 0x52, 0,    0,    0,    0,    0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
+  const auto grey = ReadHeightmap(png, "png").Map;
+  ASSERT_TRUE(grey);
+  EXPECT_EQ(grey->Samples, (std::vector<std::uint16_t>{0x1234, 0xFF00}));
 }
 
 TEST(HeightmapReader, ScalesEightBitsSoThatTheMiddleStaysTheMiddle) {

@@ -63,6 +63,8 @@ TEST(Lamp, EffectsChangeTheSpread) {
   const double u = (1 - 200 / std::hypot(200, 80)) / 0.1368, s = 1 - u;
   EXPECT_NEAR(OnFloor(spot, 80) + 0.0075, (OnFloor(Record(), 80) + 0.0075) * s * s * (3 - 2 * s), 1e-6);
   EXPECT_EQ(OnFloor(spot, 118), 0);
+  spot.LightEffect = "LE_Spotlight";
+  EXPECT_EQ(OnFloor(spot, 118), 0);
   // Yaw turns from X towards Y in the editor's axes.
   spot.Rotation = {0, 16384, 0};
   EXPECT_NEAR(MakeLamp(spot, 1).Direction.Y, 1, 1e-9);

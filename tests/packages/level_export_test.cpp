@@ -19,10 +19,10 @@ TEST(ExportedLevel, IsWhatTheEditorWrites) {
   const Blob file = test::MadeLevel();
   const ExportedLevel level = ExportLevel(*ReadPackage(file, "Rooms").Value);
   EXPECT_EQ(level.Error, "");
-  const std::string polygon = R"(             Origin   -00008.000000,+00008.000000,+00000.000000
+  const auto polygon = [](const std::string& pan) {
+    return R"(             Origin   -00008.000000,+00008.000000,+00000.000000
              Normal   +00000.000000,+00000.000000,+00001.000000
-             Pan      U=-1 V=16
-             TextureU +00001.000000,+00000.000000,+00000.000000
+)" + pan + R"(             TextureU +00001.000000,+00000.000000,+00000.000000
              TextureV +00000.000000,-00000.500000,+00000.000000
              Vertex   -00008.000000,+00008.000000,+00000.000000
              Vertex   +00008.000000,+00008.000000,+00000.000000
@@ -30,6 +30,8 @@ TEST(ExportedLevel, IsWhatTheEditorWrites) {
              Vertex   -00008.000000,-00008.000000,+00000.250000
           End Polygon
 )";
+  };
+  const std::string pan = "             Pan      U=-1 V=";
   EXPECT_EQ(WithoutReturns(level.Text), R"(Begin Map
 Begin Actor Class=LevelInfo Name=LevelInfo0
      Title="Two_rooms"
@@ -45,9 +47,9 @@ Begin Actor Class=Brush Name=Brush1
     Begin Brush Name=Model2
        Begin PolyList
           Begin Polygon Item=OUTSIDE Texture=Brick Flags=-2147483646 Link=3
-)" + polygon + R"(          Begin Polygon Item=OUTSIDE Texture=Moss Flags=-2147483646 Link=3
-)" + polygon + R"(          Begin Polygon Item=OUTSIDE Texture=Harbour.Brick Flags=-2147483646 Link=3
-)" + polygon + R"(       End PolyList
+)" + polygon(pan + "16\n") + R"(          Begin Polygon Item=OUTSIDE Texture=Moss Flags=-2147483646 Link=3
+)" + polygon(pan + "0\n") + R"(          Begin Polygon Item=OUTSIDE Texture=Harbour.Brick Flags=-2147483646 Link=3
+)" + polygon("") + R"(       End PolyList
     End Brush
      Brush=Model'MyLevel.Model2'
      PrePivot=(Y=8.000000)

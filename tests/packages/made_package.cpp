@@ -38,8 +38,8 @@ void AddProceduralTextures(MadePackage& package, ObjectRef palette, ObjectRef so
                  Texture(package, palette, 4, 2).Object("SourceTexture", source).None().Index(1).Mip({}, 4, 2));
 }
 
-/// A square in the plane Z = 0.
-ObjectBytes& AddPolygon(ObjectBytes& polys, MadePackage& package, ObjectRef texture) {
+/// A square in the plane Z = 0; the first of a shape is panned both ways, the next along U.
+ObjectBytes& AddPolygon(ObjectBytes& polys, MadePackage& package, ObjectRef texture, std::size_t number) {
   polys.Index(4).Floats({-8, 8, 0}).Floats({0, 0, 1}).Floats({1, 0, 0}).Floats({0, -0.5F, 0});
   polys.Floats({-8, 8, 0}).Floats({8, 8, 0}).Floats({8, -8, 0}).Floats({-8, -8, 0.25F});
   return polys.U32(0x80000002)
@@ -48,16 +48,16 @@ ObjectBytes& AddPolygon(ObjectBytes& polys, MadePackage& package, ObjectRef text
       .Index(package.Name("OUTSIDE"))
       .Index(3)
       .Index(-1)
-      .U16(0xFFFF)
-      .U16(16);
+      .U16(number < 2 ? 0xFFFF : 0)
+      .U16(number < 1 ? 16 : 0);
 }
 
 /// A brush's shape: a box, a sphere, empty lists, and the polygons.
 ObjectRef AddModel(MadePackage& package, std::string_view name, const std::vector<ObjectRef>& textures) {
   ObjectBytes polys(package);
   polys.None().U32(static_cast<unsigned>(textures.size())).U32(0);
-  for (const ObjectRef texture : textures)
-    AddPolygon(polys, package, texture);
+  for (std::size_t i = 0; i < textures.size(); ++i)
+    AddPolygon(polys, package, textures[i], i);
   const ObjectRef list = package.Export("Polys", "Polys1", polys);
   ObjectBytes model(package);
   model.None().Add(Blob(package.Version() < 62 ? 37 : 41, 0)).Add(Blob(5, 0)).U32(0).U32(0).Index(list);
