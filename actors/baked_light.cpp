@@ -111,10 +111,11 @@ ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3
   return used;
 }
 
-void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit) {
+void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit, SolidMatter matter) {
   run.Context.User.ShowPass("Baking light");
   const auto start = std::chrono::steady_clock::now();
-  run.Light = std::make_unique<LevelLight>(std::move(lit), LampsOf(run.Part, run.Level), AmbienceOf(run));
+  run.Light =
+      std::make_unique<LevelLight>(std::move(lit), LampsOf(run.Part, run.Level), AmbienceOf(run), std::move(matter));
   const BakedLight baked = BakeToBeSeen(run, *run.Light);
   run.Context.Materials.SetLightPages(WritePages(run, baked.Pages));
   run.Context.Light = run.Light.get();

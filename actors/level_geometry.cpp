@@ -125,7 +125,9 @@ void WriteCarved(SceneRun& run, const GatheredBrushes& gathered) {
   if (run.Context.Settings.CheckBakeLight) {
     std::vector<LitSurface> lit = MakeLitSurfaces(surfaces);
     AddHiddenSurfaces(run.Context, gathered.Brushes, level, lit);
-    BakeLight(run, surfaces, std::move(lit));
+    SolidMatter matter = MakeSolidMatter(run.Context, gathered.Brushes, level);
+    RemoveBuried(matter, surfaces, lit);
+    BakeLight(run, surfaces, std::move(lit), std::move(matter));
   }
   CountCarving(run, level, surfaces.size());
   ReportOpenEdges(run, gathered.Brushes, level);
@@ -150,7 +152,7 @@ void WriteMerged(SceneRun& run, GatheredBrushes gathered) {
   }
   run.Totals.Brushes += static_cast<int>(kept.size());
   std::vector<LevelSurface> surfaces = MakeSurfaces(run.Context, kept);
-  if (run.Context.Settings.CheckBakeLight) BakeLight(run, surfaces, MakeLitSurfaces(surfaces));
+  if (run.Context.Settings.CheckBakeLight) BakeLight(run, surfaces, MakeLitSurfaces(surfaces), SolidMatter());
   WriteSurfaces(run, surfaces);
 }
 

@@ -73,6 +73,8 @@ Workshop Prepare(std::span<const CsgBrush> brushes, CarvedLevel& level) {
       continue;
     }
     CountBrush(level.Counts, brush, taker.Shape);
+    if (!IsStructural(brush) && brush.Kind == CsgKind::Semisolid && taker.Shape.Tree)
+      level.Semisolids.push_back({taker.Brush, taker.Shape.Box, std::move(*taker.Shape.Tree)});
     workshop.Takers.push_back(std::move(taker));
   }
   return workshop;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "csg/brush_tree.h"
 #include "csg/polygon.h"
 #include "csg/polygon_mesh.h"
 
@@ -51,6 +52,13 @@ struct RefusedBrush {
   CarveFault Fault = CarveFault::Crossing;
 };
 
+/// A brush that fills space, though it does not carve it.
+struct SemisolidBrush {
+  int Brush = 0;
+  Bounds3 Box;
+  BrushTree Inside;
+};
+
 /// How many brushes took part, by what they did.
 struct CarveCounts {
   int Added = 0, Subtracted = 0, Semisolid = 0, NonSolid = 0, Portals = 0;
@@ -62,6 +70,7 @@ struct CarveCounts {
 struct CarvedLevel {
   PolygonMesh Mesh; ///< welded; the structural faces come first
   std::vector<CarvedFace> Faces;
+  std::vector<SemisolidBrush> Semisolids; ///< the closed ones
   std::vector<RefusedBrush> Refused;
   std::vector<OpenEdge> OpenEdges; ///< of the structural faces; none when they enclose the empty space
   double EmptyVolume = 0;          ///< cubic Unreal units

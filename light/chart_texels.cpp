@@ -1,5 +1,7 @@
 #include "light/chart_texels.h"
 
+#include "light/texel_samples.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -9,23 +11,10 @@ namespace quarvel {
 
 namespace {
 
-constexpr double reachOfTexels = 3; // texels from a piece to the centre of one that filtering may read
-constexpr double inward = 0.5; // Unreal units, by which points on an outline, where a wall may stand, are moved inside
-
-/// From a texel's centre, in texels: turned against the texels, so that edges along them are smoothed too.
-constexpr std::array<PlanePoint, 4> sampleOffsets{{{-0.45, -0.15}, {0.15, -0.45}, {0.45, 0.15}, {-0.15, 0.45}}};
-
 enum class TexelState : std::uint8_t {
   Unused,
-  Waiting, ///< in solid matter: takes the light of a neighbour
+  Waiting, ///< in solid matter: takes the light of its neighbours
   Lit,
-};
-
-/// What a texel's centre is nearest to.
-struct NearestPiece {
-  double Distance = 1e30; ///< texels
-  PlanePoint Point;       ///< of that piece
-  int Piece = -1;
 };
 
 bool MayReach(const Lamp& lamp, const Chart& chart) {
@@ -47,24 +36,17 @@ std::uint8_t ToByte(double value) { return static_cast<std::uint8_t>(std::lround
 class ChartLighter {
  public:
   ChartLighter(const Chart& chart, const LitSurface& surface, std::span<const Lamp> lamps, const ShadowScene& shadows)
-      : chart_(chart), lattice_(chart.Lattice), surface_(surface), shadows_(shadows),
-        texels_(static_cast<std::size_t>(chart.Width) * static_cast<std::size_t>(chart.Height)),
-        states_(texels_.size(), TexelState::Unused) {
+      : chart_(chart), normal_(chart.Lattice.Normal), surface_(surface), shadows_(shadows), samples_(chart, shadows),
+        texels_(static_cast<std::size_t>(chart.Width) * static_cast<std::size_t>(chart.Height), surface.Ambient),
+        states_(texels_.size(), TexelState::Unused), known_(texels_.size()), seen_(texels_.size()) {
     for (const Lamp& lamp : lamps)
       if (lamp.SpecialLit == surface.SpecialLit && MayReach(lamp, chart)) lamps_.push_back(&lamp);
   }
 
   LitTexels Run(Image& page) {
-    LitTexels lit;
-    const std::vector<NearestPiece> nearest = FindNearest();
-    for (int y = 0; y < chart_.Height; ++y)
-      for (int x = 0; x < chart_.Width; ++x) {
-        const NearestPiece& piece = nearest[At(x, y)];
-        if (piece.Piece < 0 || !LightTexel(x, y, piece)) continue;
-        const Vector3& light = texels_[At(x, y)];
-        ++lit.Count;
-        lit.Sum += ToByte(light.X) + ToByte(light.Y) + ToByte(light.Z);
-      }
+    for (const Lamp* lamp : lamps_)
+      AddLamp(*lamp);
+    const LitTexels lit = Finish();
     FillWaiting();
     Store(page);
     return lit;
@@ -74,110 +56,63 @@ class ChartLighter {
   std::size_t At(int x, int y) const {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(chart_.Width) + static_cast<std::size_t>(x);
   }
-  PlanePoint CenterOfTexel(int x, int y) const { return {chart_.FirstU + x + 0.5, chart_.FirstV + y + 0.5}; }
 
-  std::vector<NearestPiece> FindNearest() const {
-    std::vector<NearestPiece> nearest(texels_.size());
-    for (std::size_t i = 0; i < chart_.Pieces.size(); ++i) {
-      const PlanePolygon& outline = chart_.Pieces[i].Outline;
-      const PlaneBox box = BoxOf(outline);
-      const auto clamp = [](double value, int size) {
-        return static_cast<int>(std::clamp(std::floor(value), 0.0, static_cast<double>(size)));
-      };
-      const int left = clamp(box.MinU - reachOfTexels - chart_.FirstU, chart_.Width);
-      const int right = clamp(box.MaxU + reachOfTexels - chart_.FirstU + 1, chart_.Width);
-      const int bottom = clamp(box.MinV - reachOfTexels - chart_.FirstV, chart_.Height);
-      const int top = clamp(box.MaxV + reachOfTexels - chart_.FirstV + 1, chart_.Height);
-      for (int y = bottom; y < top; ++y)
-        for (int x = left; x < right; ++x) {
-          NearestPiece& known = nearest[At(x, y)];
-          if (known.Distance == 0) continue;
-          const PlanePoint center = CenterOfTexel(x, y), point = NearestPointOf(outline, center);
-          const double distance = DistanceOf(center, point);
-          if (distance < known.Distance && distance <= reachOfTexels) known = {distance, point, static_cast<int>(i)};
-        }
+  void AddLamp(const Lamp& lamp) {
+    std::vector<Vector3>& light = lightOfLamp_;
+    light.assign(texels_.size(), Vector3());
+    for (std::size_t i = 0; i < texels_.size(); ++i) {
+      known_[i] = seen_[i] = 0;
+      if (!samples_.IsUsed(i)) continue;
+      light[i] = LightFrom(lamp, samples_.PlaceOf(i), normal_);
+      if (light[i] == Vector3() || samples_.OpenOf(i) == 0) continue;
+      known_[i] = samples_.OpenOf(i);
+      seen_[i] = known_[i] & shadows_.WhichSee(lamp, samples_.PointsOf(i), normal_);
     }
-    return nearest;
+    for (std::size_t i = 0; i < texels_.size(); ++i)
+      if (light[i] != Vector3())
+        if (const double part = samples_.MeanAround(i, known_, seen_); part > 0)
+          texels_[i] = AddVector(texels_[i], ScaleVector(light[i], part));
   }
 
-  /// Where the texel looks at the lamps from: its centre, where that is in the open, else where its piece is nearest.
-  /// False when that is in solid matter.
-  bool FindEye(int x, int y, const NearestPiece& nearest, Vector3& eye) const {
-    const PlanePoint center = CenterOfTexel(x, y);
-    const PlanePolygon& outline = chart_.Pieces[static_cast<std::size_t>(nearest.Piece)].Outline;
-    const double margin = inward / lattice_.Texel;
-    const PlanePoint inside = MovedInside(nearest.Point, CenterOf(outline), margin);
-    eye = lattice_.ToSpace(center);
-    if (nearest.Distance > 0) {
-      const Vector3 onPiece = lattice_.ToSpace(inside);
-      if (!shadows_.Connected(onPiece, eye, lattice_.Normal) || shadows_.InSolid(eye, lattice_.Normal)) eye = onPiece;
-    } else if (DistanceToEdge(outline, center) < margin) {
-      eye = lattice_.ToSpace(inside);
+  LitTexels Finish() {
+    LitTexels lit;
+    const std::vector<SampleMask>& open = samples_.Open();
+    for (std::size_t i = 0; i < texels_.size(); ++i) {
+      if (!samples_.IsUsed(i)) continue;
+      states_[i] = samples_.MeanAround(i, open, open) < 0 ? TexelState::Waiting : TexelState::Lit;
+      if (states_[i] == TexelState::Waiting) continue;
+      Vector3& light = texels_[i];
+      light = ToneMapped(light);
+      ++lit.Count;
+      lit.Sum += ToByte(light.X) + ToByte(light.Y) + ToByte(light.Z);
     }
-    return !shadows_.InSolid(eye, lattice_.Normal);
+    return lit;
   }
 
-  bool LightTexel(int x, int y, const NearestPiece& nearest) {
-    Vector3 eye;
-    const std::size_t at = At(x, y);
-    states_[at] = TexelState::Waiting;
-    if (!FindEye(x, y, nearest, eye)) return false;
-    texels_[at] = ToneMapped(LightAt(lattice_.ToSpace(CenterOfTexel(x, y)), eye));
-    states_[at] = TexelState::Lit;
-    return true;
-  }
-
-  /// The light at a place, as far as the lamps are seen from around the eye.
-  Vector3 LightAt(const Vector3& place, const Vector3& eye) const {
-    Vector3 sum = surface_.Ambient;
-    if (lamps_.empty()) return sum;
-    std::array<Vector3, 4> samples;
-    bool placed = false;
-    for (const Lamp* lamp : lamps_) {
-      const Vector3 light = LightFrom(*lamp, place, lattice_.Normal);
-      if (light == Vector3()) continue;
-      if (!placed) samples = SamplesAround(eye);
-      placed = true;
-      const int seen = shadows_.CountSeen(*lamp, samples, lattice_.Normal);
-      sum = AddVector(sum, ScaleVector(light, seen / 4.0));
-    }
-    return sum;
-  }
-
-  /// The points from which a texel looks at the lamps. One behind a wall becomes the eye itself.
-  std::array<Vector3, 4> SamplesAround(const Vector3& eye) const {
-    std::array<Vector3, 4> samples;
-    for (std::size_t i = 0; i < 4; ++i)
-      samples[i] = AddVector(eye, AddVector(ScaleVector(lattice_.U, lattice_.Texel * sampleOffsets[i].U),
-                                            ScaleVector(lattice_.V, lattice_.Texel * sampleOffsets[i].V)));
-    const std::array<bool, 4> open = shadows_.Connected(eye, samples, lattice_.Normal);
-    for (std::size_t i = 0; i < 4; ++i)
-      if (!open[i]) samples[i] = eye;
-    return samples;
-  }
-
-  /// Ring by ring, each waiting texel takes the light of a neighbour that has some.
+  /// Ring by ring, each waiting texel takes the mean of its neighbours that have light.
   void FillWaiting() {
     for (bool found = true; found;) {
       found = false;
       const std::vector<TexelState> before = states_;
       for (int y = 0; y < chart_.Height; ++y)
         for (int x = 0; x < chart_.Width; ++x)
-          if (before[At(x, y)] == TexelState::Waiting && TakeFromNeighbour(x, y, before)) found = true;
+          if (before[At(x, y)] == TexelState::Waiting && TakeFromNeighbours(x, y, before)) found = true;
     }
   }
 
-  bool TakeFromNeighbour(int x, int y, const std::vector<TexelState>& before) {
-    constexpr std::array<std::array<int, 2>, 8> steps{
-        {{-1, 0}, {1, 0}, {0, -1}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}}};
-    for (const auto& [dx, dy] : steps) {
-      if (x + dx < 0 || x + dx >= chart_.Width || y + dy < 0 || y + dy >= chart_.Height) continue;
-      if (before[At(x + dx, y + dy)] != TexelState::Lit) continue;
-      texels_[At(x, y)] = texels_[At(x + dx, y + dy)];
-      states_[At(x, y)] = TexelState::Lit;
-      return true;
-    }
-    return false;
+  bool TakeFromNeighbours(int x, int y, const std::vector<TexelState>& before) {
+    Vector3 sum;
+    int count = 0;
+    for (int v = std::max(y - 1, 0); v <= std::min(y + 1, chart_.Height - 1); ++v)
+      for (int u = std::max(x - 1, 0); u <= std::min(x + 1, chart_.Width - 1); ++u) {
+        if (before[At(u, v)] != TexelState::Lit) continue;
+        sum = AddVector(sum, texels_[At(u, v)]);
+        ++count;
+      }
+    if (count == 0) return false;
+    texels_[At(x, y)] = ScaleVector(sum, 1.0 / count);
+    states_[At(x, y)] = TexelState::Lit;
+    return true;
   }
 
   void Store(Image& page) const {
@@ -193,12 +128,15 @@ class ChartLighter {
   }
 
   const Chart& chart_;
-  const TexelLattice& lattice_;
+  const Vector3& normal_;
   const LitSurface& surface_;
   const ShadowScene& shadows_;
+  const TexelSamples samples_;
   std::vector<const Lamp*> lamps_;
   std::vector<Vector3> texels_;
   std::vector<TexelState> states_;
+  std::vector<SampleMask> known_, seen_; ///< of one lamp
+  std::vector<Vector3> lightOfLamp_;     ///< where nothing hides it
 };
 
 } // namespace

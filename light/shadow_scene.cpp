@@ -1,5 +1,7 @@
 #include "light/shadow_scene.h"
 
+#include "light/texel_lattice.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <embree3/rtcore.h>
@@ -16,6 +18,10 @@ namespace {
 constexpr double lift = 0.25;
 constexpr double gapAtLamp = 0.5;
 constexpr double farAway = 1e6;
+
+// Where a surface is looked at: Unreal units from point to point, points along a side at most, and Unreal units from
+// the outline, on which a wall may stand.
+constexpr double betweenPoints = 8, mostPoints = 128, fromOutline = 0.5;
 
 constexpr unsigned castsShadow = 1, boundsSolid = 2;
 
@@ -179,7 +185,8 @@ struct ShadowScene::Rays {
   RayScene ForLamps, OfSolids;
 };
 
-ShadowScene::ShadowScene(std::span<const LitSurface> surfaces) : rays_(std::make_unique<Rays>(surfaces)) {}
+ShadowScene::ShadowScene(std::span<const LitSurface> surfaces, SolidMatter matter)
+    : rays_(std::make_unique<Rays>(surfaces)), matter_(std::move(matter)) {}
 ShadowScene::~ShadowScene() = default;
 
 bool ShadowScene::Sees(const Lamp& lamp, const Vector3& point, const Vector3& normal) const {
@@ -193,17 +200,19 @@ Vector3 ShadowScene::Light(const Lamp& lamp, const Vector3& point, const Vector3
   return light == Vector3() || !Sees(lamp, point, normal) ? Vector3() : light;
 }
 
-int ShadowScene::CountSeen(const Lamp& lamp, const std::array<Vector3, 4>& points, const Vector3& normal) const {
-  if (lamp.Shape == LampShape::Directional)
-    return static_cast<int>(
-        std::count_if(points.begin(), points.end(), [&](const Vector3& point) { return Sees(lamp, point, normal); }));
+unsigned ShadowScene::WhichSee(const Lamp& lamp, const std::array<Vector3, 4>& points, const Vector3& normal) const {
   std::array<Vector3, 4> from, ways;
+  std::array<bool, 4> sees{};
   for (std::size_t i = 0; i < 4; ++i) {
     from[i] = Lifted(points[i], normal);
     ways[i] = WayTo(lamp, from[i]);
+    if (lamp.Shape == LampShape::Directional) sees[i] = SunReaches(rays_->ForLamps, from[i], ways[i]);
   }
-  const std::array<bool, 4> free = AreFree(rays_->ForLamps, from, ways);
-  return static_cast<int>(std::count(free.begin(), free.end(), true));
+  if (lamp.Shape != LampShape::Directional) sees = AreFree(rays_->ForLamps, from, ways);
+  unsigned mask = 0;
+  for (std::size_t i = 0; i < 4; ++i)
+    mask |= static_cast<unsigned>(sees[i]) << i;
+  return mask;
 }
 
 bool ShadowScene::Connected(const Vector3& from, const Vector3& to, const Vector3& normal) const {
@@ -220,8 +229,30 @@ std::array<bool, 4> ShadowScene::Connected(const Vector3& from, const std::array
 }
 
 bool ShadowScene::InSolid(const Vector3& point, const Vector3& normal) const {
+  if (matter_.Contains(Lifted(point, normal))) return true;
   const unsigned first = FirstOnWay(rays_->OfSolids, Lifted(point, normal), ScaleVector(normal, farAway));
   return first != RTC_INVALID_GEOMETRY_ID && DotProduct(rays_->OfSolids.NormalOf(first), normal) > 0;
+}
+
+bool ShadowScene::IsBuried(const LitSurface& surface) const {
+  const TexelLattice lattice =
+      MakeLattice(surface.Normal, DotProduct(surface.Points[0], surface.Normal), betweenPoints);
+  PlanePolygon outline;
+  for (const Vector3& point : surface.Points)
+    outline.push_back(lattice.ToPlane(point));
+  const PlanePoint center = CenterOf(outline);
+  const auto isBuried = [&](const PlanePoint& point) {
+    const PlanePoint inside = MovedInside(point, center, fromOutline / betweenPoints);
+    return matter_.Contains(Lifted(lattice.ToSpace(inside), lattice.Normal));
+  };
+  if (!isBuried(center)) return false;
+  const PlaneBox box = BoxOf(outline);
+  const double step = std::max({1.0, (box.MaxU - box.MinU) / mostPoints, (box.MaxV - box.MinV) / mostPoints});
+  for (double u = box.MinU; u < box.MaxU + step; u += step)
+    for (double v = box.MinV; v < box.MaxV + step; v += step)
+      if (const PlanePoint nearest = NearestPointOf(outline, {u, v}); DistanceOf(nearest, {u, v}) <= step)
+        if (!isBuried(nearest)) return false;
+  return true;
 }
 
 } // namespace quarvel

@@ -2,6 +2,7 @@
 
 #include "light/lamp.h"
 #include "light/lit_surface.h"
+#include "light/solid_matter.h"
 
 #include <array>
 #include <memory>
@@ -13,7 +14,7 @@ namespace quarvel {
 class ShadowScene {
  public:
   /// Throws std::runtime_error when the ray library cannot be set up.
-  explicit ShadowScene(std::span<const LitSurface> surfaces);
+  explicit ShadowScene(std::span<const LitSurface> surfaces, SolidMatter matter = SolidMatter());
   ~ShadowScene();
   ShadowScene(const ShadowScene&) = delete;
   ShadowScene& operator=(const ShadowScene&) = delete;
@@ -24,8 +25,8 @@ class ShadowScene {
   /// What the lamp adds there, shadow included.
   Vector3 Light(const Lamp& lamp, const Vector3& point, const Vector3& normal) const;
 
-  /// How many of four points of one surface see the lamp.
-  int CountSeen(const Lamp& lamp, const std::array<Vector3, 4>& points, const Vector3& normal) const;
+  /// Which of four points of one surface see the lamp, a bit each.
+  unsigned WhichSee(const Lamp& lamp, const std::array<Vector3, 4>& points, const Vector3& normal) const;
 
   /// True when the straight way between two points of one surface is free.
   bool Connected(const Vector3& from, const Vector3& to, const Vector3& normal) const;
@@ -36,9 +37,13 @@ class ShadowScene {
   /// True when the point of a surface with that normal is inside solid matter.
   bool InSolid(const Vector3& point, const Vector3& normal) const;
 
+  /// True when solid matter that does not bound the level's space lies on all of the surface: nobody can see it.
+  bool IsBuried(const LitSurface& surface) const;
+
  private:
   struct Rays;
   std::unique_ptr<Rays> rays_;
+  SolidMatter matter_;
 };
 
 } // namespace quarvel

@@ -15,8 +15,9 @@ Vector3 AtLeast(const Vector3& light, double least) {
 
 } // namespace
 
-LevelLight::LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient)
-    : surfaces_(std::move(surfaces)), lamps_(std::move(lamps)), shadows_(surfaces_) {
+LevelLight::LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient,
+                       SolidMatter matter)
+    : surfaces_(std::move(surfaces)), lamps_(std::move(lamps)), shadows_(surfaces_, std::move(matter)) {
   AddAmbient(ambient);
 }
 

@@ -21,7 +21,8 @@ inline constexpr double LeastLight = 0.04;
 class LevelLight {
  public:
   /// `ambient` is everywhere.
-  LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient);
+  LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient,
+             SolidMatter matter = SolidMatter());
 
   /// See BakeLight.
   BakedLight Bake(const BakeOptions& options, const BakeProgress& progress) const {

@@ -170,8 +170,36 @@ void AddHiddenSurfaces(const SceneContext& context, std::span<const LevelBrush> 
     if (!WhyIgnored(brush.Polygons[static_cast<std::size_t>(face.Polygon)], context.Settings)) continue;
     LitSurface lit = MakeLitSurface(PointsOf(level.Mesh, i), face.Plane.Normal, face.Flags);
     lit.TakesLight = false;
+    lit.BoundsSolid = lit.BoundsSolid && face.IsStructural; // else what is inside can be seen
     surfaces.push_back(std::move(lit));
   }
+}
+
+SolidMatter MakeSolidMatter(const SceneContext& context, std::span<const LevelBrush> brushes,
+                            const CarvedLevel& level) {
+  constexpr std::uint32_t seenThrough = SurfaceMasked | SurfaceTranslucent;
+  std::vector<SolidMatter::Body> bodies;
+  for (const SemisolidBrush& semisolid : level.Semisolids) {
+    const std::vector<PolygonRecord>& polygons = brushes[static_cast<std::size_t>(semisolid.Brush)].Polygons;
+    const bool closed = std::none_of(polygons.begin(), polygons.end(), [&](const PolygonRecord& polygon) {
+      return (polygon.Flags & seenThrough) != 0 || WhyIgnored(polygon, context.Settings).has_value();
+    });
+    if (closed) bodies.push_back({semisolid.Box, semisolid.Inside});
+  }
+  return SolidMatter(std::move(bodies));
+}
+
+void RemoveBuried(const SolidMatter& matter, std::vector<LevelSurface>& surfaces, std::vector<LitSurface>& lit) {
+  const ShadowScene shadows({}, matter);
+  std::vector<LevelSurface> seen;
+  std::vector<LitSurface> seenLit;
+  for (std::size_t i = 0; i < lit.size(); ++i) {
+    if (lit[i].TakesLight && shadows.IsBuried(lit[i])) continue;
+    if (i < surfaces.size()) seen.push_back(std::move(surfaces[i]));
+    seenLit.push_back(std::move(lit[i]));
+  }
+  surfaces = std::move(seen);
+  lit = std::move(seenLit);
 }
 
 std::vector<LevelSurface> WithLightMaps(std::span<const LevelSurface> surfaces, const BakedLight& baked,

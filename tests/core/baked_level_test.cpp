@@ -78,6 +78,17 @@ TEST_F(BakedLevelTest, SpecialLightsAreForSpecialLitSurfacesAlone) {
   EXPECT_GT(LightOfMaps().back(), 60);
 }
 
+TEST_F(BakedLevelTest, FacesBetweenSemisolidBrushesAreLeftOut) {
+  const auto column = [](const std::string& name, double from, double to, const char* texture) {
+    return test::BoxActor(name, test::AddBox({200, 200, from}, {300, 300, to}), " CsgOper=CSG_Add\n PolyFlags=32",
+                          texture);
+  };
+  Convert(room + lamp + column("Foot", 0, 200, "brick") + column("Shaft", 200, 525, "brick"));
+  EXPECT_EQ(converted_.Result.Faces, 6 + 4 + 4);
+  Convert(room + lamp + column("Foot", 0, 200, "brick") + column("Shaft", 200, 525, "brick Flags=2"));
+  EXPECT_EQ(converted_.Result.Faces, 6 + 5 + 4) << "one looks through a masked shaft";
+}
+
 TEST_F(BakedLevelTest, WithoutCarvingTheLevelIsMergedAndBareListsAreLeftAlone) {
   settings_.CheckCarve = false;
   Convert(test::BoxActor("Block", test::AddBox({0, 0, 0}, {100, 100, 100}), " CsgOper=CSG_Add") + lamp);

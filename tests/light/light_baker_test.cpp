@@ -1,4 +1,6 @@
 #include "baked_room.h"
+#include "csg/solid_brush.h"
+#include "tests/csg/made_brushes.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -162,6 +164,24 @@ TEST(LightBaker, ThePagesDoNotDependOnTheThreads) {
   EXPECT_EQ(one.Light.Pages, Bake(room, lamps, options).Light.Pages);
 }
 
+TEST(LightBaker, TheEdgesOfShadowsHaveNoSteps) {
+  const Vector3 along = NormalizeVector({3, 1, 0}), across{-along.Y, along.X, 0};
+  std::vector<LitSurface> surfaces{Rectangle({0, 0, 0}, {1024, 0, 0}, {0, 1024, 0}),
+                                   Rectangle({0, 300, 100}, ScaleVector(along, 1100), ScaleVector(across, 400))};
+  surfaces[1].TakesLight = surfaces[1].BoundsSolid = false;
+  Lamp sun;
+  sun.Shape = LampShape::Directional;
+  sun.Direction = {0, 0, -1};
+  sun.Strength = 0.5;
+  const BakedScene scene = Bake(surfaces, {sun});
+  for (double t = 100; t < 900; t += 3.7) {
+    const Vector3 edge = AddVector({0, 300, 0}, ScaleVector(along, t));
+    EXPECT_NEAR(scene.At(0, edge).X, 0.25, 0.06) << t;
+    EXPECT_NEAR(scene.At(0, AddVector(edge, ScaleVector(across, 40))).X, 0, byte) << t;
+    EXPECT_NEAR(scene.At(0, AddVector(edge, ScaleVector(across, -40))).X, 0.5, 0.02) << t;
+  }
+}
+
 TEST(ShadowScene, SeesWhatNothingHides) {
   std::vector<LitSurface> room = BoxSides({0, 0, 0}, {500, 500, 250}, true);
   LitSurface pane = Rectangle({250, 0, 0}, {0, 500, 0}, {0, 0, 250});
@@ -175,6 +195,21 @@ TEST(ShadowScene, SeesWhatNothingHides) {
   EXPECT_EQ(glass.Light(lamp, floor, up), LightFrom(lamp, floor, up));
   EXPECT_FALSE(glass.InSolid(floor, up));
   EXPECT_TRUE(glass.InSolid({400, 250, -10}, up));
+}
+
+TEST(ShadowScene, KnowsTheMatterThatStandsOnSurfaces) {
+  std::vector<SolidMatter::Body> bodies;
+  for (const CsgBrush& brush : {AddBox({100, 100, 0}, {200, 200, 100}), AddBox({120, 120, 100}, {180, 180, 250})}) {
+    const PreparedBrush prepared = PrepareBrush(brush);
+    bodies.push_back({prepared.Box, *prepared.Tree});
+  }
+  const ShadowScene shadows(BoxSides({0, 0, 0}, {500, 500, 250}, true), SolidMatter(bodies));
+  const Vector3 up{0, 0, 1};
+  EXPECT_TRUE(shadows.InSolid({150, 150, 0}, up)) << "though floor and ceiling see each other";
+  EXPECT_FALSE(shadows.InSolid({202, 150, 0}, up));
+  EXPECT_TRUE(shadows.IsBuried(Rectangle({120, 120, 100}, {0, 60, 0}, {60, 0, 0})));
+  EXPECT_TRUE(shadows.IsBuried(Rectangle({120, 120, 100}, {60, 0, 0}, {0, 60, 0})));
+  EXPECT_FALSE(shadows.IsBuried(Rectangle({120, 120, 100}, {60, 0, 0}, {0, 63, 0})));
 }
 
 } // namespace
