@@ -181,11 +181,10 @@ void Convert(const fs::path& inFile, const fs::path& outFile, const ConversionSe
 
 /// Names of missing files that begin with the folder of the page's run, which nobody knows, begin with the output's.
 void MoveNames(MissingResources& missing, const fs::path& from, const fs::path& to) {
-  const std::string hidden = Utf8Path(from / ""), shown = Utf8Path(to);
+  const std::string hidden = Utf8Path(from / "");
   for (std::vector<std::string>& names : missing)
     for (std::string& name : names)
-      if (name.starts_with(hidden))
-        name = (shown.empty() || shown.ends_with('/') ? shown : shown + "/") + name.substr(hidden.size());
+      if (name.starts_with(hidden)) name = Utf8Path(to / PathOfUtf8(name.substr(hidden.size())));
 }
 
 /// Converts the level once more, for the page, and writes that. Without other files this run is the one that counts.

@@ -83,7 +83,7 @@ Workshop Prepare(std::span<const CsgBrush> brushes, CarvedLevel& level) {
 /// Puts what is left of a brush's faces into the mesh.
 void CarveBrush(const Taker& taker, const CsgBrush& brush, FaceCarver& carver, CarvedLevel& level) {
   const bool isStructural = taker.Carver != FaceCarver::NoCarver;
-  const bool turned = isStructural && brush.Operation == CsgOperation::Subtract;
+  const bool turned = brush.Operation == CsgOperation::Subtract;
   for (const FlatFace& face : taker.Shape.Faces)
     for (const PieceStore::Piece piece : carver.Carve(face, taker.Carver)) {
       const std::span<const Vector3> points = carver.Points(piece);

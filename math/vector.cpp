@@ -30,10 +30,7 @@ void ScaleVectors(std::span<Vector3> vectors, double factor) {
 
 Bounds3 InitBounds() { return {{emptyCorner, emptyCorner, emptyCorner}, {-emptyCorner, -emptyCorner, -emptyCorner}}; }
 
-bool IsEmpty(const Bounds3& bounds) {
-  const Bounds3 empty = InitBounds();
-  return bounds.Min == empty.Min && bounds.Max == empty.Max;
-}
+bool IsEmpty(const Bounds3& bounds) { return bounds.Min == InitBounds().Min; }
 
 void GrowBounds(Bounds3& bounds, const Vector3& point) {
   bounds.Min = {std::min(bounds.Min.X, point.X), std::min(bounds.Min.Y, point.Y), std::min(bounds.Min.Z, point.Z)};

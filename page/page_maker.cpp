@@ -64,7 +64,6 @@ void OrderViews(std::vector<PageView>& views) {
 } // namespace
 
 MadePage MakePage(const PageInput& input, const ViewerFiles& viewer, Report& report) {
-  if (!viewer.Error.empty()) return {{}, viewer.Error};
   pugi::xml_document document;
   if (!document.load_file(input.Scene.c_str())) return {{}, "the page's scene cannot be read"};
   PageParts parts(report);

@@ -24,7 +24,8 @@ struct MadePage {
   std::string Error;
 };
 
-/// Makes one HTML file that shows the scene without another file and without a network.
+/// Makes one HTML file that shows the scene without another file and without a network. `viewer` was read without an
+/// error.
 MadePage MakePage(const PageInput& input, const ViewerFiles& viewer, Report& report);
 
 } // namespace quarvel

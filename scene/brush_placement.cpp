@@ -72,7 +72,6 @@ BrushPlacement PlaceBrush(const BrushRecord& brush, const SceneSpace& space) {
   // The Transform scales before it turns, so it can carry a scale only when none comes after a rotation; and viewers
   // handle negative scales badly. It cannot sheer.
   const bool transformScales = !Sheers(brush.MainSheer) && !Sheers(brush.PostSheer) && AllPositive(product) &&
-                               NegativeComponents(brush.MainScale) == 0 &&
                                (brush.PostScale == one || brush.Rotation == Rotator3());
   const Matrix4 folded =
       transformScales ? IdentityMatrix() : InOrder({main, rotation, post, TransposeMatrix(rotation)});

@@ -117,13 +117,11 @@ std::vector<FaceSet> SplitByPosition(const FaceSet& faces) {
   std::vector<FaceSet> pieces;
   std::map<int, std::size_t> pieceOfRoot;
   std::vector<int> newIndex(faces.Points.size(), -1);
-  for (std::size_t number = 0; number < faces.Faces.size(); ++number) {
-    const std::vector<int>& face = faces.Faces[number];
+  for (const std::vector<int>& face : faces.Faces) {
     const auto [at, isNew] = pieceOfRoot.try_emplace(groups.Root(face.front()), pieces.size());
     if (isNew) pieces.push_back(NewSet(faces.TextureNumber, faces.Flags));
     FaceSet& piece = pieces[at->second];
     std::vector<int>& indices = piece.Faces.emplace_back();
-    if (!faces.FaceColors.empty()) piece.FaceColors.push_back(faces.FaceColors[number]);
     for (const int corner : face) {
       const auto from = static_cast<std::size_t>(corner);
       if (newIndex[from] < 0) newIndex[from] = AddCorner(piece, {faces.Points[from], faces.TexturePoints[from]});

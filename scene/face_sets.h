@@ -44,8 +44,8 @@ FaceSet MakeFaceSet(const ChosenFace& face, const BrushPlacement& placement, con
 std::vector<FaceSet> MergeFaces(const std::vector<ChosenFace>& faces, const BrushPlacement& placement,
                                 const MaterialWriter& materials);
 
-/// The pieces of a face set whose faces hang together by the positions of their corners, in the order of their first
-/// faces.
+/// The pieces of an unlit face set whose faces hang together by the positions of their corners, in the order of their
+/// first faces.
 std::vector<FaceSet> SplitByPosition(const FaceSet& faces);
 
 } // namespace quarvel

@@ -40,40 +40,6 @@ TEST_F(Triggers, LinkByEventAndTagWithoutRegardToCase) {
   EXPECT_FALSE(NoteLink(linked_, "Lamp", "enterTime", "Target", "startTime"));
 }
 
-TEST_F(Triggers, ReachTargetsThroughDispatchersWithoutDelayDirectly) {
-  const std::string level =
-      test::Actor("Trigger Name=A", "    Event=First") +
-      test::Actor("Dispatcher Name=D1", "    Tag=first\r\n    OutEvents(2)=Second") +
-      test::Actor("Dispatcher Name=D2", "    Tag=Second\r\n    OutEvents(0)=Lamp\r\n    OutEvents(1)=Lamp");
-  EXPECT_EQ(RoutesTo(level, "Lamp", "isActive"), (Routes{"A.isActive TO Target.set_on"}));
-  EXPECT_EQ(Text().find("Script"), std::string::npos);
-}
-
-TEST_F(Triggers, AddUpTheDelaysOfADispatcherInAScript) {
-  const std::string level =
-      test::Actor("Trigger Name=A", "    Event=go") +
-      test::Actor("Dispatcher Name=D",
-                  "    Tag=go\r\n    OutDelays(0)=0.5\r\n    OutDelays(2)=1\r\n    OutEvents(2)=bell");
-  EXPECT_EQ(RoutesTo(level, "bell"),
-            (Routes{"SCRIPTD.enterTime2_changed TO Target.startTime", "A.enterTime TO SCRIPTD.set_enterTime"}));
-  EXPECT_NE(Text().find("DEF SCRIPTD Script {\neventIn  SFTime  set_enterTime\neventOut SFTime  enterTime2_changed\n"
-                        "url \"javascript:\n  function set_enterTime(value,time) {\n     enterTime2_changed = value + "
-                        "1.5;\n  }\n\"\n}\n"),
-            std::string::npos)
-      << Text();
-}
-
-TEST_F(Triggers, FollowChainsOfDelays) {
-  const std::string level =
-      test::Actor("Trigger Name=A", "    Event=a") +
-      test::Actor("Dispatcher Name=D1", "    Tag=a\r\n    OutDelays(0)=1\r\n    OutEvents(0)=b") +
-      test::Actor("Dispatcher Name=D2", "    Tag=b\r\n    OutEvents(0)=c") +
-      test::Actor("Dispatcher Name=D3", "    Tag=c\r\n    OutDelays(0)=2\r\n    OutEvents(0)=bell");
-  EXPECT_EQ(RoutesTo(level, "bell"),
-            (Routes{"SCRIPTD3.enterTime0_changed TO Target.startTime", "A.enterTime TO SCRIPTD1.set_enterTime",
-                    "SCRIPTD1.enterTime0_changed TO SCRIPTD3.set_enterTime"}));
-}
-
 TEST_F(Triggers, CutCirclesOfDispatchers) {
   const std::string level =
       test::Actor("Trigger Name=A", "    Event=a") +
@@ -115,12 +81,6 @@ TEST_F(Triggers, ThatComeAgainLaterDoNotReplaceOneAnother) {
   EXPECT_NE(Text().find("DEF SCRIPTDTIMER2 TimeSensor {"), std::string::npos);
 }
 
-TEST_F(Triggers, HaveMessagesOfSeveralWords) {
-  const std::string text = test::Actor("Trigger Name=T", "    Message=\"The Captain's door\"");
-  const T3DLevel level(text);
-  EXPECT_EQ(ReadTrigger(level, level.Actors.at(0)).Message, "The Captain's door");
-}
-
 /// So many that each linked to each would fill the memory: by one event, through dispatchers, and with delays.
 TEST_F(Triggers, GrowWithTheirEndsNotWithTheProduct) {
   std::string level;
@@ -146,9 +106,11 @@ TEST_F(Triggers, GrowWithTheirEndsNotWithTheProduct) {
                         "eventOut SFTime  enterTime_changed\neventOut SFBool  isActive_changed\n"),
             std::string::npos);
   EXPECT_TRUE(Element("//Script[@DEF='RELAYgo']"));
-  for (const char* route :
-       {"ROUTE T2999.isActive TO RELAYgo.set_isActive\n", "ROUTE RELAYgo.isActive_changed TO Target.set_on\n"})
-    EXPECT_NE(Text().find(route), std::string::npos) << route;
+  for (const char* part :
+       {"ROUTE T2999.isActive TO RELAYgo.set_isActive\n", "ROUTE RELAYgo.isActive_changed TO Target.set_on\n",
+        "DEF RELAYgo2 Script {\neventIn  SFTime  set_enterTime\n",
+        "ROUTE RELAYgo2.enterTime_changed TO Target.startTime\n"})
+    EXPECT_NE(Text().find(part), std::string::npos) << part;
 }
 
 } // namespace

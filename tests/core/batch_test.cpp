@@ -104,6 +104,8 @@ TEST_F(Batch, NoSceneIsWrittenTwiceAndNoInputOverwritten) {
   EXPECT_TRUE(Jobs({"a.xml"}, "a.wrl", settings)[0].starts_with("refused: "));
   settings.CheckAppendDash = true;
   EXPECT_EQ(Jobs({"a.wrl"}, "a.wrl", settings), Names{"a.wrl > a.wrl"}) << "the scene is a-.wrl";
+  settings.CheckCCW = true;
+  EXPECT_TRUE(Jobs({"a.wrl"}, "a.wrl", settings)[0].starts_with("refused: "));
 
   WriteAll({"real/a.t3d"});
   fs::create_directory_symlink("real", "link");
@@ -164,6 +166,7 @@ TEST_F(Runs, AFailureDoesNotKeepTheOthersFromBeingConverted) {
   EXPECT_EQ(WorstOutcome(results), RunOutcome::Failed);
   EXPECT_EQ(results[2].Error, "no");
   EXPECT_EQ(user_.Beeps, 1);
+  Run({"a", "b"});
 }
 
 TEST_F(Runs, AStopEndsTheBatch) {

@@ -1,8 +1,10 @@
+#include "core/sky_brushes.h"
 #include "scene/carved_level.h"
 #include "scene/merged_level.h"
 #include "tests/core/converted.h"
 #include "tests/csg/made_brushes.h"
 #include "tests/made_actors.h"
+#include "tests/scene/scene_fixture.h"
 #include "tests/scene/scene_readers.h"
 
 #include <algorithm>
@@ -53,101 +55,6 @@ double AreaOf(const test::ReadScene& scene, const std::string& piece, double sca
   return area;
 }
 
-std::size_t CountOf(const test::ReadScene& scene, const std::string& type) {
-  return static_cast<std::size_t>(
-      std::count_if(scene.Nodes.begin(), scene.Nodes.end(), [&](const auto& node) { return node.Type == type; }));
-}
-
-bool Found(const RunResult& result, FindingCode code) {
-  const auto& findings = result.Findings.Findings();
-  return std::any_of(findings.begin(), findings.end(), [&](const Finding& finding) { return finding.Code == code; });
-}
-
-TEST(Carving, WritesTheRoomAsOneTransform) {
-  const test::Converted converted = test::Convert("Begin Map\n" + room + block + "End Map\n", Carving());
-  const test::ReadScene scene = test::ReadVrml(converted.Text);
-  EXPECT_EQ(scene.Faults, std::vector<std::string>());
-  EXPECT_EQ(CountOf(scene, "Transform"), 1U);
-  ASSERT_NE(scene.Find("CarvedLevel"), nullptr);
-  ASSERT_EQ(CountOf(scene, "Shape"), 2U);
-  EXPECT_NEAR(AreaOf(scene, "CarvedLevel0", Carving().TextScale), 2 * (1050 * 2100 + 3150 * 525) - 105 * 105, 1);
-  EXPECT_NEAR(AreaOf(scene, "CarvedLevel1", Carving().TextScale), 5 * 105 * 105, 1);
-  EXPECT_EQ(scene.Find("F_CarvedLevel0")->Fields.at("solid"), "TRUE");
-  const CarvingResult& carving = converted.Result.Carving;
-  EXPECT_EQ(carving.Added, 1);
-  EXPECT_EQ(carving.Subtracted, 1);
-  EXPECT_EQ(carving.OpenEdges, 0);
-  EXPECT_NEAR(carving.EmptyVolume, 20 * 40 * 10 - 2 * 2 * 2, 1e-3);
-  EXPECT_EQ(converted.Result.Findings.Counts().size(), 0U) << "no brush is left out";
-}
-
-TEST(Carving, KeepsLinksAndPassableSurfacesApart) {
-  const std::string link = BoxActor("Link", test::AddBox({400, 400, 0}, {500, 500, 90}),
-                                    " CsgOper=CSG_Add\n url=http---example--org", "crate");
-  const std::string water =
-      BoxActor("Water", test::AddBox({0, 0, 0}, {1050, 2100, 60}), " CsgOper=CSG_Add\n PolyFlags=67108864", "crate");
-  const std::string hidden =
-      BoxActor("Hidden", test::AddBox({700, 700, 0}, {800, 800, 90}), " CsgOper=CSG_Add\n PolyFlags=1");
-  const test::ReadScene scene =
-      test::ReadVrml(test::Convert("Begin Map\n" + room + block + link + water + hidden + "End Map\n", Carving()).Text);
-  EXPECT_EQ(scene.Faults, std::vector<std::string>());
-  EXPECT_EQ(CountOf(scene, "Anchor"), 1U);
-  EXPECT_EQ(CountOf(scene, "Collision"), 1U);
-  const double scale = Carving().TextScale;
-  EXPECT_NEAR(AreaOf(scene, "CarvedLevel0", scale), 2 * (1050 * 2100 + 3150 * 525) - 2 * 100 * 100 - 105 * 105, 1)
-      << "the hidden block carves and is not written";
-  EXPECT_NEAR(AreaOf(scene, "CarvedLevel2", scale), 100 * 100 + 4 * 100 * 90, 1) << "the link";
-  EXPECT_NEAR(AreaOf(scene, "CarvedLevel3", scale), 1050 * 2100 - 105 * 105 - 2 * 100 * 100, 1)
-      << "the water, but in walls and blocks";
-}
-
-TEST(Carving, DoesNothingWhereThereIsNoRoomAndSaysSo) {
-  const auto found = [](const std::string& level, ConversionSettings settings) {
-    return Found(test::Convert(level, settings).Result, FindingCode::NothingCarved);
-  };
-  ConversionSettings builder = Carving();
-  builder.CheckBuildBrush = true;
-  const std::string lists = "Begin PolyList\n Begin Polygon\n  Vertex 1,2,3\n End Polygon\nEnd PolyList\n";
-  EXPECT_TRUE(found("Begin Map\n" + block + "End Map\n", Carving()));
-  EXPECT_TRUE(found("Begin Map\n" + room + "End Map\n", builder));
-  EXPECT_TRUE(found(lists, Carving()));
-  ConversionSettings plain = Carving();
-  plain.CheckCarve = false;
-  EXPECT_EQ(test::Convert("Begin Map\n" + block + "End Map\n", Carving()).Text,
-            test::Convert("Begin Map\n" + block + "End Map\n", plain).Text);
-}
-
-TEST(Carving, BrushesThatCannotBeCarvedAreWrittenAsBefore) {
-  CsgBrush far = test::AddBox({0, 0, 0}, {100, 100, 2e7});
-  CsgBrush gap = test::SubtractBox({0, 0, 0}, {100, 100, 100});
-  gap.Polygons.pop_back();
-  const test::Converted converted = test::Convert("Begin Map\n" + room + BoxActor("Far", far, " CsgOper=CSG_Add") +
-                                                      BoxActor("Gap", gap, " CsgOper=CSG_Subtract") + "End Map\n",
-                                                  Carving());
-  EXPECT_TRUE(Found(converted.Result, FindingCode::BlockNotCarved));
-  EXPECT_TRUE(Found(converted.Result, FindingCode::RoomNotCarved));
-  EXPECT_NE(test::ReadVrml(converted.Text).Find("Far"), nullptr);
-}
-
-TEST(Carving, MergesWithoutCarving) {
-  ConversionSettings settings = Carving();
-  settings.CheckCarve = false;
-  settings.CheckMergeLevel = true;
-  const std::string mirrored = BoxActor("Mirrored", test::AddBox({0, 0, 0}, {100, 100, 100}),
-                                        " CsgOper=CSG_Add\n MainScale=(Scale=(X=-1.000000))", "crate");
-  std::string odd = room;
-  odd.replace(odd.find("Origin 0,0,0"), 12, "Origin 1e9,0,0");
-  const test::Converted converted = test::Convert("Begin Map\n" + odd + block + mirrored + "End Map\n", settings);
-  const std::string message = "Input file contains badly formatted numbers: 1 place, the first in Room";
-  EXPECT_EQ(converted.Result.Messages, std::vector<std::string>{message});
-  const test::ReadScene scene = test::ReadVrml(converted.Text);
-  EXPECT_EQ(scene.Faults, std::vector<std::string>());
-  EXPECT_EQ(CountOf(scene, "Shape"), 1U);
-  EXPECT_NEAR(AreaOf(scene, "CarvedLevel0", settings.TextScale), 6 * 105 * 105 + 6 * 100 * 100, 1);
-  EXPECT_EQ(Numbers(scene.Find("C_CarvedLevel0")->Fields.at("point")).size(), 3 * 16U) << "positions are shared";
-  EXPECT_FALSE(converted.Result.Carving.Done);
-}
-
 /// The triangles of all faces as a viewer makes them: a fan from the first corner, without those that have no area.
 /// Returns how many of their edges are not run through as often there as back.
 int OpenEdgesOfFans(const test::ReadScene& scene) {
@@ -175,66 +82,61 @@ int OpenEdgesOfFans(const test::ReadScene& scene) {
 
 TEST(Carving, LeavesNoCrackBetweenAViewersTriangles) {
   // Each wall has a niche down to the floor, whose corners are on the floor's side: two on every side.
-  const std::string niches =
-      BoxActor("N", test::SubtractBox({500, 2100, 0}, {600, 2200, 90}), " CsgOper=CSG_Subtract") +
-      BoxActor("E", test::SubtractBox({1050, 500, 0}, {1150, 600, 90}), " CsgOper=CSG_Subtract") +
-      BoxActor("S", test::SubtractBox({500, -100, 0}, {600, 0, 90}), " CsgOper=CSG_Subtract") +
-      BoxActor("W", test::SubtractBox({-100, 500, 0}, {0, 600, 90}), " CsgOper=CSG_Subtract");
-  const test::ReadScene scene =
-      test::ReadVrml(test::Convert("Begin Map\n" + room + niches + "End Map\n", Carving()).Text);
+  std::string level = "Begin Map\n" + room;
+  for (const auto& [low, high] :
+       {std::pair(Vector3{500, 2100, 0}, Vector3{600, 2200, 90}),
+        std::pair(Vector3{1050, 500, 0}, Vector3{1150, 600, 90}), std::pair(Vector3{500, -100, 0}, Vector3{600, 0, 90}),
+        std::pair(Vector3{-100, 500, 0}, Vector3{0, 600, 90})})
+    level += BoxActor("Niche", test::SubtractBox(low, high), " CsgOper=CSG_Subtract");
+  const test::ReadScene scene = test::ReadVrml(test::Convert(level + "End Map\n", Carving()).Text);
   EXPECT_EQ(OpenEdgesOfFans(scene), 0);
   EXPECT_NEAR(AreaOf(scene, "CarvedLevel0", Carving().TextScale),
               2 * (1050 * 2100 + 3150 * 525) + 4 * 2 * (100 * 100 + 100 * 90), 1);
+  // Light maps end within the walls.
+  ConversionSettings baking = Carving();
+  baking.CheckBakeLight = true;
+  baking.TextLightMapSize = {"64", 64};
+  level += "Begin Actor Class=Light Name=Lamp\n Location=(X=500,Y=1000,Z=300)\nEnd Actor\nEnd Map\n";
+  const test::Converted baked = test::Convert(level, baking);
+  EXPECT_GT(baked.Result.Light.Pages, 4U);
+  EXPECT_EQ(OpenEdgesOfFans(test::ReadVrml(baked.Text)), 0);
 }
 
-TEST(Carving, LeavesNoCrackWhereLightMapsEnd) {
-  ConversionSettings settings = Carving();
-  settings.CheckBakeLight = true;
-  settings.TextLightMapSize = {"64", 64};
-  const std::string lamp = "Begin Actor Class=Light Name=Lamp\n Location=(X=500,Y=1000,Z=300)\nEnd Actor\n";
-  const test::Converted converted = test::Convert("Begin Map\n" + room + block + lamp + "End Map\n", settings);
-  EXPECT_GT(converted.Result.Light.Pages, 4U);
-  EXPECT_GT(converted.Result.Faces, 11) << "the surfaces are cut";
-  const test::ReadScene scene = test::ReadVrml(converted.Text);
-  EXPECT_EQ(scene.Faults, std::vector<std::string>());
-  EXPECT_EQ(OpenEdgesOfFans(scene), 0);
+TEST(Carving, DoesNothingWhereThereIsNoRoomAndSaysSo) {
+  ConversionSettings builder = Carving(), plain = Carving();
+  builder.CheckBuildBrush = true;
+  plain.CheckCarve = false;
+  const std::string lists = "Begin PolyList\n Begin Polygon\n  Vertex 1,2,3\n End Polygon\nEnd PolyList\n";
+  for (const auto& [level, settings] :
+       {std::pair(block, Carving()), std::pair(room, builder), std::pair(lists, Carving())})
+    EXPECT_TRUE(test::Reports(test::Convert(level, settings).Result.Findings, "", "nothing"));
+  EXPECT_EQ(test::Convert(block, Carving()).Text, test::Convert(block, plain).Text);
 }
 
-TEST(Carving, CarvesTheSkyOutOfItsOwnBrushes) {
-  // The pivot of the sky's room stands in the rock, as the editor leaves it, so that the level knows it in no zone.
-  const std::string sky = "Region=(Zone=SkyZoneInfo'L.Sky')\n", world = "Region=(Zone=LevelInfo'L.LevelInfo0')\n";
-  const std::string zone =
-      "Begin Actor Class=SkyZoneInfo Name=Sky\n Location=(X=5000,Y=5000,Z=5000)\n" + sky + "End Actor\n";
-  const std::string skyRoom =
-      BoxActor("SkyRoom", test::SubtractBox({4790, 4790, 4790}, {5210, 5210, 5210}), world + " CsgOper=CSG_Subtract");
-  const std::string moon =
-      BoxActor("Moon", test::AddBox({5000, 5000, 5105}, {5105, 5105, 5210}), sky + " CsgOper=CSG_Add", "crate");
-  const std::string hill =
-      BoxActor("Hill", test::AddBox({4790, 4790, 4790}, {4895, 4895, 4895}), world + " CsgOper=CSG_Add", "crate");
-  ConversionSettings settings = Carving();
-  settings.CheckSkyZone = true;
-  const TemporaryFolder folder;
-  const auto convert = [&](const std::string& more) {
-    return test::ConvertIn(folder, "Begin Map\n" + room + block + zone + skyRoom + moon + hill + more + "End Map\n",
-                           settings);
+TEST(Carving, GivesTheSkyWhatLiesInItsRoom) {
+  const std::string world = " Region=(Zone=LevelInfo'L.LevelInfo0')\n", add = " CsgOper=CSG_Add\n";
+  const std::string sky =
+      BoxActor("SkyRoom", test::SubtractBox({4000, 4000, 4000}, {6000, 6000, 6000}), " CsgOper=CSG_Subtract") +
+      BoxActor("Hill", test::AddBox({4000, 4000, 4000}, {4900, 4900, 4900}), add);
+  const auto around = [&](const std::string& keys) {
+    return BoxActor("Around", test::AddBox({4500, 4500, 4500}, {5500, 5500, 5500}), add + keys);
   };
-  const test::Converted converted = convert("");
-  const test::ReadScene level = test::ReadVrml(converted.Text),
-                        above = test::ReadVrml(test::ReadFile(folder.Path() / "Sky.wrl"));
-  EXPECT_EQ(level.Faults, std::vector<std::string>());
-  EXPECT_EQ(above.Faults, std::vector<std::string>());
-  const double scale = settings.TextScale;
-  EXPECT_NEAR(AreaOf(level, "CarvedLevel0", scale), 2 * (1050 * 2100 + 3150 * 525) - 105 * 105, 1);
-  EXPECT_NEAR(AreaOf(above, "CarvedLevel0", scale), 6 * 420 * 420 - 4 * 105 * 105, 1)
-      << "moon and hill stand at its sides";
-  EXPECT_NEAR(AreaOf(above, "CarvedLevel1", scale), (5 + 3) * 105 * 105, 1);
-  EXPECT_TRUE(above.Find("C_CarvedLevel0")->Fields.at("point").find("-4.0") != std::string::npos) << "around the zone";
-  EXPECT_EQ(converted.Result.Carving.Subtracted, 2);
-  EXPECT_NEAR(converted.Result.Carving.EmptyVolume, 20 * 40 * 10 - 8 + 8 * 8 * 8 - 16, 1e-3);
-  EXPECT_FALSE(Found(converted.Result, FindingCode::NothingCarved));
-  // A room in which a visitor starts is more than a sky.
-  convert("Begin Actor Class=PlayerStart Name=P\n Location=(X=5000,Y=5000,Z=4900)\n" + world + "End Actor\n");
-  EXPECT_EQ(test::ReadVrml(test::ReadFile(folder.Path() / "Sky.wrl")).Find("C_CarvedLevel0"), nullptr);
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "SkyRoom Hill "},
+      {around(" PolyFlags=8"), "SkyRoom Hill Around "},
+      {around(""), ""}, // the zone stands in the rock
+      {test::Actor("PlayerStart Name=P", world + " Location=(X=5000,Y=5000,Z=5500)"), ""}, // it is more than a sky
+      {test::Actor("PlayerStart Name=P", world + " Location=(X=7000,Y=5000,Z=5500)"), "SkyRoom Hill "},
+  };
+  for (const auto& [more, brushes] : cases) {
+    const std::string text = room + sky + more;
+    const T3DLevel level(text);
+    NumberCheck check;
+    std::string found;
+    for (const ActorBlock* actor : FindSkyBrushes(level, {5000, 5000, 5000}))
+      found += ReadBrush(level, *actor, check).Header.Name + " ";
+    EXPECT_EQ(found, brushes);
+  }
 }
 
 TEST(Carving, CutsLargeShapesInPieces) {

@@ -32,27 +32,6 @@ TEST(ConversionRun, LineEndsDoNotMatter) {
   EXPECT_EQ(Convert(text).Text, Convert(golden).Text);
 }
 
-ConversionSettings SeparateFacesInX3D() {
-  ConversionSettings settings = SampleSettings();
-  settings.OptionMeshes = settings.OptionVRML97 = false;
-  settings.OptionIFSs = settings.OptionFlux = true;
-  settings.CheckEnclose = settings.CheckCreaseAngle = settings.CheckAppendDash = settings.CheckXMLtoo = true;
-  return settings;
-}
-
-TEST(ConversionRun, WritesSeparateFacesInX3DClassic) {
-  const TemporaryFolder folder;
-  const Converted converted = ConvertIn(folder, golden, SeparateFacesInX3D());
-  EXPECT_TRUE(fs::exists(folder.Path() / "level-.x3dv")) << "the dash is for the text alone";
-  EXPECT_EQ(test::ReadFile(folder.Path() / "level.xml"), converted.Document);
-  EXPECT_TRUE(Holds(converted.Text, "\r\n]\r\n}\r\nROUTE ")) << "no ROUTE stands in a children list";
-  EXPECT_TRUE(Holds(converted.Text, "geometry DEF F_Brush15 IndexedFaceSet {\r\n        creaseAngle 0.523599\r\n"))
-      << "by the number of the polygon";
-  const test::ReadScene text = test::ReadVrml(converted.Text), document = test::ReadX3D(converted.Document);
-  EXPECT_EQ(test::WithoutQuirks(text.Faults), Texts());
-  EXPECT_EQ(test::Differences(text, document), Texts());
-}
-
 TEST(ConversionRun, ChoosesBrushesAndFaces) {
   const std::string level = Brush("Built", "") + Brush("Built2", "") + Brush("Added", " CsgOper=CSG_Add\n", 3);
   ConversionSettings settings = SampleSettings();
@@ -71,62 +50,30 @@ TEST(ConversionRun, ChoosesBrushesAndFaces) {
   const Converted cut = Convert(level, settings);
   EXPECT_EQ(cut.Result.Faces, 1);
   EXPECT_EQ(cut.Result.Findings.Counts().at("faces left out that stand before TextStartAtPoly").Count, 2);
-  std::string bare = Brush("Bare", " CsgOper=CSG_Add\n url=https---example--org/?a=1&b=2\n", 3);
-  bare.replace(bare.find("Texture=brick"), 13, "Texture=None");
-  bare.replace(bare.find("Texture=brick"), 13, "Texture=Engine.DefaultTexture");
-  settings.TextStartAtPoly = {"0", 0};
-  settings.CheckConforming = true;
-  const Converted linked = Convert(bare, settings);
-  EXPECT_EQ(linked.Result.Findings.Counts().at("faces left out because they have no texture").Count, 2);
-  EXPECT_TRUE(Holds(linked.Document, "<Anchor url='\"https://example.org/?a=1&amp;b=2\"'>"));
   settings.CheckDoGeometry = false;
   EXPECT_EQ(names(), Texts());
 }
 
-TEST(ConversionRun, APolygonListIsABuilderBrushThatMayBreakUp) {
-  const auto triangle = [](const std::string& x) {
-    return " Begin Polygon\n  Vertex " + x + "0,0,0\n  Vertex " + x + "1,0,0\n  Vertex 4,4,4\n End Polygon\n";
+TEST(ConversionRun, ABuilderBrushMayBreakUp) {
+  const auto triangle = [](const std::string& x, const std::string& top) {
+    return " Begin Polygon\n  Vertex " + x + "0,0,0\n  Vertex " + x + "1,0,0\n  Vertex " + top + ",4,4\n End Polygon\n";
   };
-  const auto apart = [](const std::string& x) {
-    return " Begin Polygon\n  Vertex " + x + "0,0,0\n  Vertex " + x + "1,0,0\n  Vertex " + x + "2,4,4\n End Polygon\n";
-  };
-  const std::string list = "Begin PolyList\n" + triangle("1") + apart("8") + triangle("2") + "End PolyList\n";
+  const std::string polygons = triangle("1", "4") + triangle("8", "82") + triangle("2", "4");
+  const std::string list = "Begin PolyList\n" + polygons + "End PolyList\n";
+  const std::string actor = test::Actor("Brush Name=BuildBrush", " Begin Brush\n" + polygons + " End Brush");
   ConversionSettings settings = SampleSettings();
-  const auto shapes = [&] {
-    const test::ReadScene scene = test::ReadVrml(Convert(list, settings).Text);
+  const auto shapes = [&](const std::string& level) {
+    const test::ReadScene scene = test::ReadVrml(Convert(level, settings).Text);
     EXPECT_NE(scene.Find("BuildBrush"), nullptr);
     return std::count_if(scene.Nodes.begin(), scene.Nodes.end(),
                          [](const test::ReadNode& node) { return node.Type == "Shape"; });
   };
-  EXPECT_EQ(shapes(), 1);
+  EXPECT_EQ(shapes(list), 1);
   settings.CheckBuildBrush = true;
-  EXPECT_EQ(shapes(), 1);
+  EXPECT_EQ(shapes(list), 1);
   settings.CheckBreakUpBB = true;
-  EXPECT_EQ(shapes(), 2) << "the pieces that share a corner stay together";
-}
-
-TEST(ConversionRun, ConvertsMoversOfEveryClassThatHoldsPolygons) {
-  const auto mover = [](const std::string& className, const std::string& name, const std::string& keys, int faces) {
-    std::string text = Brush(name, keys, faces);
-    return text.replace(text.find("Class=Brush"), 11, "Class=" + className);
-  };
-  const std::string level = mover("AttachMover", "A", "", 1) + mover("Mover", "B", " NumKeys=100000\n", 1) +
-                            mover("Game.AssertMover", "C", "", 1) + mover("GhostMover", "D", "", 0) +
-                            mover("Mover", "E", "", 1);
-  ConversionSettings settings = SampleSettings();
-  const Converted converted = Convert(level, settings);
-  const test::ReadScene scene = test::ReadVrml(converted.Text);
-  Texts names;
-  for (const test::ReadNode& node : scene.Nodes)
-    if (node.Type == "Transform") names.push_back(node.Def);
-  EXPECT_EQ(names, (Texts{"Mover_1", "AttachMover_2", "AssertMover_3"}));
-  EXPECT_EQ(converted.Result.Brushes, 3);
-  const auto& findings = converted.Result.Findings.Findings();
-  EXPECT_TRUE(std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
-    return finding.Actor == "B" && Holds(finding.Reason, "NumKeys is 100000,");
-  }));
-  settings.CheckMovers = false;
-  EXPECT_EQ(Convert(level, settings).Result.Brushes, 0);
+  for (const std::string& level : {list, actor})
+    EXPECT_EQ(shapes(level), 2) << "the pieces that share a corner stay together";
 }
 
 /// Notes what a run shows, and pauses or stops it at the n-th look.
@@ -256,6 +203,11 @@ TEST(ConversionRun, ReportsFilesThatCannotBeReadOrWritten) {
   EXPECT_EQ(convert("a.t3d", "taken.wrl").Reason, "taken.x3d cannot be written: Is a directory");
   EXPECT_TRUE(Holds(convert("a.t3d", "a.t3d/b.wrl").Error, "b.wrl cannot be written: its folder cannot be made: "));
   EXPECT_EQ(convert("a.t3d", "new/folders/a.wrl").Outcome, RunOutcome::Done);
+  ConversionSettings baking = SampleSettings();
+  baking.CheckBakeLight = true;
+  fs::create_directories(folder.Path() / "levelLight0.png");
+  const std::string lit = Brush("A", " CsgOper=CSG_Add\n") + test::Actor("Light Name=Lamp", " Location=(Z=9)");
+  EXPECT_TRUE(Holds(ConvertIn(folder, lit, baking).Result.Error, "levelLight0.png cannot be written: Is a directory"));
   EXPECT_FALSE(fs::exists(folder.Path() / "taken.wrl")) << "refused before any pass";
   fs::create_symlink("/dev/full", folder.Path() / "full.wrl");
   memory.TypedOutput = folder.Path() / "full.wrl";
@@ -271,9 +223,9 @@ TEST(ConversionRun, TellsOnceOfNumbersThatNoLevelHasAndOfPolygonsThatAreNone) {
   level.erase(level.rfind("   Vertex"), 17);
   ConversionSettings settings = SampleSettings();
   settings.CheckSkyZone = true;
+  const std::string message = "Input file contains badly formatted numbers: 4 places, the first in Line";
   Watcher user;
   const RunResult result = Convert(level, settings, &user).Result;
-  const std::string message = "Input file contains badly formatted numbers: 4 places, the first in Line";
   EXPECT_EQ(std::count(user.Messages.begin(), user.Messages.end(), message), 1);
   EXPECT_EQ(std::count(result.Messages.begin(), result.Messages.end(), message), 1);
   EXPECT_TRUE(
@@ -285,6 +237,8 @@ TEST(ConversionRun, TellsOnceOfNumbersThatNoLevelHasAndOfPolygonsThatAreNone) {
   const auto mover = std::find(user.Items.begin(), user.Items.end(), "on mover 2");
   ASSERT_NE(mover, user.Items.end());
   EXPECT_EQ(*(mover - 1), "getting mover");
+  settings.CheckMergeLevel = true;
+  EXPECT_EQ(Convert(level, settings).Result.Messages.front(), message);
 }
 
 TEST(LevelCheck, TellsTheGenerationsApart) {

@@ -15,22 +15,23 @@ using Texts = std::vector<std::string>;
 
 bool Holds(const std::string& text, const std::string& what) { return text.find(what) != std::string::npos; }
 
-const std::string skyLevel =
-    Actor("SkyZoneInfo Name=Sky0") + test::TriangleActor("Brush Name=Ground", " CsgOper=CSG_Add") +
-    test::TriangleActor("Brush Name=Cloud", " CsgOper=CSG_Add\r\n Region=(Zone=SkyZoneInfo'L.Sky0')");
+std::string LevelWithSky(const std::string& name) {
+  return Actor("SkyZoneInfo Name=" + name) + test::TriangleActor("Brush Name=Ground", " CsgOper=CSG_Add") +
+         test::TriangleActor("Brush Name=Cloud", " CsgOper=CSG_Add\r\n Region=(Zone=SkyZoneInfo'L." + name + "')");
+}
+
+const std::string skyLevel = LevelWithSky("Sky0");
 
 TEST(SkyScene, LeaveTheSkyWhereItIsRatherThanOverwriteTheLevel) {
-  const TemporaryFolder folder;
-  folder.Write("in.t3d", skyLevel);
-  ConversionSettings settings = SampleSettings();
-  settings.CheckSkyZone = true;
-  MemoryStore store;
-  RunMemory memory;
-  RunInterface user;
-  const RunResult result =
-      ConvertFile(folder.Path() / "in.t3d", folder.Path() / "sky0.wrl", settings, store, memory, user);
-  EXPECT_EQ(result.FilesWritten.size(), 2U);
-  EXPECT_TRUE(Holds(ReadFile(folder.Path() / "sky0.wrl"), "DEF Cloud Transform"));
+  // Both scenes would be overwritten, the document, and the text.
+  for (const auto& [sky, options] :
+       {std::pair("LEVEL", ""), std::pair("Level", "OptionFlux=-1"), std::pair("level-", "CheckAppendDash=1")}) {
+    ConversionSettings settings = SampleSettings();
+    test::SetOptions("CheckSkyZone=1 " + std::string(options), settings);
+    const test::Converted converted = test::Convert(LevelWithSky(sky), settings);
+    EXPECT_EQ(converted.Result.FilesWritten.size(), 2U) << sky;
+    EXPECT_TRUE(Holds(converted.Text, "DEF Cloud Transform")) << sky;
+  }
 }
 
 TEST(SkyScene, IsWhatItsFileNameSays) {

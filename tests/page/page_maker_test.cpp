@@ -17,7 +17,7 @@ TEST(Packing, WritesBase64OfAnyLength) {
 
 TEST(Packing, EscapesForWhereTextStands) {
   EXPECT_EQ(EscapeHtml("<a b=\"c\" d='e'>&"), "&lt;a b=&quot;c&quot; d=&#39;e&#39;&gt;&amp;");
-  EXPECT_EQ(JsonString("</script>\"\\\n\xe9"), "\"\\u003c/script\\u003e\\\"\\\\\\u000a\xc3\xa9\"");
+  EXPECT_EQ(JsonString("&</script>\"\\\n\xe9"), "\"\\u0026\\u003c/script\\u003e\\\"\\\\\\u000a\xc3\xa9\"");
 }
 
 TEST(MakePage, PutsTextsWhereTheyCannotBecomeMarkup) {

@@ -74,6 +74,8 @@ TEST_F(AdoptedMesh, IsTrustedWhenItIsTheSky) {
   Sky = Folder.Path() / "sky.x3d";
   Adopt("sky.x3d", "<X3D><Scene><Script DEF='S'/><ImageTexture url='\"none.png\"'/></Scene></X3D>");
   EXPECT_TRUE(Findings.Findings().empty());
+  Adopt("mesh.x3d", "<X3D><Scene><Script DEF='S'/></Scene></X3D>");
+  EXPECT_TRUE(Tells(Findings, "mesh.x3d"));
 }
 
 TEST_F(AdoptedMesh, IsTakenInOnceAndNotIntoItself) {

@@ -86,8 +86,8 @@ class RandomBrushes {
  private:
   double Number(double size) { return size * (static_cast<double>(random_() % 20001) / 10000 - 1); }
   bool Half() { return random_() % 2 == 0; }
-  double Factor() { return (Half() ? 1 : 0.25) + std::fabs(Number(3)); }
-  Vector3 Scale() { return {Half() ? -Factor() : Factor(), Half() ? 1 : Factor(), Half() ? 1 : Factor()}; }
+  double Factor() { return (Half() ? 1 : -1) * ((Half() ? 1 : 0.25) + std::fabs(Number(3))); }
+  Vector3 Scale() { return {Factor(), Half() ? 1 : Factor(), Half() ? 1 : Factor()}; }
   /// Rates that the editor snaps to one half.
   SheerRecord Sheer() { return {static_cast<SheerAxis>(random_() % 7), Half() ? 0 : Half() ? 0.6 : -0.6}; }
   std::mt19937 random_{3};

@@ -58,6 +58,7 @@ TEST_F(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
   writer_.Define("A");
   AddRoute(writer_, "A", "time", "B", "set_time");
   AddRoute(writer_, "A", "time", "Never", "set_time");
+  AddRoute(writer_, "Nobody", "time", "A", "set_time");
   AddRoute(writer_, "A", "time", "B", "later", SceneScope::Document);
   EXPECT_EQ(writer_.SceneText(), "") << "B is not there yet";
   writer_.Define("B");
@@ -78,7 +79,7 @@ TEST_F(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
                         "<ROUTE fromNode='A' fromField='time' toNode='B' toField='set_time'/>\r\n"
                         "<ROUTE fromNode='A' fromField='time' toNode='B' toField='later'/>\r\n"
                         "<ROUTE fromNode='B' fromField='inside' toNode='A' toField='y'/>\r\n");
-  ASSERT_EQ(report_.Findings().size(), 1U);
+  ASSERT_EQ(report_.Findings().size(), 2U);
   EXPECT_NE(report_.Findings()[0].Reason.find("Never"), std::string::npos);
 }
 
@@ -86,6 +87,7 @@ TEST(SceneNames, AreLegalAndNeverTakenTwice) {
   EXPECT_EQ(MakeDefName("Brush12"), "Brush12");
   EXPECT_EQ(MakeDefName("12 a.b,c'd\"e#f{g}[h]\\i:j&k<l\xe4"), "_12_a_b_c_d_e_f_g__h__i_j_k_l_");
   EXPECT_EQ(MakeDefName("-x"), "_-x");
+  EXPECT_EQ(MakeDefName("+x"), "_+x");
   EXPECT_EQ(MakeDefName(""), "_");
   EXPECT_LT(MakeDefName(std::string(100000, 'x')).size(), 190U) << "names are repeated for every face";
   EXPECT_EQ(MakeSceneText("It's \"a\" & b<c\\\n"), "It`s ``a`` _ b_c__");

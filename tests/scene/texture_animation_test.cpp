@@ -1,42 +1,47 @@
 #include "scene/texture_animation.h"
-#include "t3d/brush_record.h"
-#include "tests/scene/scene_fixture.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
-namespace quarvel::test {
+namespace quarvel {
 namespace {
 
-TextureFile Image(int width, int height) {
+TextureMovement Movement(TextureMotion motion, int width, int height, const TexturePanSpeeds& speeds) {
   TextureFile image;
   image.Width = width;
   image.Height = height;
-  return image;
+  return MovementOf(motion, image, speeds);
 }
 
 TEST(TextureMovement, PansThirtyFiveTexelsASecond) {
-  const TextureMovement u = MovementOf(TextureMotion::PanU, Image(70, 128), {0.5, 3});
-  EXPECT_DOUBLE_EQ(u.Seconds, 4);
-  EXPECT_EQ(u.Extent, (TexturePoint{1, 0}));
-  const TextureMovement v = MovementOf(TextureMotion::PanV, Image(64, 70), {1, 2});
-  EXPECT_DOUBLE_EQ(v.Seconds, 1);
-  EXPECT_EQ(v.Extent, (TexturePoint{0, -1})) << "the engine's V grows downwards";
-  EXPECT_EQ(MovementOf(TextureMotion::PanU, Image(70, 70), {-1, 1}).Extent, (TexturePoint{-1, 0}));
-  EXPECT_DOUBLE_EQ(MovementOf(TextureMotion::PanU, Image(0, 0), {1, 1}).Seconds, 256.0 / 35);
-}
-
-TEST(TextureMovement, NothingMovesWithoutSpeed) {
-  EXPECT_EQ(MovementOf(TextureMotion::PanU, Image(64, 64), {0, 1}).Seconds, 0);
-  EXPECT_EQ(MovementOf(TextureMotion::PanUV, Image(64, 64), {0, 0}).Seconds, 0);
-  EXPECT_EQ(MovementOf(TextureMotion::PanU, Image(64, 64), {INFINITY, 1}).Seconds, 0);
-  EXPECT_EQ(MovementOf(TextureMotion::Still, Image(64, 64), {1, 1}).Seconds, 0);
+  const struct {
+    TextureMotion Motion;
+    int Width, Height;
+    TexturePanSpeeds Speeds;
+    double Seconds;
+    TexturePoint Extent;
+  } cases[] = {
+      {TextureMotion::PanU, 70, 128, {0.5, 3}, 4, {1, 0}},
+      {TextureMotion::PanV, 64, 70, {1, 2}, 1, {0, -1}}, // the engine's V grows downwards
+      {TextureMotion::PanU, 70, 70, {-1, 1}, 2, {-1, 0}},
+      {TextureMotion::PanU, 0, 0, {1, 1}, 256.0 / 35, {1, 0}},
+      {TextureMotion::PanUV, 70, 70, {INFINITY, 2}, 1, {0, -1}},
+      {TextureMotion::PanU, 64, 64, {INFINITY, 1}, 0, {}},
+      {TextureMotion::PanU, 64, 64, {0, 1}, 0, {}},
+      {TextureMotion::PanUV, 64, 64, {0, 0}, 0, {}},
+      {TextureMotion::Still, 64, 64, {1, 1}, 0, {}},
+  };
+  for (const auto& [motion, width, height, speeds, seconds, extent] : cases) {
+    const TextureMovement movement = Movement(motion, width, height, speeds);
+    EXPECT_DOUBLE_EQ(movement.Seconds, seconds);
+    EXPECT_EQ(movement.Extent, extent) << speeds.U << " " << speeds.V;
+  }
 }
 
 TEST(TextureMovement, BothDirectionsComeToWholeTexturesTogether) {
   const TexturePanSpeeds cases[] = {{1, 1}, {0.5, 1.5}, {2, 3}, {-0.7, 0.3}, {1, 0.617}, {3.3, 0.01}, {1, 0}};
   for (const TexturePanSpeeds& speeds : cases) {
-    const TextureMovement both = MovementOf(TextureMotion::PanUV, Image(128, 64), speeds);
+    const TextureMovement both = Movement(TextureMotion::PanUV, 128, 64, speeds);
     EXPECT_EQ(both.Extent.U, std::round(both.Extent.U));
     EXPECT_EQ(both.Extent.V, std::round(both.Extent.V));
     EXPECT_NEAR(both.Extent.U / both.Seconds, 35 * speeds.U / 128, std::fabs(speeds.U) * 1e-3);
@@ -44,19 +49,5 @@ TEST(TextureMovement, BothDirectionsComeToWholeTexturesTogether) {
   }
 }
 
-class TextureAnimationTest : public SceneFixture {
- protected:
-  void WriteSurface(std::uint32_t flags) {
-    WriteImage("Water.png", MadePngHead(64, 64));
-    const SceneNode shape = context_->Scene.Open("", "Shape");
-    context_->Materials.WriteAppearance(context_->Materials.TextureNumber("Water", flags), user_);
-  }
-  std::size_t RoutesOfDocument() {
-    context_->Scene.WriteReadyRoutes();
-    context_->Scene.FinishRoutes(report_);
-    return CountElements("//ROUTE");
-  }
-};
-
 } // namespace
-} // namespace quarvel::test
+} // namespace quarvel
