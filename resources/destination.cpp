@@ -27,7 +27,7 @@ OutputFolders::Names& OutputFolders::NamesIn(const fs::path& folder) {
 std::optional<std::string> OutputFolders::Existing(const fs::path& folder, const std::string& name) {
   const Names& names = NamesIn(folder);
   const auto found = names.find(FoldName(name));
-  if (found == names.end() || found->second.empty()) return std::nullopt;
+  if (found == names.end()) return std::nullopt;
   return found->second.contains(name) ? name : *found->second.begin();
 }
 

@@ -37,7 +37,8 @@ TEST(LevelText, NamesFilesInTheirFolderOnAnySystem) {
 TEST(LevelText, ShowsNothingThatATerminalActsOn) {
   EXPECT_EQ(PrintableText("a\x1B]0;t\x07\r\nb\tc\0\xC2\x9B"s), "a?]0;t???b?c??");
   EXPECT_EQ(PrintableText("\x81z\x9B \xE4"), "?z\xE2\x80\xBA \xC3\xA4");
-  EXPECT_EQ(PrintableText("\xE2\x80\xAE\xD9\x85"), "?\xD9\x85");
+  EXPECT_EQ(PrintableText("\xE2\x80\xAE\xD9\x85 \xD8\x9C\xE2\x80\x8E"), "?\xD9\x85 ??") << "directions of writing";
+  EXPECT_EQ(PrintableText(std::string_view("\xC3\xA9", 1)), "\xC3\x83") << "a character beyond the text's end";
 }
 
 TEST(LevelText, FoldsLetterCaseInEveryScriptOneToOne) {

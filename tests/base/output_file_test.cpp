@@ -1,7 +1,9 @@
 #include "base/output_file.h"
 #include "tests/temporary_folder.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -67,6 +69,17 @@ TEST(OutputFile, TellsTheSystemsReasonAndLeavesNothing) {
   if (fs::exists("/dev/full")) {
     EXPECT_EQ(WriteWholeFile("/dev/full", "x"), "No space left on device");
   }
+
+  folder.Write("scene.wrl", "older");
+  rlimit usual{};
+  getrlimit(RLIMIT_FSIZE, &usual);
+  const rlimit small{4, usual.rlim_max};
+  std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  const std::string why = WriteWholeFile(folder.Path() / "scene.wrl", "newer and longer");
+  setrlimit(RLIMIT_FSIZE, &usual);
+  EXPECT_EQ(why, "File too large");
+  EXPECT_EQ(folder.Read("scene.wrl"), "older");
 }
 
 TEST(OutputFile, WritesToAPipeAsItGoes) {

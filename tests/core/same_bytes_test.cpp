@@ -13,9 +13,9 @@ const std::string sample = test::ReadFile(QUARVEL_SAMPLES_DIR "/harbour.t3d");
 /// Every option away from its default that makes numbers of its own.
 ConversionSettings ManyNumbers() {
   ConversionSettings settings = test::SampleSettings();
-  settings.TextScale = {"0.0137", 0.0137};
-  settings.TextCreaseAngle = {"22.5", 22.5};
-  settings.CheckCreaseAngle = settings.CheckOutputStaticLights = settings.CheckOutputFlyThru = true;
+  test::SetOptions("TextScale=0.0137 TextCreaseAngle=22.5 CheckCreaseAngle=1 CheckOutputStaticLights=1 "
+                   "CheckOutputFlyThru=1",
+                   settings);
   return settings;
 }
 

@@ -97,20 +97,6 @@ TEST_F(FormRun, OtherOptionsGiveTheCommandLinesBytesToo) {
   ExpectCommandLinesBytes(Name("harbour.t3d").toStdString());
 }
 
-TEST_F(FormRun, ARealLevelGivesTheCommandLinesBytesEvenAfterAPause) {
-  const fs::path level = fs::path(QUARVEL_LEVELS_DIR) / "ut99-DM-Liandri.t3d";
-  if (!fs::exists(level)) GTEST_SKIP() << "there is no " << level;
-  SetInput(ToQString(level));
-  SetLine("TextOutFileName", Name("out/harbour.wrl"));
-  ConvertAnd([&] {
-    Click("CommandPause");
-    QTimer::singleShot(50, [&] { Click("CommandPause"); });
-  });
-  EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done);
-  CloseDialogs();
-  ExpectCommandLinesBytes(level.string());
-}
-
 TEST_F(FormRun, PausesAtABrushAndGoesOn) {
   UseHarbour();
   QString shown;
@@ -132,9 +118,10 @@ TEST_F(FormRun, PausesAtABrushAndGoesOn) {
   EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done);
   EXPECT_TRUE(Find<QPushButton>("CommandGo")->isEnabled());
   CloseDialogs();
+  ExpectCommandLinesBytes(Name("harbour.t3d").toStdString());
 }
 
-TEST_F(FormRun, StopsAndCanConvertAgain) {
+TEST_F(FormRun, StopsAndCanConvertAgainAndClosingTheWindowEndsTheRunFirst) {
   UseHarbour();
   ConvertAnd([&] {
     Click("CommandPause");
@@ -147,10 +134,7 @@ TEST_F(FormRun, StopsAndCanConvertAgain) {
   QTest::keyClick(form_.get(), Qt::Key_F5);
   EXPECT_EQ(form_->Results().front().Outcome, RunOutcome::Done);
   CloseDialogs();
-}
 
-TEST_F(FormRun, ClosingTheWindowEndsTheRunFirst) {
-  UseHarbour();
   bool closedAtOnce = true;
   ConvertAnd([&] {
     Click("CommandPause");
@@ -219,22 +203,15 @@ TEST_F(FormRun, WhatIsMissingCanBeLookedForAgain) {
   QApplication::processEvents();
   EXPECT_EQ(Find<QLineEdit>("TextSearchPathSnd")->text(), Name("textures") + u';' + Name("sounds"));
   EXPECT_LT(form_->Results().front().Missing[ResourceKind::Sound].size(), missed) << "not converted again";
-  CloseDialogs();
-}
 
-TEST_F(FormRun, WhatIsMissingIsLookedForInAGame) {
-  UseHarbour();
-  SetLine("TextSearchPathSnd", Name("textures"));
-  Convert();
-  QDialog* dialog = Dialog("FormMissing");
+  dialog = Dialog("FormMissing");
   ASSERT_NE(dialog, nullptr);
   Click("CommandSearchGame", dialog);
   EXPECT_EQ(Dialog("FormMissing"), dialog) << "no folder was chosen";
+  SetLine("TextSearchPathSnd", Name("textures"));
   desktop_.Folder = Name("sounds");
-  const std::size_t missed = form_->Results().front().Missing[ResourceKind::Sound].size();
   Click("CommandSearchGame", dialog);
   QApplication::processEvents();
-  EXPECT_EQ(Find<QLineEdit>("TextSearchPathSnd")->text(), Name("textures") + u';' + Name("sounds"));
   EXPECT_TRUE(Find<QLineEdit>("TextSearchPathTxt")->text().endsWith(u';' + Name("sounds")));
   EXPECT_LT(form_->Results().front().Missing[ResourceKind::Sound].size(), missed) << "not converted again";
   CloseDialogs();
@@ -374,25 +351,17 @@ TEST_F(FormRun, TheFocusStaysAndEnterDoesNoMoreThanClose) {
   EXPECT_EQ(input->currentText(), Name("harbour.t3dx"));
 }
 
-TEST_F(FormRun, LongPathsDoNotWidenADialogAndOptionsBearTheirCaptions) {
-  const std::string deep(200, 'n');
-  SetInput(Name(deep + "/none.t3d"));
-  Convert();
-  QDialog* box = Dialog("FormMessage");
-  ASSERT_NE(box, nullptr);
-  EXPECT_LT(box->width(), 900);
-  EXPECT_EQ(WithCaptions(QStringLiteral("x; the option CheckConforming avoids it, CheckCo does not")),
-            "x; the option \"Conform to the standards\" avoids it, CheckCo does not");
-  CloseDialogs();
-}
-
 TEST_F(FormRun, WhatCannotBeConvertedIsToldInABox) {
   Convert();
   EXPECT_EQ(TextOf("LabelPos"), "No level");
-  SetInput(Name("none.t3d"));
+  SetInput(Name(std::string(200, 'n') + "/none.t3d"));
   Convert();
-  EXPECT_NE(Dialog("FormMessage"), nullptr);
   EXPECT_TRUE(TextOf("LabelProgress").endsWith(QStringLiteral("none.t3d does not exist")));
+  QDialog* box = Dialog("FormMessage");
+  ASSERT_NE(box, nullptr);
+  EXPECT_LT(box->width(), 900) << "widened by a long path";
+  EXPECT_EQ(WithCaptions(QStringLiteral("x; the option CheckConforming avoids it, CheckCo does not")),
+            "x; the option \"Conform to the standards\" avoids it, CheckCo does not");
   CloseDialogs();
 }
 

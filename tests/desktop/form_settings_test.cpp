@@ -1,8 +1,8 @@
 #include "app/desktop/page_layout.h"
 #include "app/desktop/settings_location.h"
-#include "settings/option_values.h"
 #include "settings/settings_file.h"
 #include "tests/desktop/form_test.h"
+#include "tests/settings/other_text.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -16,25 +16,7 @@
 namespace quarvel {
 namespace {
 
-/// A value that is not the option's default.
-std::string OtherText(const OptionInfo& option) {
-  const std::string usual = DefaultText(option);
-  switch (option.Kind) {
-  case OptionKind::CheckBox:
-    return usual == "0" ? "1" : "0";
-  case OptionKind::OptionButton:
-    return "-1";
-  case OptionKind::List:
-    return std::string(option.Items.back());
-  case OptionKind::Number:
-    return option.Range.Whole ? "7" : option.Range.Most < 1 ? "0.25" : option.Range.Most == 1 ? ".5" : "0.50";
-  case OptionKind::Integer:
-    return option.Range.Most < 100 ? "2" : "800";
-  case OptionKind::Text:
-    break;
-  }
-  return "some; text";
-}
+using test::OtherText;
 
 bool HasControl(const OptionInfo& option) { return option.Tab != OptionTab::None; }
 

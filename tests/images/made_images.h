@@ -1,43 +1,49 @@
 #pragma once
 
+#include "images/image.h"
+
+#include <bit>
 #include <cstdint>
+#include <initializer_list>
 #include <string_view>
 #include <vector>
 #include <zlib.h>
 
 namespace quarvel::test {
 
-/// Builds the bytes of a made-up file.
-class FileBytes {
+using Blob = std::vector<std::uint8_t>;
+
+/// Bytes that are put one behind the other; `Self` is what each call returns.
+template <typename Self>
+class ByteBuilder {
  public:
-  FileBytes& Text(std::string_view text) {
-    bytes_.insert(bytes_.end(), text.begin(), text.end());
-    return *this;
-  }
-  FileBytes& U8(unsigned value) {
-    bytes_.push_back(static_cast<std::uint8_t>(value));
-    return *this;
-  }
-  FileBytes& U16(unsigned value) { return U8(value & 255U).U8(value >> 8U & 255U); } ///< little-endian
-  FileBytes& U32(unsigned value) { return U16(value & 0xFFFFU).U16(value >> 16U); }
-  FileBytes& BigU16(unsigned value) { return U8(value >> 8U & 255U).U8(value & 255U); }
-  FileBytes& BigU32(unsigned value) { return BigU16(value >> 16U).BigU16(value & 0xFFFFU); }
-  FileBytes& Fill(std::size_t count, unsigned value = 0) {
+  Self& Fill(std::size_t count, unsigned value = 0) {
     bytes_.insert(bytes_.end(), count, static_cast<std::uint8_t>(value));
-    return *this;
+    return static_cast<Self&>(*this);
   }
-  FileBytes& Add(const std::vector<std::uint8_t>& more) {
+  Self& Add(const Blob& more) {
     bytes_.insert(bytes_.end(), more.begin(), more.end());
-    return *this;
+    return static_cast<Self&>(*this);
   }
-  operator std::vector<std::uint8_t>() const { return bytes_; }
-  const std::vector<std::uint8_t>& Get() const { return bytes_; }
+  Self& Text(std::string_view text) { return Add({text.begin(), text.end()}); }
+  Self& U8(unsigned value) { return Fill(1, value); }
+  Self& U16(unsigned value) { return U8(value & 255U).U8(value >> 8U & 255U); } ///< little-endian
+  Self& U32(unsigned value) { return U16(value & 0xFFFFU).U16(value >> 16U); }
+  Self& BigU16(unsigned value) { return U8(value >> 8U & 255U).U8(value & 255U); }
+  Self& BigU32(unsigned value) { return BigU16(value >> 16U).BigU16(value & 0xFFFFU); }
+  Self& Floats(std::initializer_list<float> values) {
+    for (const float value : values)
+      U32(std::bit_cast<unsigned>(value));
+    return static_cast<Self&>(*this);
+  }
+  operator Blob() const { return bytes_; }
+  const Blob& Get() const { return bytes_; }
 
  private:
-  std::vector<std::uint8_t> bytes_;
+  Blob bytes_;
 };
 
-using Blob = std::vector<std::uint8_t>;
+class FileBytes : public ByteBuilder<FileBytes> {};
 
 /// A bmp without palette; `rows` is the pixel data, bottom row first, each row padded to four bytes.
 inline Blob MadeBmp(int width, int height, int bits, const Blob& palette, const Blob& rows) {
@@ -100,6 +106,15 @@ inline Blob MadePngHead(unsigned width, unsigned height, unsigned depth = 8, uns
   chunk.Text("IHDR").BigU32(width).BigU32(height).U8(depth).U8(colorType).Fill(3);
   const auto crc = static_cast<unsigned>(crc32(0, chunk.Get().data(), static_cast<uInt>(chunk.Get().size())));
   return FileBytes().Text("\x89PNG\r\n\x1a\n").BigU32(13).Add(chunk).BigU32(crc);
+}
+
+/// The pixels row by row from the top.
+inline std::vector<Rgba> PixelsOf(Image image, Transparency transparency) {
+  image = ToRgba(std::move(image), transparency);
+  std::vector<Rgba> pixels;
+  for (std::size_t i = 0; i < image.Values.size(); i += 4)
+    pixels.push_back({image.Values[i], image.Values[i + 1], image.Values[i + 2], image.Values[i + 3]});
+  return pixels;
 }
 
 } // namespace quarvel::test

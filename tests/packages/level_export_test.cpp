@@ -62,15 +62,11 @@ Begin Actor Class=Dispatcher Name=Dispatcher0
      bHidden=False
      Texture=None
      DistanceFogColor=(R=0,G=128,B=9)
+     Edge=(X=1.000000,Y=2.000000,Z=3.000000,W=4.000000)
      Name="Dispatcher0"
 End Actor
 End Map
 )");
-}
-
-TEST(ExportedLevel, KnowsThePackagesOfItsTextures) {
-  const Blob file = test::MadeLevel();
-  const ExportedLevel level = ExportLevel(*ReadPackage(file, "Rooms").Value);
   EXPECT_EQ(level.TextureNames,
             (std::map<std::string, std::string>{{"brick", "Castle.Walls.Brick"}, {"moss", "MyLevel.Moss"}}));
 }
@@ -81,21 +77,27 @@ TEST(ExportedLevel, TellsWhatIsDamaged) {
   const ObjectRef bad = made.Export("Light", "Light1", ObjectBytes(made).Byte("LightHue", 3));
   const ObjectRef model = made.Export("Model", "Model0", ObjectBytes(made).None().U32(1));
   const ObjectRef brush = made.Export("Brush", "Brush0", ObjectBytes(made).Object("Brush", model).None());
+  const ObjectRef polys = made.Export("Polys", "Polys0", ObjectBytes(made).None().U32(9).U32(9));
+  const ObjectRef open =
+      made.Export("Model", "Model1", ObjectBytes(made).None().Add(Blob(46, 0)).U32(0).U32(0).Index(polys));
+  const ObjectRef torn = made.Export("Brush", "Brush1", ObjectBytes(made).Object("Brush", open).None());
   ObjectBytes level(made);
-  level.None().U32(5).U32(5).Index(bad).Index(good).Index(good).Index(500).Index(brush);
+  level.None().U32(6).U32(6).Index(bad).Index(good).Index(good).Index(500).Index(brush).Index(torn);
   made.Export("Level", "MyLevel", level);
   const Blob file = made.Build();
   const ExportedLevel exported = ExportLevel(*ReadPackage(file, "Rooms").Value);
   EXPECT_EQ(WithoutReturns(exported.Text),
             "Begin Map\nBegin Actor Class=Light Name=Light0\n     LightHue=3\n     Name=\"Light0\"\nEnd Actor\n"
             "Begin Actor Class=Brush Name=Brush0\n     Brush=Model'MyLevel.Model0'\n     Name=\"Brush0\"\nEnd Actor\n"
+            "Begin Actor Class=Brush Name=Brush1\n    Begin Brush Name=Model1\n       Begin PolyList\n"
+            "       End PolyList\n    End Brush\n     Brush=Model'MyLevel.Model1'\n     Name=\"Brush1\"\nEnd Actor\n"
             "End Map\n");
   std::vector<std::string> faults;
   for (const Finding& fault : exported.Faults)
     faults.push_back(fault.Actor + " " + fault.Reason);
   EXPECT_EQ(faults, (std::vector<std::string>{"Light1 could not be read: its properties are damaged",
                                               "object 500 is an actor of the level that is not in its file",
-                                              "Brush0 has a damaged brush"}));
+                                              "Brush0 has a damaged brush", "Brush1 has damaged polygons"}));
 }
 
 TEST(ExportedLevel, DoesNotGrowOutOfProportion) {
@@ -115,11 +117,6 @@ TEST(ExportedLevel, DoesNotGrowOutOfProportion) {
   const Blob file = made.Build();
   EXPECT_EQ(ExportLevel(*ReadPackage(file, "Rooms").Value).Error,
             "is damaged: its text would be out of proportion to it");
-}
-
-TEST(ExportedLevel, NeedsALevel) {
-  const Blob file = test::MadeTextures();
-  EXPECT_EQ(ExportLevel(*ReadPackage(file, "Castle").Value).Error, "holds no level");
 }
 
 } // namespace

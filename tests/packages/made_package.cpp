@@ -64,13 +64,6 @@ ObjectRef AddModel(MadePackage& package, std::string_view name, const std::vecto
   return package.Export("Model", name, model);
 }
 
-Blob ScaleBytes(float x, float y, float z, float sheerRate, unsigned axis) {
-  FileBytes bytes;
-  for (const float value : {x, y, z, sheerRate})
-    bytes.U32(std::bit_cast<unsigned>(value));
-  return bytes.U8(axis);
-}
-
 constexpr unsigned hasStack = 0x02000000;
 
 } // namespace
@@ -102,7 +95,7 @@ Blob MadeLevel(int version) {
                                          ObjectBytes(package)
                                              .StateFrame()
                                              .Byte("CsgOper", 1)
-                                             .Struct("MainScale", "Scale", ScaleBytes(1, -2, 1, 0.5F, 5))
+                                             .Struct("MainScale", "Scale", FileBytes().Floats({1, -2, 1, 0.5F}).U8(5))
                                              .Struct("Region", "PointRegion", region)
                                              .Vector("Location", 16, 0, -1.5F)
                                              .Struct("Rotation", "Rotator", FileBytes().U32(0).U32(0xFFFFC000).U32(0))
@@ -120,6 +113,9 @@ Blob MadeLevel(int version) {
                                                   .Object("Texture", 0)
                                                   .Struct("DistanceFogColor", "Color", {0, 128, 9, 0})
                                                   .Struct("Unknown", "Mystery", {1, 2, 3})
+                                                  .Struct("TooLong", "Color", {1, 2, 3, 4, 5})
+                                                  .Struct("Edge", "Plane", FileBytes().Floats({1, 2, 3, 4}))
+                                                  .NameOf("Name", "Another")
                                                   .None(),
                                               0, hasStack);
   ObjectBytes level(package);

@@ -3,7 +3,6 @@
 #include "packages/package.h"
 #include "tests/images/made_images.h"
 
-#include <bit>
 #include <map>
 #include <string>
 #include <string_view>
@@ -99,27 +98,25 @@ class MadePackage {
 };
 
 /// The bytes of an object: properties, then what its class adds.
-class ObjectBytes {
+class ObjectBytes : public ByteBuilder<ObjectBytes> {
  public:
   explicit ObjectBytes(MadePackage& package) : package_(package) {}
 
   ObjectBytes& Byte(std::string_view name, int value) { return Tag(name, 1, FileBytes().U8(Bits(value))); }
   ObjectBytes& Int(std::string_view name, int value) { return Tag(name, 2, FileBytes().U32(Bits(value))); }
-  ObjectBytes& Float(std::string_view name, float value) { return Tag(name, 4, FileBytes().U32(Bits(value))); }
+  ObjectBytes& Float(std::string_view name, float value) { return Tag(name, 4, FileBytes().Floats({value})); }
   ObjectBytes& Object(std::string_view name, ObjectRef value) { return Tag(name, 5, CompactIndex(value)); }
   ObjectBytes& NameOf(std::string_view name, std::string_view value, int index = 0) {
     return Tag(name, 6, CompactIndex(package_.Name(value)), index);
   }
   ObjectBytes& String(std::string_view name, std::string_view value) {
-    FileBytes bytes;
-    return Tag(name, 13, bytes.Add(CompactIndex(static_cast<int>(value.size()) + 1)).Text(value).U8(0));
+    return Tag(name, 13, FileBytes().Add(CompactIndex(static_cast<int>(value.size()) + 1)).Text(value).U8(0));
   }
   ObjectBytes& Bool(std::string_view name, bool value) {
-    Index(package_.Name(name)).U8(3U | (value ? 0x80U : 0U));
-    return *this;
+    return Index(package_.Name(name)).U8(3U | (value ? 0x80U : 0U));
   }
   ObjectBytes& Vector(std::string_view name, float x, float y, float z, int index = 0) {
-    return Struct(name, "Vector", FileBytes().U32(Bits(x)).U32(Bits(y)).U32(Bits(z)), index);
+    return Struct(name, "Vector", FileBytes().Floats({x, y, z}), index);
   }
   ObjectBytes& Struct(std::string_view name, std::string_view kind, const Blob& value, int index = 0) {
     kind_ = kind;
@@ -127,34 +124,10 @@ class ObjectBytes {
   }
   ObjectBytes& None() { return Index(package_.Name("None")); }
 
-  ObjectBytes& Index(int value) {
-    bytes_.Add(CompactIndex(value));
-    return *this;
-  }
-  ObjectBytes& U8(unsigned value) {
-    bytes_.U8(value);
-    return *this;
-  }
-  ObjectBytes& U16(unsigned value) {
-    bytes_.U16(value);
-    return *this;
-  }
-  ObjectBytes& U32(unsigned value) {
-    bytes_.U32(value);
-    return *this;
-  }
-  ObjectBytes& Floats(std::initializer_list<float> values) {
-    for (const float value : values)
-      bytes_.U32(Bits(value));
-    return *this;
-  }
-  ObjectBytes& Add(const Blob& more) {
-    bytes_.Add(more);
-    return *this;
-  }
+  ObjectBytes& Index(int value) { return Add(CompactIndex(value)); }
   /// One picture of a texture or the data of a sound: a length and the bytes.
   ObjectBytes& Data(const Blob& data) {
-    if (package_.Version() >= 63) bytes_.U32(0);
+    if (package_.Version() >= 63) U32(0);
     return Index(static_cast<int>(data.size())).Add(data);
   }
   ObjectBytes& Mip(const Blob& data, unsigned width, unsigned height) {
@@ -163,11 +136,8 @@ class ObjectBytes {
   /// The state that actors are in.
   ObjectBytes& StateFrame() { return Index(1).Index(1).U32(0).U32(0).U32(0).Index(-1); }
 
-  operator Blob() const { return bytes_; }
-
  private:
   static unsigned Bits(int value) { return static_cast<unsigned>(value); }
-  static unsigned Bits(float value) { return std::bit_cast<unsigned>(value); }
 
   ObjectBytes& Tag(std::string_view name, unsigned type, const Blob& value, int index = 0) {
     const std::size_t size = value.size();
@@ -185,7 +155,6 @@ class ObjectBytes {
 
   MadePackage& package_;
   std::string kind_;
-  FileBytes bytes_;
 };
 
 /// A palette whose entry n is (n, 255 - n, 7).

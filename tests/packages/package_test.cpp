@@ -27,12 +27,7 @@ PackageObject Find(const Package& package, std::string_view name) {
 std::vector<Rgba> Pixels(const Package& package, std::string_view name, Transparency transparency) {
   TexturePicture picture = ReadTexturePicture(Find(package, name));
   EXPECT_TRUE(picture) << name << ": " << picture.Error;
-  if (!picture) return {};
-  const Image image = ToRgba(std::move(*picture.Picture), transparency);
-  std::vector<Rgba> pixels;
-  for (std::size_t i = 0; i < image.Values.size(); i += 4)
-    pixels.push_back({image.Values[i], image.Values[i + 1], image.Values[i + 2], image.Values[i + 3]});
-  return pixels;
+  return picture ? test::PixelsOf(std::move(*picture.Picture), transparency) : std::vector<Rgba>();
 }
 
 class EveryVersion : public testing::TestWithParam<int> {};
@@ -73,13 +68,19 @@ TEST(Package, IsRefusedInOneSentence) {
 }
 
 TEST(Package, IsReadAsFarAsItGoes) {
-  for (const Blob& whole : {test::MadeTextures(63), test::MadeTextures(), test::MadeLevel()})
+  for (const Blob& whole : {test::MadeTextures(63), test::MadeTextures(), test::MadeLevel()}) {
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+      Blob file = whole;
+      file[at] ^= at % 2 == 0 ? 0xFF : 0x80;
+      if (const PackageResult read = ReadPackage(file, "Damaged")) test::ReadEverything(*read.Value);
+    }
     for (std::size_t size = 0; size <= whole.size(); ++size) {
       const Blob file(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
       const PackageResult read = ReadPackage(file, "Cut");
       EXPECT_EQ(read.Error.empty(), size == whole.size()) << "the table of objects is last";
       if (read) test::ReadEverything(*read.Value);
     }
+  }
 }
 
 TEST(Package, DoesNotTrustItsCounts) {
@@ -203,6 +204,8 @@ TEST_F(Textures, WithoutPixelsGetAPicture) {
 TEST(DamagedTextures, SayWhatIsWrong) {
   MadePackage made;
   const ObjectRef palette = made.Export("Palette", "P", test::PaletteBytes(made));
+  const ObjectRef few = made.Export("Palette", "Few", ObjectBytes(made).None().Index(2).Add({1, 2, 3, 0, 4, 5, 6, 0}));
+  const ObjectRef none = made.Export("Palette", "None", ObjectBytes(made).None().Index(0));
   const auto texture = [&] { return ObjectBytes(made).Object("Palette", palette); };
   const auto add = [&](std::string_view name, const Blob& data) { made.Export("Texture", name, data); };
   add("Short", texture().None().Index(1).Mip({1, 2, 3}, 2, 2));
@@ -213,6 +216,9 @@ TEST(DamagedTextures, SayWhatIsWrong) {
   add("Empty", texture().None().Index(0));
   add("Bare", ObjectBytes(made).None().Index(1).Mip({1}, 1, 1));
   add("Open", texture());
+  add("Nameless", texture().Index(999).U8(1).U8(0).None().Index(1).Mip({1}, 1, 1));
+  add("Unpainted", ObjectBytes(made).Object("Palette", none).None().Index(1).Mip({1}, 1, 1));
+  add("Painted", ObjectBytes(made).Object("Palette", few).None().Index(1).Mip({1, 2}, 2, 1));
   const ObjectRef loop = made.Export("IceTexture", "Loop");
   made.SetData(loop, texture().Object("SourceTexture", loop).None().Index(0));
   const Blob file = made.Build();
@@ -226,6 +232,10 @@ TEST(DamagedTextures, SayWhatIsWrong) {
   EXPECT_EQ(error("Empty"), "it has no pixels");
   EXPECT_EQ(error("Bare"), "it has no palette");
   EXPECT_EQ(error("Open"), "its properties are damaged");
+  EXPECT_EQ(error("Nameless"), "its properties are damaged");
+  EXPECT_EQ(error("Unpainted"), "its palette is damaged");
+  EXPECT_EQ(Pixels(package, "Painted", Transparency::Kept), (std::vector<Rgba>{{4, 5, 6, 255}, {0, 0, 0, 255}}))
+      << "a colour that the palette does not have";
   EXPECT_EQ(error("Loop"), "the textures that it shows lead back to itself");
 }
 

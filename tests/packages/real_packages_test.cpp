@@ -1,21 +1,17 @@
 #include "packages/level_export.h"
 #include "packages/sound_object.h"
 #include "packages/texture_object.h"
-#include "tests/packages/made_package.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <random>
 #include <sstream>
 
 namespace quarvel {
 namespace {
 
 namespace fs = std::filesystem;
-using test::Blob;
 
 /// Packages of games' levels, which are not part of the project.
 class RealPackages : public testing::Test {
@@ -79,38 +75,6 @@ TEST_F(RealPackages, HaveTheLevelThatTheEditorShows) {
   const auto lines = PlacementLines(level.Text);
   EXPECT_GT(lines.size(), 2000U);
   EXPECT_EQ(lines, PlacementLines(ReadText(folder_ / "LightPuzzle.t3d")));
-}
-
-/// Changes a few bytes, a number, or the length of a file; mostly in its tables, which lie at its ends.
-void Damage(Blob& file, std::mt19937& random) {
-  const auto below = [&](std::size_t count) { return random() % std::max<std::size_t>(count, 1); };
-  const std::size_t tail = file.size() - std::min<std::size_t>(file.size(), 6000);
-  for (std::size_t i = below(4) + 1; i > 0; --i) {
-    const std::size_t where = below(3);
-    const std::size_t at = where == 0 ? below(64) : where == 1 ? tail + below(file.size() - tail) : below(file.size());
-    if (at + 4 > file.size()) continue;
-    if (below(2) == 0)
-      file[at] = static_cast<std::uint8_t>(random());
-    else
-      for (std::size_t byte = 0; byte < 4; ++byte)
-        file[at + byte] = static_cast<std::uint8_t>(below(2) ? 0xFF : random());
-  }
-  if (below(5) == 0) file.resize(below(file.size()));
-}
-
-/// QUARVEL_DAMAGED_COPIES sets how many copies are read; 10000 takes minutes.
-TEST_F(RealPackages, MayBeDamaged) {
-  const char* wanted = std::getenv("QUARVEL_DAMAGED_COPIES");
-  const int copies = wanted ? std::atoi(wanted) : 40;
-  std::mt19937 random(20);
-  for (int i = 0; i < copies; ++i) {
-    const std::string text = ReadText(folder_ / names_[static_cast<std::size_t>(i) % std::size(names_)]);
-    Blob file(text.begin(), text.end());
-    Damage(file, random);
-    const PackageResult read = ReadPackage(file, "Damaged");
-    EXPECT_NE(read.Error.empty(), !read);
-    if (read) test::ReadEverything(*read.Value);
-  }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "base/file_name.h"
 #include "base/reference.h"
 #include "resources/file_index.h"
+#include "resources/program_data.h"
 #include "resources/url.h"
 #include "tests/temporary_folder.h"
 
@@ -69,6 +70,16 @@ TEST_F(FileIndexTest, SearchPathsAreSplitAndCleaned) {
   EXPECT_EQ(folders.Existing, (std::vector<fs::path>{folder_ / "one", folder_ / "two"}));
   EXPECT_EQ(folders.Missing, std::vector<fs::path>{folder_ / "none"});
   EXPECT_TRUE(SplitSearchPath("").Existing.empty());
+}
+
+TEST_F(FileIndexTest, TheProgramsFilesLieBesideItInstalledOrInTheSourceTree) {
+  const fs::path program = folder_ / "build/dev/bin/quarvel";
+  EXPECT_TRUE(FindProgramData(program).empty());
+  EXPECT_TRUE(FindProgramData({}).empty());
+  for (const char* place : {"resources/data", "build/dev/share/quarvel", "build/dev/bin/data"}) {
+    Write(fs::path(place) / "TheVisTeleporter.wrl", "");
+    EXPECT_EQ(FindProgramData(program), folder_ / place);
+  }
 }
 
 TEST(References, LoseClassAndQuotes) {

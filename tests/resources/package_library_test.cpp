@@ -55,6 +55,7 @@ TEST_F(PackageLibraryTest, ThePackageThatIsNamedWinsThenTheOrderOfThePath) {
   EXPECT_EQ(Found("Rock"), "first/Beach.u Rock or Cave.utx or Alps.utx");
   EXPECT_EQ(Found("Texture'Cave.Wet.Rock'"), "first/Cave.utx Wet.Rock");
   EXPECT_EQ(Found("Elsewhere.Dry.Rock"), "first/Cave.utx Dry.Rock");
+  EXPECT_EQ(Found("Cave.Damp.Rock"), "first/Cave.utx Rock") << "one of three in the same package";
   EXPECT_EQ(Found("Snow"), "second/Alps.utx Snow");
   EXPECT_EQ(Found("Sky"), "nothing");
 }

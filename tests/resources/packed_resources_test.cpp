@@ -1,34 +1,19 @@
 #include "images/image_file.h"
-#include "resources/resource_files.h"
 #include "tests/packages/made_package.h"
-#include "tests/temporary_folder.h"
+#include "tests/resources/resource_test.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quarvel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Names = std::vector<std::string>;
 
-class PackedResources : public TempFolder {
+class PackedResources : public ResourceTest {
  protected:
-  void SetUp() override {
+  PackedResources() {
     Write("lib/deep/Castle.utx", MadeTextures());
     Write("in/level.unr", MadeLevel());
-    settings_.TextSearchPathTxt = settings_.TextSearchPathSnd = (folder_ / "lib").string();
-    settings_.TextSearchPathMesh = settings_.TextSearchPathTxt;
-  }
-  ResourceFiles Run() { return ResourceFiles(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report_); }
-
-  /// Every file below the output folder, sorted.
-  Names Output() const {
-    Names names;
-    for (const auto& entry : fs::recursive_directory_iterator(folder_ / "out"))
-      if (entry.is_regular_file()) names.push_back(entry.path().lexically_relative(folder_ / "out").generic_string());
-    std::sort(names.begin(), names.end());
-    return names;
   }
   int AlphaOfFirst(const std::string& name) const {
     const ImageResult image = ReadImageFile(folder_ / "out" / name);
@@ -39,9 +24,6 @@ class PackedResources : public TempFolder {
       return finding.Actor == actor && finding.Reason.find(reason) != std::string::npos;
     });
   }
-
-  ConversionSettings settings_;
-  Report report_;
 };
 
 TEST_F(PackedResources, TexturesComeOutAsImagesWithTheirSize) {
@@ -57,12 +39,8 @@ TEST_F(PackedResources, TexturesComeOutAsImagesWithTheirSize) {
   EXPECT_FALSE(files.FindTexture("Castle.Sky", TextureUse::Ordinary).Found);
   EXPECT_EQ(files.Missing()[ResourceKind::Texture], Names{"Castle.Sky"});
   EXPECT_EQ(Output(), (Names{"Brick.png", "Moss.png"}));
-}
-
-TEST_F(PackedResources, AnImageFileWins) {
   Write("lib/brick.png", EncodeImage(MakeImage(16, 16, PixelFormat::Rgba8), ImageType::Png));
-  ResourceFiles files = Run();
-  EXPECT_EQ(files.FindTexture("Castle.Walls.Brick", TextureUse::Ordinary).Width, 16);
+  EXPECT_EQ(Run().FindTexture("Castle.Walls.Brick", TextureUse::Ordinary).Width, 16) << "an image file wins";
 }
 
 TEST_F(PackedResources, MaskedOnesHaveHolesByTheFaceOrByThemselves) {
@@ -79,7 +57,7 @@ TEST_F(PackedResources, MaskedOnesHaveHolesByTheFaceOrByThemselves) {
 TEST_F(PackedResources, KeepToTheOptionsOfCopies) {
   settings_.ListBMtypeOut = "bmp";
   Run().FindTexture("Brick", TextureUse::Ordinary);
-  EXPECT_EQ(Output(), (Names{"Brick.bmp", "quarvel-copies.txt"}));
+  EXPECT_EQ(Output(), Names{"Brick.bmp"});
   Write("out/Brick.bmp", "another one's");
   settings_.TextureDest.DestOverwrite = false;
   Run().FindTexture("Brick", TextureUse::Ordinary);
@@ -95,7 +73,7 @@ TEST_F(PackedResources, KeepToTheOptionsOfCopies) {
   EXPECT_EQ(files.Missing()[ResourceKind::Texture], Names{"Castle.Brick"});
   EXPECT_TRUE(Tells("Castle.Brick", "is in the package Castle.utx, from where only copying brings it out"));
   EXPECT_TRUE(Tells("Castle.Walls.Hum", "is in the package Castle.utx, from where only copying brings it out"));
-  EXPECT_EQ(Output(), Names{"quarvel-copies.txt"}) << "the list of the runs before";
+  EXPECT_EQ(Output(), Names());
 }
 
 TEST_F(PackedResources, SoundsComeOutAsTheyAre) {
@@ -116,19 +94,16 @@ TEST_F(PackedResources, TellWhatIsNotAsInTheEngine) {
   EXPECT_TRUE(Tells("Leaf", "is shown in greys"));
   EXPECT_TRUE(report_.Details().empty());
   Write("lib/Other.utx", MadeTextures());
-  Report second;
-  ResourceFiles(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", second)
-      .FindTexture("Brick", TextureUse::Ordinary);
-  ASSERT_EQ(second.Details().size(), 1U);
-  EXPECT_EQ(second.Details()[0].Reason, "was taken from Other.utx; also in Castle.utx");
-}
-
-TEST_F(PackedResources, NamesOfTheLevelsPackageLeadToTheRightOne) {
-  Write("lib/a/Alps.utx", MadeTextures());
-  ResourceFiles files = Run();
-  files.KnowTextures({{"brick", "Castle.Walls.Brick"}});
-  files.FindTexture("Brick", TextureUse::Ordinary);
-  EXPECT_TRUE(report_.Details().empty()) << "it could be either";
+  const auto details = [&](const std::map<std::string, std::string>& known) {
+    Report report;
+    ResourceFiles second = RunWith(report);
+    second.KnowTextures(known);
+    second.FindTexture("Brick", TextureUse::Ordinary);
+    return report.Details();
+  };
+  ASSERT_EQ(details({}).size(), 1U);
+  EXPECT_EQ(details({})[0].Reason, "was taken from Other.utx; also in Castle.utx");
+  EXPECT_TRUE(details({{"brick", "Castle.Walls.Brick"}}).empty()) << "the level's package says which it is";
 }
 
 } // namespace

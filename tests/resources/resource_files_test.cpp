@@ -1,40 +1,15 @@
 #include "images/image_file.h"
-#include "resources/resource_files.h"
 #include "tests/images/made_images.h"
-#include "tests/temporary_folder.h"
+#include "tests/resources/resource_test.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quarvel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Names = std::vector<std::string>;
 
-class ResourceFilesTest : public TempFolder {
- protected:
-  void SetUp() override {
-    for (const char* name : {"lib", "out", "in"})
-      fs::create_directories(folder_ / name);
-    settings_.TextSearchPathTxt = (folder_ / "lib").string();
-    settings_.TextSearchPathSnd = settings_.TextSearchPathTxt;
-    settings_.TextSearchPathMesh = settings_.TextSearchPathTxt;
-  }
-  ResourceFiles Run() { return ResourceFiles(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report_); }
-  /// Every file below the output folder, sorted.
-  Names Output() const {
-    Names names;
-    for (const auto& entry : fs::recursive_directory_iterator(folder_ / "out"))
-      if (entry.is_regular_file() && entry.path().filename() != CopyList::FileName)
-        names.push_back(entry.path().lexically_relative(folder_ / "out").generic_string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
-  ConversionSettings settings_;
-  Report report_;
-};
+class ResourceFilesTest : public ResourceTest {};
 
 TEST_F(ResourceFilesTest, ATextureIsFoundWhateverItsCaseAndForm) {
   Write("lib/Walls/Deep/BRICK.PNG", MadePngHead(64, 32));
@@ -76,8 +51,7 @@ TEST_F(ResourceFilesTest, NearestFolderThenWantedTypeThenPathDecide) {
   Write("lib/Pack/Group/wall.dds", MadeDds(8, 8, "DXT1", Blob(32)));
   const auto width = [&](const char* reference) {
     Report report;
-    ResourceFiles files(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report);
-    return files.FindTexture(reference, TextureUse::Ordinary).Width;
+    return RunWith(report).FindTexture(reference, TextureUse::Ordinary).Width;
   };
   EXPECT_EQ(width("wall"), 2) << "jpg comes before the others when there is no png";
   settings_.ListBMtypeOut = "TGA";
@@ -91,6 +65,9 @@ TEST_F(ResourceFilesTest, NearestFolderThenWantedTypeThenPathDecide) {
   Write("lib/Attic/wall.tga", MadeTga(2, 7, 7, 24, 0, Blob(147)));
   Write("lib/Tower/wall.tga", MadeTga(2, 9, 9, 24, 0, Blob(243)));
   EXPECT_EQ(width("Tower.Attic.wall"), 9) << "the package's folder, not one that is named like the group";
+  Write("Roof/wall.tga", MadeTga(2, 1, 1, 24, 0, Blob(3)));
+  settings_.TextSearchPathTxt += ";" + (folder_ / "Roof").string();
+  EXPECT_EQ(width("Roof.wall"), 1) << "the library itself is the package's folder";
 }
 
 TEST_F(ResourceFilesTest, EditorQualifiedNamesAreAnOption) {
@@ -249,7 +226,7 @@ TEST_F(ResourceFilesTest, LevelsThatShareAFolderKeepTheirOwnCopies) {
   int copied = 0;
   const auto url = [&](const char* library, TextureUse use, OutputFolders* batch) {
     settings_.TextSearchPathTxt = (folder_ / library).string();
-    ResourceFiles files(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report_, {}, nullptr, batch);
+    ResourceFiles files = RunWith(report_, batch);
     const std::string found = files.FindTexture("wall", use).Url;
     copied += files.FilesCopied();
     return found;
@@ -294,6 +271,9 @@ TEST_F(ResourceFilesTest, InALibraryThatIsTheScenesFolderEachNameShowsItsOwnPict
     const Blob stone = MadePngHead(1, 1);
     EXPECT_EQ(Read("out/stone.png"), std::string(stone.begin(), stone.end()));
   }
+  const std::string list = "\n" + Read(fs::path("out") / CopyList::FileName);
+  EXPECT_NE(list.find("\nsub.stone.png\t"), list.npos);
+  EXPECT_EQ(list.find("\nstone.png\t"), list.npos) << "a file of the library counts as a copy";
 }
 
 TEST_F(ResourceFilesTest, OverwritingSparesScenesInputsAndWhatLinksLeadTo) {
@@ -309,7 +289,7 @@ TEST_F(ResourceFilesTest, OverwritingSparesScenesInputsAndWhatLinksLeadTo) {
   OutputFolders batch;
   batch.Reserve(folder_ / "out/../out/input.wrl");
   {
-    ResourceFiles files(settings_, folder_ / "in/level.t3d", folder_ / "out/level.wrl", report_, {}, nullptr, &batch);
+    ResourceFiles files = RunWith(report_, &batch);
     EXPECT_EQ(files.FindMesh("other", true).Wrl.Url, "lib.other.wrl");
     EXPECT_EQ(files.FindMesh("input", true).Wrl.Url, "lib.input.wrl");
     EXPECT_EQ(files.FindTexture("wall", TextureUse::Ordinary).Url, "lib.wall.png");
@@ -387,6 +367,9 @@ TEST_F(ResourceFilesTest, SoundsAtTheDestinationAreKeptAndOthersFetched) {
   EXPECT_EQ(missing.Url, "no%20such.wav");
   EXPECT_EQ(files.Missing()[ResourceKind::Sound], Names{(folder_ / "out/no such.wav").string()});
   EXPECT_EQ(Output(), (Names{"Fire.wav", "hum60.wav"}));
+  settings_.SoundDest.DestOverwrite = true;
+  EXPECT_EQ(Run().FindSound("hum60.wav").Url, "hum60.wav");
+  EXPECT_EQ(Read("out/hum60.wav"), "library");
 }
 
 TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverTheSceneItself) {
@@ -419,11 +402,16 @@ TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverThe
 TEST_F(ResourceFilesTest, FilesThatNameEachOtherGoBesideTheScene) {
   settings_.MeshDest.DestPathBehavior = 1;
   Write("lib/models/thevisteleporter.wrl", "model");
-  ResourceFiles files = Run();
+  Write("own/TheVisTeleporter.wrl", "the program's");
+  Write("own/Spare.wrl", "spare");
+  ResourceFiles files = RunWith(report_, nullptr, folder_ / "own");
   EXPECT_TRUE(files.FindAndCopyFile("TheVisTeleporter.wrl", ResourceKind::Mesh).Found);
   EXPECT_FALSE(files.FindAndCopyFile("TheVisTeleporter.x3d", ResourceKind::Mesh).Found);
   EXPECT_EQ(Read("out/TheVisTeleporter.wrl"), "model");
   EXPECT_EQ(files.Missing()[ResourceKind::Mesh], Names{"TheVisTeleporter.x3d"});
+  settings_.MeshDest.DestDoCopy = false;
+  EXPECT_TRUE(RunWith(report_, nullptr, folder_ / "own").FindAndCopyFile("Spare.wrl", ResourceKind::Mesh).Found);
+  EXPECT_EQ(Read("out/Spare.wrl"), "spare") << "nobody else has it";
 }
 
 TEST_F(ResourceFilesTest, HeightmapsAreReadWhereTheyLie) {

@@ -1,7 +1,7 @@
 #include "settings/ini_store.h"
 #include "settings/option_values.h"
 #include "settings/settings_file.h"
-#include "tests/german_locale.h"
+#include "tests/settings/other_text.h"
 #include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -15,31 +15,11 @@ namespace fs = std::filesystem;
 /// Settings of which every option differs from its default.
 ConversionSettings ChangedSettings() {
   ConversionSettings settings;
-  for (const OptionInfo& option : OptionTable()) {
-    const bool on = DefaultText(option) != "0";
-    std::string text;
-    switch (option.Kind) {
-    case OptionKind::CheckBox:
-      text = on ? "0" : "1";
-      break;
-    case OptionKind::OptionButton:
-      text = on ? "0" : "-1";
-      break;
-    case OptionKind::Number:
-      text = option.Range.Whole ? "7" : "0.0250";
-      break;
-    case OptionKind::Integer:
-      text = "2";
-      break;
-    case OptionKind::List:
-      text = option.Items.back();
-      break;
-    case OptionKind::Text:
-      text = " \"C:\\T\xC3\xA4st;[x]=;#\" \x80 '" + option.Control + "' ";
-      break;
-    }
-    SetOption(option, text, settings);
-  }
+  for (const OptionInfo& option : OptionTable())
+    SetOption(option,
+              option.Kind == OptionKind::Text ? " \"C:\\T\xC3\xA4st;[x]=;#\" \x80 '" + option.Control + "' "
+                                              : test::OtherText(option),
+              settings);
   return settings;
 }
 
@@ -56,11 +36,13 @@ void ExpectEqual(const ConversionSettings& actual, const ConversionSettings& exp
 
 TEST(SettingsFile, SavingThenLoadingGivesEverythingBack) {
   const TemporaryFolder folder;
-  const fs::path file = folder.Path() / "Quarvel.ini";
+  const fs::path link = folder.Path() / "link.ini";
+  fs::create_symlink("real.ini", link);
   const ConversionSettings saved = ChangedSettings();
-  IniStore written(file);
+  IniStore written(link);
   ASSERT_EQ(SaveSettings(saved, written), "");
-  IniStore read(file);
+  EXPECT_TRUE(fs::is_symlink(link));
+  IniStore read(folder.Path() / "real.ini");
   ASSERT_EQ(read.Load(), "");
   ConversionSettings loaded;
   LoadSettings(loaded, read);
@@ -97,8 +79,10 @@ TEST(SettingsFile, HasTheKeysInTheirOrder) {
 TEST(SettingsFile, WhatIsAbsentOrDamagedStaysAsItIs) {
   const TemporaryFolder folder;
   folder.Write("Quarvel.ini",
-               "\xEF\xBB\xBF; mine\r\n[quarvel]\r\nscale = 0.5 \r\nCheckMovers=maybe\r\nListMovement=*\r\n"
-               "TextCreaseAngle=\r\nOptionVRML97=0\r\nno key\r\n[Other]\r\nScale=3\r\n");
+               "\xEF\xBB\xBF; mine\r\n[quarvel]\r\nscale = 0.5 \r\nInFile=an \"old\"\r\nCheckMovers=maybe\r\n"
+               "ListMovement=*\r\nTextCreaseAngle=\r\nOptionVRML97=0\r\nOptionIFSs=-1\r\nOptionMeshes=-1\r\nno "
+               "key\r\n[Other]\r\n"
+               "Scale=3\r\n");
   IniStore store(folder.Path() / "Quarvel.ini");
   ASSERT_EQ(store.Load(), "");
   ConversionSettings settings;
@@ -107,25 +91,18 @@ TEST(SettingsFile, WhatIsAbsentOrDamagedStaysAsItIs) {
   settings.TextCreaseAngle = {"45", 45};
   LoadSettings(settings, store);
   EXPECT_EQ(settings.TextScale.Value, 0.5);
+  EXPECT_EQ(settings.ComboInFileName, "an \"old\"");
   EXPECT_FALSE(settings.CheckFog);
   EXPECT_TRUE(settings.CheckMovers);
   EXPECT_EQ(settings.ListMovement, "fly");
   EXPECT_EQ(settings.TextCreaseAngle.Value, 30) << "a blank number means its default";
   EXPECT_TRUE(settings.OptionVRML97) << "a group was left without a selected button";
+  EXPECT_NE(settings.OptionIFSs, settings.OptionMeshes) << "of two selected buttons one is";
 
   ASSERT_EQ(SaveSettings(settings, store), "");
   const std::string text = folder.Read("Quarvel.ini");
   EXPECT_NE(text.find("; mine"), text.npos);
   EXPECT_NE(text.find("[Other]\nScale=3"), text.npos);
-}
-
-TEST(SettingsFile, AFileWithTwoButtonsSelectedLoadsAsOne) {
-  MemoryStore store;
-  store.WriteText("Quarvel", "OptionContact", "-1");
-  store.WriteText("Quarvel", "OptionFlux", "-1");
-  ConversionSettings settings;
-  LoadSettings(settings, store);
-  EXPECT_EQ(settings.OptionContact + settings.OptionFlux + settings.OptionVRML97, 1);
 }
 
 TEST(SettingsFile, ReportsWhatCannotBeReadOrWritten) {
@@ -147,30 +124,6 @@ TEST(SettingsFile, ReportsWhatCannotBeReadOrWritten) {
   fs::permissions(folder.Path() / "protected.ini", fs::perms::owner_read);
   EXPECT_TRUE(IniStore(folder.Path() / "protected.ini").Save().ends_with("protected.ini: Permission denied"));
   EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 3) << "a temporary file is left";
-}
-
-TEST(SettingsFile, SavingFollowsALinkAndKeepsPermissions) {
-  const TemporaryFolder folder;
-  folder.Write("real.ini", "");
-  fs::permissions(folder.Path() / "real.ini", fs::perms::owner_read | fs::perms::owner_write);
-  fs::create_symlink("real.ini", folder.Path() / "link.ini");
-  IniStore store(folder.Path() / "link.ini");
-  ASSERT_EQ(SaveSettings({}, store), "");
-  EXPECT_TRUE(fs::is_symlink(folder.Path() / "link.ini"));
-  EXPECT_NE(folder.Read("real.ini"), "");
-  EXPECT_EQ(fs::status(folder.Path() / "real.ini").permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
-TEST(SettingsFile, NumbersDoNotFollowTheLocale) {
-  const GermanLocale german;
-  if (!german.IsSet()) GTEST_SKIP() << "no German locale here";
-  MemoryStore store;
-  ConversionSettings settings;
-  const std::string problem = SetOption(*FindOption("TextScale"), "0.25", settings);
-  const std::string allowed = AllowedValues(*FindOption("TextBezierSubD"));
-  EXPECT_EQ(problem, "");
-  EXPECT_EQ(settings.TextScale.Value, 0.25);
-  EXPECT_EQ(allowed, "a number from 0.01 to 0.5");
 }
 
 } // namespace

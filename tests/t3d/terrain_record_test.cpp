@@ -1,8 +1,6 @@
 #include "t3d/terrain_record.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace quarvel {
 namespace {
@@ -45,23 +43,6 @@ TEST(TerrainRecord, ReadsWhichSquaresAreShown) {
                                      "    QuadVisibilityBitmap(3)=-2\n    QuadVisibilityBitmap(0)=2147483647\n"
                                      "    QuadVisibilityBitmap(99999999)=5\n    QuadVisibilityBitmap(-1)=5");
   EXPECT_EQ(terrain.QuadVisibilityBitmap, (std::vector<std::uint32_t>{0x7FFFFFFFU, 0, 0, 0xFFFFFFFEU}));
-}
-
-TEST(TerrainRecord, ReadsARealTerrain) {
-  std::ifstream file(QUARVEL_LEVELS_DIR "/ue2-CanyonCrusade-terrain.t3d", std::ios::binary);
-  if (!file) GTEST_SKIP() << "the folder of real levels is not here";
-  std::stringstream content;
-  content << file.rdbuf();
-  const std::string text = content.str();
-  const T3DLevel level(text);
-  ASSERT_EQ(level.ActorsOf(ActorFamily::Terrain).size(), 1U);
-  const TerrainRecord terrain = ReadTerrain(level, *level.ActorsOf(ActorFamily::Terrain)[0]);
-  EXPECT_EQ(terrain.TerrainMap, "08i__canyoncrusadedeluxe256");
-  EXPECT_EQ(terrain.TerrainScale, (Vector3{250, 250, 70}));
-  EXPECT_EQ(terrain.Layers[0].Texture, "WasteLand.TerrainRedDirt");
-  EXPECT_EQ(terrain.Layers[0].VScale, 8);
-  EXPECT_DOUBLE_EQ(terrain.Layers[0].WPlane.Z, 438248.593750);
-  EXPECT_EQ(terrain.QuadVisibilityBitmap.size(), 256U * 256 / 32);
 }
 
 } // namespace
