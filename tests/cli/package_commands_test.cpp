@@ -11,14 +11,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class PackageCommands : public testing::Test {
+class PackageCommands : public test::TempFolder {
  protected:
   PackageCommands() {
     Write("Castle.utx", test::MadeTextures());
     Write("Rooms.unr", test::MadeLevel());
   }
-
-  void Write(const std::string& name, const test::Blob& file) const { folder_.Write(name, file); }
 
   int Run(std::vector<std::string> arguments) {
     std::vector<const char*> argv{"quarvel"};
@@ -29,10 +27,9 @@ class PackageCommands : public testing::Test {
     return static_cast<int>(RunCommandLine(static_cast<int>(argv.size()), argv.data(), {out_, err_, false, {}}));
   }
 
-  std::string Path(const std::string& name) const { return (folder_.Path() / name).string(); }
+  std::string Path(const std::string& name) const { return (folder_ / name).string(); }
   bool Prints(std::string_view text) const { return out_.str().find(text) != std::string::npos; }
 
-  TemporaryFolder folder_;
   std::ostringstream out_, err_;
 };
 
@@ -57,17 +54,17 @@ TEST_F(PackageCommands, ExtractAllOrWhatIsNamed) {
   EXPECT_EQ(Run({"--extract", Path("all"), Path("Castle.utx")}), 0) << err_.str();
   EXPECT_TRUE(Prints("10 files written to ")) << out_.str();
   EXPECT_TRUE(Prints("Castle.Torch has no pixels: a still was made from its palette\n"));
-  const auto fence = ReadImageFile(folder_.Path() / "all/Fence.png");
+  const auto fence = ReadImageFile(folder_ / "all/Fence.png");
   ASSERT_TRUE(fence);
   EXPECT_EQ(fence.Picture->Values[3], 0) << "masked";
   EXPECT_EQ(fence.Picture->Values[7], 255);
-  EXPECT_TRUE(folder_.Read("all/Hum.wav").starts_with("RIFF"));
+  EXPECT_TRUE(Read("all/Hum.wav").starts_with("RIFF"));
 
   EXPECT_EQ(Run({"--extract", Path("some"), Path("Castle.utx"), "BRICK", "castle.walls.hum", "nothing.wrl"}), 1);
   EXPECT_EQ(err_.str(), "quarvel: Castle holds no texture or sound nothing.wrl\n");
-  EXPECT_TRUE(fs::exists(folder_.Path() / "some/Brick.png"));
-  EXPECT_TRUE(fs::exists(folder_.Path() / "some/Hum.wav"));
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path() / "some"), {}), 2);
+  EXPECT_TRUE(fs::exists(folder_ / "some/Brick.png"));
+  EXPECT_TRUE(fs::exists(folder_ / "some/Hum.wav"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_ / "some"), {}), 2);
 }
 
 TEST_F(PackageCommands, ExtractOnlyIntoTheirFolder) {
@@ -79,20 +76,20 @@ TEST_F(PackageCommands, ExtractOnlyIntoTheirFolder) {
   Write("Bad.uax", made.Build());
   EXPECT_EQ(Run({"--extract", Path("deep/in"), Path("Bad.uax")}), 1);
   EXPECT_EQ(err_.str(), "quarvel: Bad.page is no WAVE sound\n");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path() / "deep/in"), {}), 2);
-  EXPECT_EQ(std::distance(fs::recursive_directory_iterator(folder_.Path() / "deep"), {}), 3);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_ / "deep/in"), {}), 2);
+  EXPECT_EQ(std::distance(fs::recursive_directory_iterator(folder_ / "deep"), {}), 3);
 }
 
 TEST_F(PackageCommands, ConvertALevelAndKeepItsText) {
   EXPECT_EQ(Run({Path("Rooms.unr"), "--write-t3d", Path("kept.t3d")}), 0) << err_.str();
-  EXPECT_TRUE(fs::exists(folder_.Path() / "Rooms.wrl"));
+  EXPECT_TRUE(fs::exists(folder_ / "Rooms.wrl"));
   EXPECT_TRUE(Prints("1 brush, 3 faces")) << out_.str();
-  EXPECT_TRUE(folder_.Read("kept.t3d").starts_with("Begin Map\r\nBegin Actor Class=LevelInfo"));
+  EXPECT_TRUE(Read("kept.t3d").starts_with("Begin Map\r\nBegin Actor Class=LevelInfo"));
   EXPECT_EQ(Run({Path("kept.t3d"), Path("again.wrl")}), 0);
-  EXPECT_EQ(folder_.Read("again.wrl"), folder_.Read("Rooms.wrl"));
+  EXPECT_EQ(Read("again.wrl"), Read("Rooms.wrl"));
 
   EXPECT_EQ(Run({Path("Rooms.unr"), "--write-t3d", Path("Rooms.unr")}), 2);
-  EXPECT_FALSE(folder_.Read("Rooms.unr").starts_with("Begin"));
+  EXPECT_FALSE(Read("Rooms.unr").starts_with("Begin"));
   EXPECT_EQ(Run({Path("*.unr"), Path("kept.t3d"), "--write-t3d", Path("x.t3d")}), 2);
   EXPECT_EQ(Run({Path("Castle.utx"), Path("x.wrl")}), 1);
   EXPECT_EQ(err_.str(), "quarvel: " + Path("Castle.utx") + " holds no level\n");

@@ -1,9 +1,11 @@
 #include "settings/ini_store.h"
 #include "settings/settings_file.h"
 #include "tests/core/converted.h"
-#include "tests/german_locale.h"
 
+#include <clocale>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <locale>
 
 namespace quarvel {
 namespace {
@@ -27,6 +29,39 @@ bool AreSame(const test::Converted& a, const test::Converted& b) {
 TEST(SameBytes, ConvertingTwice) {
   EXPECT_TRUE(AreSame(test::Convert(sample, ManyNumbers()), test::Convert(sample, ManyNumbers())));
 }
+
+/// Everything is German as long as this lives, where numbers have a comma. A system without that locale gets it made
+/// for the test, if it has what that takes.
+class GermanLocale {
+ public:
+  GermanLocale() {
+    if (!Set() && Make()) Set();
+  }
+  ~GermanLocale() {
+    std::locale::global(std::locale::classic());
+    unsetenv("LOCPATH");
+  }
+
+  bool IsSet() const { return *std::localeconv()->decimal_point == ','; }
+
+ private:
+  static bool Set() {
+    try {
+      std::locale::global(std::locale("de_DE.UTF-8"));
+      return true;
+    } catch (const std::runtime_error&) {
+      return false;
+    }
+  }
+
+  bool Make() {
+    const std::string folder = folder_.Path().string();
+    setenv("LOCPATH", folder.c_str(), 1);
+    return std::system(("localedef -i de_DE -f UTF-8 '" + folder + "/de_DE.UTF-8' >/dev/null 2>&1").c_str()) == 0;
+  }
+
+  TemporaryFolder folder_;
+};
 
 TEST(SameBytes, UnderAGermanLocale) {
   const test::Converted before = test::Convert(sample, ManyNumbers());

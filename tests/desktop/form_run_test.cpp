@@ -20,7 +20,7 @@ class FormRun : public FormTest {
  protected:
   void SetUp() override {
     FormTest::SetUp();
-    CopySamples();
+    fs::copy(QUARVEL_SAMPLES_DIR, folder_.Path(), fs::copy_options::recursive);
     fs::create_directory(folder_.Path() / "out");
     UseSampleLibraries();
   }
@@ -40,10 +40,8 @@ class FormRun : public FormTest {
   std::map<std::string, std::string> FilesBelow(const std::string& name) const {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder_.Path() / name))
-      if (entry.is_regular_file()) {
-        const fs::path relative = fs::relative(entry.path(), folder_.Path());
-        files[fs::relative(entry.path(), folder_.Path() / name).string()] = folder_.Read(relative);
-      }
+      if (entry.is_regular_file())
+        files[entry.path().lexically_relative(folder_.Path() / name).string()] = folder_.Read(entry.path());
     return files;
   }
 

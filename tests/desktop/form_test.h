@@ -52,10 +52,6 @@ class FormTest : public testing::Test {
 
   QString Name(const std::string& file) const { return ToQString(folder_.Path() / file); }
 
-  void CopySamples() const {
-    std::filesystem::copy(QUARVEL_SAMPLES_DIR, folder_.Path(), std::filesystem::copy_options::recursive);
-  }
-
   template <typename Widget = QWidget>
   Widget* Find(const std::string& name, QObject* below = nullptr) const {
     auto* widget = (below ? below : form_.get())->findChild<Widget*>(ToQString(name));

@@ -1,4 +1,3 @@
-#include "images/bytes.h"
 #include "packages/level_export.h"
 #include "packages/package.h"
 #include "packages/properties.h"
@@ -7,6 +6,7 @@
 #include "tests/packages/made_package.h"
 #include "tests/temporary_folder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quarvel {
@@ -103,20 +103,16 @@ TEST(Package, EndsWhereGroupsLeadBack) {
 }
 
 TEST(Package, DoesNotReadObjectsThatOverlap) {
-  const Blob good = test::MadeTextures();
-  Package package = *ReadPackage(good, "Castle").Value;
-  ASSERT_TRUE(ReadTexturePicture(Find(package, "Walls.Brick")));
-  // The table's entry of the first texture: its size, made to reach over the others.
-  Blob file = good;
-  const std::size_t table = ByteView(file).U32(24);
-  ObjectReader reader(file, table, file.size());
-  for (int entry = 0; entry < 2; ++entry) {
-    reader.Index(), reader.Index(), reader.S32(), reader.Index(), reader.U32();
-    if (reader.Index() != 0) reader.Index();
-  }
-  reader.Index(), reader.Index(), reader.S32(), reader.Index(), reader.U32();
-  file[reader.At()] |= 0x3FU;
-  package = *ReadPackage(file, "Castle").Value;
+  Blob file = test::MadeTextures();
+  const Package whole = *ReadPackage(file, "Castle").Value;
+  const PackageObject brick = Find(whole, "Walls.Brick");
+  ASSERT_TRUE(ReadTexturePicture(brick));
+  const PackageExport& object = whole.Exports[brick.Export];
+  const Blob entry = test::FileBytes()
+                         .Add(test::CompactIndex(static_cast<int>(object.Size)))
+                         .Add(test::CompactIndex(static_cast<int>(object.Offset)));
+  *std::search(file.begin(), file.end(), entry.begin(), entry.end()) |= 0x3FU; // a size that reaches over others
+  const Package package = *ReadPackage(file, "Castle").Value;
   EXPECT_FALSE(ReadTexturePicture(Find(package, "Walls.Brick")));
   EXPECT_TRUE(ReadTexturePicture(Find(package, "Walls.Fence")));
 }
@@ -207,36 +203,31 @@ TEST(DamagedTextures, SayWhatIsWrong) {
   const ObjectRef few = made.Export("Palette", "Few", ObjectBytes(made).None().Index(2).Add({1, 2, 3, 0, 4, 5, 6, 0}));
   const ObjectRef none = made.Export("Palette", "None", ObjectBytes(made).None().Index(0));
   const auto texture = [&] { return ObjectBytes(made).Object("Palette", palette); };
-  const auto add = [&](std::string_view name, const Blob& data) { made.Export("Texture", name, data); };
-  add("Short", texture().None().Index(1).Mip({1, 2, 3}, 2, 2));
-  add("Huge", texture().None().Index(1).Mip({1}, 0x7FFFFFFF, 1));
-  add("Odd", texture().Byte("Format", 77).None().Index(1).Mip({1}, 1, 1));
-  add("Long", texture().None().Index(1).U32(0).Index(1000));
-  add("Many", texture().None().Index(1 << 27));
-  add("Empty", texture().None().Index(0));
-  add("Bare", ObjectBytes(made).None().Index(1).Mip({1}, 1, 1));
-  add("Open", texture());
-  add("Nameless", texture().Index(999).U8(1).U8(0).None().Index(1).Mip({1}, 1, 1));
-  add("Unpainted", ObjectBytes(made).Object("Palette", none).None().Index(1).Mip({1}, 1, 1));
-  add("Painted", ObjectBytes(made).Object("Palette", few).None().Index(1).Mip({1, 2}, 2, 1));
+  const std::vector<std::pair<Blob, const char*>> cases{
+      {texture().None().Index(1).Mip({1, 2, 3}, 2, 2), "it has too few pixels"},
+      {texture().None().Index(1).Mip({1}, 0x7FFFFFFF, 1), "its size is not believable"},
+      {texture().Byte("Format", 77).None().Index(1).Mip({1}, 1, 1), "its pixel format 77 is not known"},
+      {texture().None().Index(1).U32(0).Index(1000), "its pixels reach beyond it"},
+      {texture().None().Index(1 << 27), "its pixels reach beyond it"},
+      {texture().None().Index(0), "it has no pixels"},
+      {ObjectBytes(made).None().Index(1).Mip({1}, 1, 1), "it has no palette"},
+      {ObjectBytes(made).Object("Palette", none).None().Index(1).Mip({1}, 1, 1), "its palette is damaged"},
+      {texture(), "its properties are damaged"},
+      {texture().Index(999).U8(1).U8(0).None().Index(1).Mip({1}, 1, 1), "its properties are damaged"},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i)
+    made.Export("Texture", "Case" + std::to_string(i), cases[i].first);
+  made.Export("Texture", "Painted", ObjectBytes(made).Object("Palette", few).None().Index(1).Mip({1, 2}, 2, 1));
   const ObjectRef loop = made.Export("IceTexture", "Loop");
   made.SetData(loop, texture().Object("SourceTexture", loop).None().Index(0));
   const Blob file = made.Build();
   const Package package = *ReadPackage(file, "Bad").Value;
-  const auto error = [&](std::string_view name) { return ReadTexturePicture(Find(package, name)).Error; };
-  EXPECT_EQ(error("Short"), "it has too few pixels");
-  EXPECT_EQ(error("Huge"), "its size is not believable");
-  EXPECT_EQ(error("Odd"), "its pixel format 77 is not known");
-  EXPECT_EQ(error("Long"), "its pixels reach beyond it");
-  EXPECT_EQ(error("Many"), "its pixels reach beyond it");
-  EXPECT_EQ(error("Empty"), "it has no pixels");
-  EXPECT_EQ(error("Bare"), "it has no palette");
-  EXPECT_EQ(error("Open"), "its properties are damaged");
-  EXPECT_EQ(error("Nameless"), "its properties are damaged");
-  EXPECT_EQ(error("Unpainted"), "its palette is damaged");
+  const auto error = [&](const std::string& name) { return ReadTexturePicture(Find(package, name)).Error; };
+  for (std::size_t i = 0; i < cases.size(); ++i)
+    EXPECT_EQ(error("Case" + std::to_string(i)), cases[i].second);
+  EXPECT_EQ(error("Loop"), "the textures that it shows lead back to itself");
   EXPECT_EQ(Pixels(package, "Painted", Transparency::Kept), (std::vector<Rgba>{{4, 5, 6, 255}, {0, 0, 0, 255}}))
       << "a colour that the palette does not have";
-  EXPECT_EQ(error("Loop"), "the textures that it shows lead back to itself");
 }
 
 } // namespace

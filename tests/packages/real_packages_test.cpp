@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sstream>
 
 namespace quarvel {
@@ -26,19 +25,13 @@ class RealPackages : public testing::Test {
     return std::move(*result.Value);
   }
 
-  static std::string ReadText(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-
-  static constexpr const char* names_[] = {"Checkers.utx", "BuildingGraphics.utx", "ConstructorTex.utx", "sgMedia.u",
-                                           "LightPuzzle.unr"};
   const fs::path folder_ = QUARVEL_PACKAGES_DIR;
 };
 
 TEST_F(RealPackages, HaveATextureOrSoundInEachObjectOfThese) {
   int textures = 0, sounds = 0;
-  for (const std::string name : names_) {
+  for (const std::string name :
+       {"Checkers.utx", "BuildingGraphics.utx", "ConstructorTex.utx", "sgMedia.u", "LightPuzzle.unr"}) {
     const Package package = Open(name);
     for (std::size_t i = 0; i < package.Exports.size(); ++i) {
       EXPECT_TRUE(package.Exports[i].Intact) << name << " " << i;
@@ -58,9 +51,8 @@ TEST_F(RealPackages, HaveATextureOrSoundInEachObjectOfThese) {
 }
 
 /// The lines of a text that tell actors, in their order, and the shapes of brushes.
-std::vector<std::string> PlacementLines(const std::string& text) {
+std::vector<std::string> PlacementLines(std::istream&& in) {
   std::vector<std::string> lines;
-  std::istringstream in(text);
   for (std::string line; std::getline(in, line);)
     for (const std::string_view key : {"Begin Actor", "  Origin ", "  Normal ", "  TextureU ", "  TextureV ",
                                        "  Vertex ", "  Pan ", " Location=", " Rotation=", "Scale=", "CsgOper="})
@@ -72,9 +64,9 @@ TEST_F(RealPackages, HaveTheLevelThatTheEditorShows) {
   const ExportedLevel level = ExportLevel(Open("LightPuzzle.unr"));
   EXPECT_EQ(level.Error, "");
   EXPECT_TRUE(level.Faults.empty());
-  const auto lines = PlacementLines(level.Text);
+  const auto lines = PlacementLines(std::istringstream(level.Text));
   EXPECT_GT(lines.size(), 2000U);
-  EXPECT_EQ(lines, PlacementLines(ReadText(folder_ / "LightPuzzle.t3d")));
+  EXPECT_EQ(lines, PlacementLines(std::ifstream(folder_ / "LightPuzzle.t3d", std::ios::binary)));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "t3d/level.h"
 #include "t3d/text_reader.h"
-#include "tests/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -138,16 +137,6 @@ TEST(TextReader, CutsLinesWordsAndTokens) {
   std::string target = "kept";
   EXPECT_FALSE(TryGetBetween("f(a", "(", ")", target));
   EXPECT_EQ(target, "kept");
-}
-
-TEST(TextReader, ReadsFilesAsTheyStand) {
-  const TemporaryFolder folder;
-  std::string text = "a\r\nb\xe4\n" + std::string(1200000, 'x') + '\0' + "end";
-  folder.Write("level.t3d", text);
-  RunInterface user;
-  EXPECT_EQ(ReadWholeFile(folder.Path() / "level.t3d", user), text);
-  EXPECT_FALSE(ReadWholeFile(folder.Path() / "none.t3d", user));
-  EXPECT_FALSE(ReadWholeFile(folder.Path(), user));
 }
 
 TEST(T3DLevel, FindsTheWholeActorsOfAClassOrFamily) {
