@@ -246,7 +246,7 @@ ExitCode ConvertAll(const CommandLine& line, const std::vector<ConversionJob>& j
   const std::vector<RunResult> results = RunBatch(jobs, settings, store, memory, user, events, convert);
   if (jobs.size() > 1 && !line.Quiet) console.Out << BatchSummary(results, jobs.size()) << std::endl;
   if (!line.WriteT3D.empty())
-    if (const std::string error = KeepText(line.WriteT3D, jobs.front(), memory); !error.empty())
+    if (const std::string error = KeepText(line.WriteT3D, memory); !error.empty())
       return Complain(console, error, ExitCode::Failed);
   if (line.Open) OpenPages(results, console);
   const ExitCode code = ExitCodeOf(WorstOutcome(results));

@@ -42,13 +42,9 @@ ExitCode RunExtraction(const CommandLine& line, const Console& console) {
   return result.Errors.empty() ? ExitCode::Done : ExitCode::Failed;
 }
 
-std::string KeepText(const std::string& file, const ConversionJob& job, const RunMemory& memory) {
+std::string KeepText(const std::string& file, const RunMemory& memory) {
   if (memory.T3DText.empty()) return {}; // why, the run has told
-  const fs::path path = PathOfUserText(file);
-  std::error_code error;
-  if (fs::equivalent(path, job.InFile, error) || AbsolutePath(path) == AbsolutePath(job.OutFile))
-    return file + " is not written: the run reads or writes it already";
-  const std::string why = WriteWholeFile(path, memory.T3DText, AtLink::Follow);
+  const std::string why = WriteWholeFile(PathOfUserText(file), memory.T3DText, AtLink::Follow);
   return why.empty() ? why : file + " cannot be written: " + why;
 }
 

@@ -13,6 +13,6 @@ ExitCode RunListPackage(const std::string& file, const Console& console);
 ExitCode RunExtraction(const CommandLine& line, const Console& console);
 
 /// Writes the text of the level that was read last. Returns what is wrong, or an empty string.
-std::string KeepText(const std::string& file, const ConversionJob& job, const RunMemory& memory);
+std::string KeepText(const std::string& file, const RunMemory& memory);
 
 } // namespace quarvel

@@ -141,6 +141,7 @@ TEST_F(CommandLineTest, ExitsWithTheWorstOfABatch) {
   EXPECT_EQ(Run({"none/*.t3d"}), 1);
   EXPECT_TRUE(Complains("no file matches none/*.t3d")) << err_.str();
   EXPECT_EQ(Run({"bad.t3d", "stop.t3d", "b.t3d"}), 3);
+  EXPECT_EQ(err_.str(), "quarvel: cannot read bad.t3d\nquarvel: stopped; stop.t3d is not converted\n");
   EXPECT_EQ(converted_.back(), "stop.t3d > stop.wrl");
 }
 

@@ -64,7 +64,10 @@ TEST(Bmp, RunLengthCodeIsReadAndBounded) {
   EXPECT_EQ(PixelsOf(withCode(8, {255, 1, 0, 0, 255, 0, 0, 0, 9, 9}), "bmp"),
             (std::vector<Rgba>{Red, Red, Green, Green}))
       << "a run past the end of its row";
-  EXPECT_TRUE(PixelsOf(withCode(8, {1, 2}), "bmp").empty()) << "truncated";
+  EXPECT_EQ(PixelsOf(withCode(8, {1, 2, 0, 2, 1, 0, 1, 1, 0, 1}, 4), "bmp"), (std::vector<Rgba>{Blue, Red, Green, Red}))
+      << "pixels passed over";
+  for (const Blob& cut : {Blob{1, 2}, Blob{0, 4, 1}})
+    EXPECT_TRUE(PixelsOf(withCode(8, cut), "bmp").empty()) << "truncated";
 }
 
 TEST(Tga, IsReadPlainAndRunLengthEncoded) {
@@ -80,7 +83,7 @@ TEST(Tga, IsReadPlainAndRunLengthEncoded) {
             (std::vector<Rgba>{{255, 0, 0, 9}, {0, 255, 0, 0}}))
       << "alpha that the header does not count";
   EXPECT_EQ(PixelsOf(MadeTga(2, 2, 1, 16, 1, {0, 0xFC, 0xE0, 3}), "tga"), (std::vector<Rgba>{Red, {0, 255, 0, 0}}));
-  for (const Blob& cut : {Blob{0x81, 0, 0, 255, 0x01, 0}, Blob{0x83, 0}})
+  for (const Blob& cut : {Blob{0x81, 0, 0, 255, 0x01, 0}, Blob{0x83, 0}, Blob{0x81, 0, 0, 255}})
     EXPECT_TRUE(PixelsOf(MadeTga(10, 4, 1, 24, 0, cut), "tga").empty()) << "truncated";
 }
 
@@ -112,9 +115,9 @@ TEST(Dds, BlocksAreDecoded) {
   const Blob swapped{0x1F, 0x00, 0x00, 0xF8, 0xE4, 0, 0, 0};
   EXPECT_EQ(firstRow(PixelsOf(MadeDds(4, 4, "DXT1", swapped), "dds")),
             (std::vector<Rgba>{Blue, Red, {127, 0, 127, 255}, Clear}));
-  const Blob alpha3 = FileBytes().Fill(8, 0xF0).Add(colors);
+  const Blob alpha3 = FileBytes().U8(0xF0).U8(0x5A).Fill(6).Add(colors);
   EXPECT_EQ(firstRow(PixelsOf(MadeDds(4, 4, "DXT3", alpha3), "dds")),
-            (std::vector<Rgba>{{255, 0, 0, 0}, Blue, {170, 0, 85, 0}, {85, 0, 170, 255}}));
+            (std::vector<Rgba>{{255, 0, 0, 0}, Blue, {170, 0, 85, 170}, {85, 0, 170, 85}}));
   const Blob alpha5 = FileBytes().U8(200).U8(60).U8(0x88).U8(0x0E).Fill(4).Add(colors); // picks 0, 1, 2, 7
   EXPECT_EQ(firstRow(PixelsOf(MadeDds(4, 4, "DXT5", alpha5), "dds")),
             (std::vector<Rgba>{{255, 0, 0, 200}, {0, 0, 255, 60}, {170, 0, 85, 180}, {85, 0, 170, 80}}));

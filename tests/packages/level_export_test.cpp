@@ -60,6 +60,7 @@ Begin Actor Class=Dispatcher Name=Dispatcher0
      OutEvents(7)="Last"
      Wait=0.100000
      bHidden=False
+     LightType=99
      Texture=None
      DistanceFogColor=(R=0,G=128,B=9)
      Edge=(X=1.000000,Y=2.000000,Z=3.000000,W=4.000000)

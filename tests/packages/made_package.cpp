@@ -110,6 +110,7 @@ Blob MadeLevel(int version) {
                                                   .NameOf("OutEvents", "Last", 7)
                                                   .Float("Wait", 0.1F)
                                                   .Bool("bHidden", false)
+                                                  .Byte("LightType", 99)
                                                   .Object("Texture", 0)
                                                   .Struct("DistanceFogColor", "Color", {0, 128, 9, 0})
                                                   .Struct("Unknown", "Mystery", {1, 2, 3})

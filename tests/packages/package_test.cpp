@@ -121,7 +121,7 @@ TEST(Properties, AreReadInAllTheirForms) {
   MadePackage made;
   const Blob wideText = [] {
     test::FileBytes bytes;
-    bytes.Add(test::CompactIndex(-3)).U16('h').U16(0xE9).U16(0);
+    bytes.Add(test::CompactIndex(-4)).U16('h').U16(0xE9).U16(0x20AC).U16(0);
     return Blob(bytes);
   }();
   ObjectBytes object(made);
@@ -145,7 +145,7 @@ TEST(Properties, AreReadInAllTheirForms) {
   EXPECT_EQ(IntOr(*properties, "Kind", 0), 200);
   EXPECT_EQ(StringValue(*FindProperty(*properties, "Title")), "Hall");
   EXPECT_EQ(reader.U32(), 77U) << "behind None";
-  EXPECT_EQ(StringValue({"Title", PropertyType::String, {}, 0, false, wideText}), "h\xC3\xA9");
+  EXPECT_EQ(StringValue({"Title", PropertyType::String, {}, 0, false, wideText}), "h\xC3\xA9\xE2\x82\xAC");
 }
 
 TEST(CompactIndex, GoesThereAndBack) {
@@ -217,7 +217,10 @@ TEST(DamagedTextures, SayWhatIsWrong) {
   };
   for (std::size_t i = 0; i < cases.size(); ++i)
     made.Export("Texture", "Case" + std::to_string(i), cases[i].first);
-  made.Export("Texture", "Painted", ObjectBytes(made).Object("Palette", few).None().Index(1).Mip({1, 2}, 2, 1));
+  const ObjectRef painted =
+      made.Export("Texture", "Painted",
+                  ObjectBytes(made).Object("Palette", few).Bool("bMasked", true).None().Index(1).Mip({1, 2}, 2, 1));
+  made.Export("IceTexture", "Veil", texture().Object("SourceTexture", painted).None().Index(0));
   const ObjectRef loop = made.Export("IceTexture", "Loop");
   made.SetData(loop, texture().Object("SourceTexture", loop).None().Index(0));
   const Blob file = made.Build();
@@ -228,6 +231,7 @@ TEST(DamagedTextures, SayWhatIsWrong) {
   EXPECT_EQ(error("Loop"), "the textures that it shows lead back to itself");
   EXPECT_EQ(Pixels(package, "Painted", Transparency::Kept), (std::vector<Rgba>{{4, 5, 6, 255}, {0, 0, 0, 255}}))
       << "a colour that the palette does not have";
+  EXPECT_TRUE(ReadTexturePicture(Find(package, "Veil")).Masked) << "as what it shows";
 }
 
 } // namespace

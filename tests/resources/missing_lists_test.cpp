@@ -38,6 +38,7 @@ TEST(PreloadScript, PrefixesRelativeUrlsAndStaysValidWithinAPage) {
   EXPECT_NE(script.find("\"http://example.org/x.png\"\n"), std::string::npos);
   EXPECT_EQ(script.find("</"), std::string::npos);
   EXPECT_NE(MakePreloadScript({}, "").find("var urls = [];"), std::string::npos);
+  EXPECT_NE(MakePreloadScript({"\"<\x01\\&"}, "").find("\"\\u0022\\u003c\\u0001\\u005c\\u0026\""), std::string::npos);
 }
 
 } // namespace

@@ -23,6 +23,9 @@ TEST_F(ResourceFilesTest, ATextureIsFoundWhateverItsCaseAndForm) {
     EXPECT_EQ(texture.Url, "BRICK.PNG");
   }
   EXPECT_EQ(Output(), Names{"BRICK.PNG"});
+  fs::rename(folder_ / "out/BRICK.PNG", folder_ / "out/Brick.png");
+  EXPECT_EQ(Run().FindTexture("Brick", TextureUse::Ordinary).Url, "BRICK.PNG");
+  EXPECT_EQ(Output(), Names{"BRICK.PNG"}) << "a copy has the letter case by which the scene calls it";
   EXPECT_EQ(files.FilesCopied(), 1);
   EXPECT_EQ(files.UsedTextureUrls(), Names{"BRICK.PNG"});
   EXPECT_TRUE(files.Missing()[ResourceKind::Texture].empty());
@@ -142,7 +145,7 @@ TEST_F(ResourceFilesTest, ALibraryInTheScenesFolderIsNeverOverwrittenAndASecondR
   settings_.TextSearchPathTxt = (folder_ / "out").string();
   settings_.ListMaskedBMtypeOut = "bmp";
   Write("out/GRATE.BMP", PaletteBmp());
-  Write("out/Pack/wall.tga", MadeTga(2, 2, 1, 32, 8, {1, 2, 3, 0, 4, 5, 6, 255}));
+  Write("out/Pack/wall.tga", MadeTga(2, 2, 1, 32, 0, {1, 2, 3, 0, 4, 5, 6, 255}));
   const auto convert = [&](int& copied) {
     ResourceFiles files = Run();
     Names urls;
@@ -368,8 +371,14 @@ TEST_F(ResourceFilesTest, SoundsAtTheDestinationAreKeptAndOthersFetched) {
   EXPECT_EQ(files.Missing()[ResourceKind::Sound], Names{(folder_ / "out/no such.wav").string()});
   EXPECT_EQ(Output(), (Names{"Fire.wav", "hum60.wav"}));
   settings_.SoundDest.DestOverwrite = true;
+  Write("out/own.wav", "mine");
+  EXPECT_TRUE(Run().FindSound("own.wav").Found) << "nothing to overwrite it with";
   EXPECT_EQ(Run().FindSound("hum60.wav").Url, "hum60.wav");
   EXPECT_EQ(Read("out/hum60.wav"), "library");
+  settings_.SoundDest.DestDoCopy = false;
+  ResourceFiles inLibrary = Run();
+  EXPECT_TRUE(inLibrary.FindSound("hum60.wav").Found);
+  EXPECT_EQ(inLibrary.FindSound("hum60.wav").Url, "../lib/Looping/hum60.wav");
 }
 
 TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverTheSceneItself) {
@@ -397,6 +406,8 @@ TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverThe
   ResourceFiles onlyX3d = Run();
   EXPECT_FALSE(onlyX3d.FindMesh("Crate-", true).Wrl.Found);
   EXPECT_TRUE(onlyX3d.FindMesh("Crate-", true).X3d.Found);
+  settings_.CheckInlineX3D = false;
+  EXPECT_FALSE(Run().FindMesh("Crate-", true).Found());
 }
 
 TEST_F(ResourceFilesTest, FilesThatNameEachOtherGoBesideTheScene) {
