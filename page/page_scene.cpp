@@ -86,7 +86,7 @@ pugi::xml_node FindElement(pugi::xml_node parent, const char* name) {
 std::optional<fs::path> FindBelow(std::string_view url, const fs::path& folder) {
   const std::string path = DecodeUrl(url);
   const fs::path relative = PathOfUtf8(path);
-  if (path.empty() || path.find_first_of(":\\?#") != path.npos || relative.is_absolute()) return std::nullopt;
+  if (path.find_first_of(":\\?#") != path.npos || relative.is_absolute()) return std::nullopt;
   std::error_code error;
   const fs::path root = fs::weakly_canonical(folder, error);
   const fs::path file = fs::weakly_canonical(root / relative, error);

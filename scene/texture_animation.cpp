@@ -54,8 +54,9 @@ CommonCycle FindCommonCycle(double slow, double fast) {
 
 /// `u` and `v` are in textures a second.
 TextureMovement LineMovement(double u, double v) {
-  if (!std::isfinite(u) || std::fabs(u) * maxRatio < std::fabs(v)) u = 0;
+  if (!std::isfinite(u)) u = 0;
   if (!std::isfinite(v) || std::fabs(v) * maxRatio < std::fabs(u)) v = 0;
+  if (std::fabs(u) * maxRatio < std::fabs(v)) u = 0;
   const double slow = std::min(std::fabs(u), std::fabs(v)), fast = std::max(std::fabs(u), std::fabs(v));
   if (fast == 0) return {};
   const CommonCycle cycle = slow == 0 ? CommonCycle() : FindCommonCycle(slow, fast);

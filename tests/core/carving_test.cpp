@@ -121,10 +121,14 @@ TEST(Carving, GivesTheSkyWhatLiesInItsRoom) {
   const auto around = [&](const std::string& keys) {
     return BoxActor("Around", test::AddBox({4500, 4500, 4500}, {5500, 5500, 5500}), add + keys);
   };
+  CsgBrush gap = test::SubtractBox({4500, 4500, 4500}, {5500, 5500, 5500});
+  gap.Polygons.pop_back();
   const std::pair<std::string, std::string> cases[] = {
       {"", "SkyRoom Hill "},
       {around(" PolyFlags=8"), "SkyRoom Hill Around "},
       {around(""), ""}, // the zone stands in the rock
+      {BoxActor("Gap", gap, " CsgOper=CSG_Subtract"), "SkyRoom Hill Gap "},
+      {BoxActor("Out", test::AddBox({3000, 4500, 4500}, {4500, 4900, 4900}), add), "SkyRoom Hill "},
       {test::Actor("PlayerStart Name=P", world + " Location=(X=5000,Y=5000,Z=5500)"), ""}, // it is more than a sky
       {test::Actor("PlayerStart Name=P", world + " Location=(X=7000,Y=5000,Z=5500)"), "SkyRoom Hill "},
   };

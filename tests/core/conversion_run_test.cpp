@@ -212,6 +212,10 @@ TEST(ConversionRun, ReportsFilesThatCannotBeReadOrWritten) {
   fs::create_symlink("/dev/full", folder.Path() / "full.wrl");
   memory.TypedOutput = folder.Path() / "full.wrl";
   EXPECT_TRUE(Holds(convert("a.t3d", "full.wrl").Error, "full.wrl cannot be written: No space left on device"));
+  fs::create_directories(folder.Path() / "levelMissingTextures.txt");
+  const std::string lost = test::TriangleActor("Brush Name=A", " CsgOper=CSG_Add", 1, "Texture=none1");
+  const std::string error = ConvertIn(folder, lost).Result.Error;
+  EXPECT_TRUE(Holds(error, "levelMissingTextures.txt cannot be written")) << error;
 }
 
 TEST(ConversionRun, TellsOnceOfNumbersThatNoLevelHasAndOfPolygonsThatAreNone) {
@@ -265,7 +269,11 @@ TEST(ConversionRun, WritesThePageBesideTheScenesOrAlone) {
   EXPECT_TRUE(fs::exists(both.Path() / "level.x3d"));
   EXPECT_FALSE(fs::exists(both.Path() / "brick.png")) << "the page needs no copies beside it";
   settings.CheckPageOnly = true;
+  const fs::path before = fs::current_path();
+  fs::current_path(alone.Path());
   const RunResult only = ConvertIn(alone, golden, settings).Result;
+  fs::current_path(before);
+  EXPECT_EQ(std::distance(fs::directory_iterator(alone.Path()), {}), 3) << "nothing but the level, its page and a list";
   EXPECT_EQ(only.FilesWritten,
             (std::vector<fs::path>{alone.Path() / "level.html", alone.Path() / "levelMissingTextures.txt"}));
   EXPECT_FALSE(fs::exists(alone.Path() / "level.x3d"));

@@ -123,6 +123,7 @@ Anchor { url "http://x/" children [] }
 Background { backUrl "a.png" }
 PROTO Q [ field MFString url [] ] { Inline { url IS url } }
 DEF T Transform { translation 1 2 3 }
+LoadSensor { timeOut 5 }
 ROUTE S.b TO T.c
 ROUTE T.b TO S.c
 ROUTE T.b TO T.c
@@ -138,11 +139,12 @@ Anchor { url [ ] children [] }
 Background { backUrl "page-1.png" }
 PROTO Q [ field MFString url [ ] ] { Inline { url IS url } }
 DEF T Transform { translation 1 2 3 }
+Group { }
 
 
 ROUTE T.b TO T.c
 )");
-  EXPECT_EQ(filtered.Dropped, (std::set<std::string>{"P", "Script"}));
+  EXPECT_EQ(filtered.Dropped, (std::set<std::string>{"LoadSensor", "P", "Script"}));
   for (const char* cut : {"Script {", "Script", "EXTERNPROTO", "EXTERNPROTO P [", "url [", "url \"", "ROUTE a", "DEF"})
     EXPECT_NO_THROW(FilterVrml(cut, rename)) << cut;
 }

@@ -74,12 +74,16 @@ TEST_F(NodeWriter, WritesRoutesWhereBothTheirNodesStand) {
   writer_.WriteReadyRoutes();
   writer_.WriteReadyRoutes();
   EXPECT_EQ(writer_.SceneText(), "ROUTE A.time TO B.set_time\r\nROUTE B.inside TO A.y\r\n");
+  {
+    const SceneNode last = writer_.Open("", "Group");
+    AddRoute(writer_, "B", "late", "A", "y", SceneScope::Text);
+  }
   writer_.FinishRoutes(report_);
-  EXPECT_EQ(Document(), "<Group/>\r\n"
+  EXPECT_EQ(Document(), "<Group/>\r\n<Group/>\r\n"
                         "<ROUTE fromNode='A' fromField='time' toNode='B' toField='set_time'/>\r\n"
                         "<ROUTE fromNode='A' fromField='time' toNode='B' toField='later'/>\r\n"
                         "<ROUTE fromNode='B' fromField='inside' toNode='A' toField='y'/>\r\n");
-  ASSERT_EQ(report_.Findings().size(), 2U);
+  ASSERT_EQ(report_.Findings().size(), 3U);
   EXPECT_NE(report_.Findings()[0].Reason.find("Never"), std::string::npos);
 }
 

@@ -26,6 +26,7 @@ TEST(TextureMovement, PansThirtyFiveTexelsASecond) {
       {TextureMotion::PanU, 70, 70, {-1, 1}, 2, {-1, 0}},
       {TextureMotion::PanU, 0, 0, {1, 1}, 256.0 / 35, {1, 0}},
       {TextureMotion::PanUV, 70, 70, {INFINITY, 2}, 1, {0, -1}},
+      {TextureMotion::PanUV, 70, 70, {2, INFINITY}, 1, {1, 0}},
       {TextureMotion::PanU, 64, 64, {INFINITY, 1}, 0, {}},
       {TextureMotion::PanU, 64, 64, {0, 1}, 0, {}},
       {TextureMotion::PanUV, 64, 64, {0, 0}, 0, {}},
