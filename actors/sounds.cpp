@@ -41,8 +41,7 @@ void WriteDistances(SceneNode& sound, double radius) {
 
 void WriteStartTime(SceneNode& clip, const SoundSource& sound) {
   const bool startedTwice = sound.StartedElsewhere && sound.InitiallyOn;
-  if (startedTwice || sound.Loop) clip.TextField("   startTime", "1");
-  if (startedTwice || sound.Loop || !sound.StartedElsewhere) clip.Attribute("startTime", "1");
+  if (startedTwice || sound.Loop) clip.Field("   startTime", "1");
   if (sound.WaitsForTrigger) clip.Field("   stopTime", "2");
 }
 

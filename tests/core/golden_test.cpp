@@ -391,7 +391,8 @@ TEST_P(Golden, PagesStayAsTheyAre) {
   if (Name() != "first") return;
   settings_.TextViewer = WriteViewer(library_).string();
   const TemporaryFolder folder;
-  MakeIn(folder, "CheckMakePage=1 OptionFlux=-1 CheckEnclose=1 CheckAppendDash=1");
+  fs::copy_file(QUARVEL_SAMPLES_DIR "/textures/flame.png", library_.Path() / "Harbour.Windows.glass.png");
+  MakeIn(folder, "CheckMakePage=1 OptionFlux=-1 CheckEnclose=1 CheckAppendDash=1 TextureUEd3Behavior=1");
   ExpectKept(Name() + ".html.txt", PageText(folder.Read("level.html")));
 }
 

@@ -30,6 +30,7 @@ TEST(SkyScene, LeaveTheSkyWhereItIsRatherThanOverwriteTheLevel) {
     test::SetOptions("CheckSkyZone=1 " + std::string(options), settings);
     const test::Converted converted = test::Convert(LevelWithSky(sky), settings);
     EXPECT_EQ(converted.Result.FilesWritten.size(), 2U) << sky;
+    ASSERT_FALSE(converted.Result.Findings.Findings().empty()) << sky;
     EXPECT_EQ(converted.Result.Findings.Findings().front().Code, FindingCode::SkyStaysInScene);
     EXPECT_TRUE(Holds(converted.Text, "DEF Cloud Transform")) << sky;
   }
