@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
+#include <set>
 #include <stdexcept>
 
 namespace quarvel {
@@ -46,6 +48,47 @@ Vector3 AmbienceOf(const ZoneBlock& zone) {
 Vector3 AmbienceOf(const SceneRun& run) {
   if (run.Part.Kept != ScenePart::Kind::Sky) return AmbienceOf(LevelInfoOf(run.Level).Zone);
   return AmbienceOf(ReadSkyZone(run.Level, *run.Level.ActorsOf(ActorFamily::SkyZone).front()).Zone);
+}
+
+/// The ambient light of zones by the names of their actors.
+class ZoneAmbience {
+ public:
+  ZoneAmbience(const T3DLevel& level, const Vector3& everywhere) : level_(level), everywhere_(everywhere) {
+    for (const ActorBlock& actor : level.Actors)
+      if (actor.IsComplete()) actorOf_.emplace(ReadRegion(level, actor).Header.Name, &actor);
+  }
+
+  Vector3 Of(const std::string& zone) const {
+    const auto found = actorOf_.find(zone);
+    const bool isLevel = found == actorOf_.end() || IsOfFamily(found->second->Class, ActorFamily::Level);
+    return isLevel ? everywhere_ : AmbienceOf(ReadZone(level_, *found->second).Zone);
+  }
+
+ private:
+  const T3DLevel& level_;
+  Vector3 everywhere_;
+  std::map<std::string, const ActorBlock*> actorOf_;
+};
+
+/// The places of actors, with the light of their zones; none when that is the same for all. A brush has its pivot
+/// anywhere, and says nothing. `zones` becomes the number of those with a light of their own.
+std::vector<ZoneSeed> ZonesOf(const SceneRun& run, const Vector3& everywhere, std::size_t& zones) {
+  std::vector<ZoneSeed> seeds;
+  std::set<std::string> own;
+  if (run.Part.Kept == ScenePart::Kind::Sky) return seeds;
+  const ZoneAmbience ambience(run.Level, everywhere);
+  for (const ActorBlock& actor : run.Level.Actors) {
+    if (!actor.IsComplete() || IsOfFamily(actor.Class, ActorFamily::Brush)) continue;
+    if (IsOfFamily(actor.Class, ActorFamily::Mover)) continue;
+    const RegionRecord region = ReadRegion(run.Level, actor);
+    const std::string& zone = actor.Class.ends_with("ZoneInfo") ? region.Header.Name : region.Zone;
+    if (zone.empty()) continue;
+    seeds.push_back({region.Location, ambience.Of(zone)});
+    if (seeds.back().Ambient != everywhere) own.insert(zone);
+  }
+  zones = own.size();
+  if (own.empty()) seeds.clear();
+  return seeds;
 }
 
 BakedLight BakeWithProgress(SceneRun& run, const LevelLight& light) {
@@ -114,8 +157,10 @@ ConversionSettings SettingsForLight(const ConversionSettings& settings, const T3
 void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<LitSurface> lit, SolidMatter matter) {
   run.Context.User.ShowPass("Baking light");
   const auto start = std::chrono::steady_clock::now();
-  run.Light =
-      std::make_unique<LevelLight>(std::move(lit), LampsOf(run.Part, run.Level), AmbienceOf(run), std::move(matter));
+  const Vector3 ambience = AmbienceOf(run);
+  std::vector<ZoneSeed> seeds = ZonesOf(run, ambience, run.Totals.Light.Zones);
+  run.Light = std::make_unique<LevelLight>(std::move(lit), LampsOf(run.Part, run.Level), ambience, std::move(matter),
+                                           std::move(seeds));
   const BakedLight baked = BakeToBeSeen(run, *run.Light);
   run.Context.Materials.SetLightPages(WritePages(run, baked.Pages));
   run.Context.Light = run.Light.get();

@@ -10,6 +10,7 @@ namespace quarvel {
 /// What was baked into light maps.
 struct BakedLightSummary {
   std::size_t Lamps = 0;
+  std::size_t Zones = 0; ///< that have an ambient light of their own, where it matters
   std::uint64_t Texels = 0;
   std::size_t Pages = 0;
   double Seconds = 0;

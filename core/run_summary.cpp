@@ -98,6 +98,7 @@ std::string ContentText(const RunResult& result) {
 
 std::string LightText(const BakedLightSummary& light) {
   return "light of " + CountText(light.Lamps, "lamp", "lamps") +
+         (light.Zones > 0 ? " and " + CountText(light.Zones, "zone", "zones") : "") +
          " baked: " + CountText(light.Texels, "texel", "texels") + " on " + CountText(light.Pages, "page", "pages") +
          " in " + SecondsText(light.Seconds);
 }

@@ -43,6 +43,13 @@ class ChartLighter {
       if (lamp.SpecialLit == surface.SpecialLit && MayReach(lamp, chart)) lamps_.push_back(&lamp);
   }
 
+  /// Gives each texel the ambient light of its own zone, or what is everywhere.
+  void TellZonesApart(const ZoneLight& zones, const Vector3& everywhere) {
+    ZoneLight::Search search = zones.Around(samples_.PlaceOf(texels_.size() / 2));
+    for (std::size_t i = 0; i < texels_.size(); ++i)
+      if (samples_.HasEye(i)) texels_[i] = zones.At(samples_.EyeOf(i), normal_, search).value_or(everywhere);
+  }
+
   LitTexels Run(Image& page) {
     for (const Lamp* lamp : lamps_)
       AddLamp(*lamp);
@@ -142,9 +149,15 @@ class ChartLighter {
 } // namespace
 
 LitTexels LightChart(const Chart& chart, std::span<const LitSurface> surfaces, std::span<const Lamp> lamps,
-                     const ShadowScene& shadows, Image& page) {
-  const LitSurface& surface = surfaces[static_cast<std::size_t>(chart.Pieces.front().Surface)];
-  return ChartLighter(chart, surface, lamps, shadows).Run(page);
+                     const ShadowScene& shadows, const ZoneLight* zones, Image& page) {
+  const auto surfaceOf = [&](const ChartPiece& piece) -> const LitSurface& {
+    return surfaces[static_cast<std::size_t>(piece.Surface)];
+  };
+  ChartLighter lighter(chart, surfaceOf(chart.Pieces.front()), lamps, shadows);
+  if (zones && std::any_of(chart.Pieces.begin(), chart.Pieces.end(),
+                           [&](const ChartPiece& piece) { return surfaceOf(piece).HasZones; }))
+    lighter.TellZonesApart(*zones, zones->Everywhere());
+  return lighter.Run(page);
 }
 
 } // namespace quarvel

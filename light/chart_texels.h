@@ -2,6 +2,7 @@
 
 #include "images/image.h"
 #include "light/charts.h"
+#include "light/zone_light.h"
 
 #include <cstdint>
 #include <span>
@@ -17,6 +18,6 @@ struct LitTexels {
 /// Computes the light of the chart's texels and puts it onto its page. Texels without light of their own are left as
 /// they are, or take their nearest neighbour's.
 LitTexels LightChart(const Chart& chart, std::span<const LitSurface> surfaces, std::span<const Lamp> lamps,
-                     const ShadowScene& shadows, Image& page);
+                     const ShadowScene& shadows, const ZoneLight* zones, Image& page);
 
 } // namespace quarvel

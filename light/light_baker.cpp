@@ -72,8 +72,8 @@ struct OpenPage {
 class BakeJob {
  public:
   BakeJob(const Layout& layout, std::span<const LitSurface> surfaces, std::span<const Lamp> lamps,
-          const ShadowScene& shadows, BakedLight& result)
-      : layout_(layout), surfaces_(surfaces), lamps_(lamps), shadows_(shadows), result_(result),
+          const ShadowScene& shadows, const ZoneLight* zones, BakedLight& result)
+      : layout_(layout), surfaces_(surfaces), lamps_(lamps), shadows_(shadows), zones_(zones), result_(result),
         pages_(layout.Pages.size()) {
     for (std::size_t i = 0; i < layout.Charts.size(); ++i) {
       order_.push_back(i);
@@ -133,7 +133,7 @@ class BakeJob {
       for (std::size_t i = 3; i < page.Picture.Values.size(); i += 4)
         page.Picture.Values[i] = 255;
     });
-    const LitTexels lit = LightChart(chart, surfaces_, lamps_, shadows_, page.Picture);
+    const LitTexels lit = LightChart(chart, surfaces_, lamps_, shadows_, zones_, page.Picture);
     texels_ += lit.Count;
     sum_ += lit.Sum;
     if (--page.ChartsLeft > 0) return;
@@ -145,6 +145,7 @@ class BakeJob {
   std::span<const LitSurface> surfaces_;
   std::span<const Lamp> lamps_;
   const ShadowScene& shadows_;
+  const ZoneLight* zones_;
   BakedLight& result_;
   std::vector<OpenPage> pages_;
   std::vector<std::size_t> order_;
@@ -167,13 +168,13 @@ bool IsSoundSurface(const LitSurface& surface) {
 }
 
 BakedLight BakeLight(std::span<const LitSurface> surfaces, std::span<const Lamp> lamps, const ShadowScene& shadows,
-                     const BakeOptions& options, const BakeProgress& progress) {
+                     const BakeOptions& options, const BakeProgress& progress, const ZoneLight* zones) {
   BakedLight result;
   const Layout layout = LayOut(surfaces, shadows, options);
   result.Texel = layout.Texel;
   result.Pieces = PiecesOf(layout);
   const unsigned threads = options.Threads != 0 ? options.Threads : std::max(std::thread::hardware_concurrency(), 1U);
-  BakeJob(layout, surfaces, lamps, shadows, result).Run(threads, progress);
+  BakeJob(layout, surfaces, lamps, shadows, zones, result).Run(threads, progress);
   if (result.Stopped) result.Pages.clear();
   return result;
 }

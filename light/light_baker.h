@@ -3,6 +3,7 @@
 #include "light/lamp.h"
 #include "light/lit_surface.h"
 #include "light/shadow_scene.h"
+#include "light/zone_light.h"
 
 #include <cstdint>
 #include <functional>
@@ -47,9 +48,10 @@ using BakeProgress = std::function<bool(double)>;
 /// True when the surface can be lit and cast shadows: it has an area and no coordinates beyond all levels.
 bool IsSoundSurface(const LitSurface& surface);
 
-/// Computes the light maps of all surfaces that take light. All surfaces must be sound.
+/// Computes the light maps of all surfaces that take light. All surfaces must be sound. `zones` is asked for the
+/// ambient light of those that lie in several.
 BakedLight BakeLight(std::span<const LitSurface> surfaces, std::span<const Lamp> lamps, const ShadowScene& shadows,
-                     const BakeOptions& options, const BakeProgress& progress = {});
+                     const BakeOptions& options, const BakeProgress& progress = {}, const ZoneLight* zones = nullptr);
 
 /// All that lamps and ambience give to one point of a surface with that normal, shadows included, as a texel has it.
 Vector3 LightAtPoint(std::span<const Lamp> lamps, const ShadowScene& shadows, const Vector3& point,

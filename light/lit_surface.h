@@ -17,7 +17,9 @@ struct LitSurface {
   bool BlocksSun = true;   ///< directional lamps
   bool BoundsSolid = true; ///< behind it is solid matter, so that whoever sees its back is inside
   bool SpecialLit = false; ///< takes the light of special-lit lamps and of no others
+  bool IsPortal = false;   ///< parts two zones
   Vector3 Ambient;         ///< light that is everywhere in its zone
+  bool HasZones = false;   ///< may lie in several: each texel looks for its own
 };
 
 } // namespace quarvel

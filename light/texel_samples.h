@@ -25,6 +25,9 @@ class TexelSamples {
 
   /// True when viewers may read the texel.
   bool IsUsed(std::size_t texel) const { return nearest_[texel].Piece >= 0; }
+  /// A point of the surface in the open, at the texel's centre or near it; if there is one.
+  bool HasEye(std::size_t texel) const { return links_[texel] != 0; }
+  const Vector3& EyeOf(std::size_t texel) const { return eyes_[texel]; }
   Vector3 PlaceOf(std::size_t texel) const { return lattice_.ToSpace(OnLattice(texel)); }
 
   /// How much of a texel's surroundings is seen, 0 to 1: of the samples that `known` has for each texel, those in

@@ -3,6 +3,7 @@
 #include "light/light_baker.h"
 
 #include <array>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,13 +21,13 @@ inline constexpr double LeastLight = 0.04;
 /// colours are 0 to 1 each.
 class LevelLight {
  public:
-  /// `ambient` is everywhere.
+  /// `ambient` is wherever none of the zones is that `seeds` are in.
   LevelLight(std::vector<LitSurface> surfaces, std::vector<Lamp> lamps, const Vector3& ambient,
-             SolidMatter matter = SolidMatter());
+             SolidMatter matter = SolidMatter(), std::vector<ZoneSeed> seeds = {});
 
   /// See BakeLight.
   BakedLight Bake(const BakeOptions& options, const BakeProgress& progress) const {
-    return BakeLight(surfaces_, lamps_, shadows_, options, progress);
+    return BakeLight(surfaces_, lamps_, shadows_, options, progress, zones_.get());
   }
 
   /// More light that is everywhere.
@@ -48,10 +49,13 @@ class LevelLight {
   std::array<Vector3, 4> Around(const Vector3& place) const;
 
  private:
+  Vector3 AmbientAt(const Vector3& point, const Vector3& normal) const;
+
   std::vector<LitSurface> surfaces_;
   std::vector<Lamp> lamps_;
   Vector3 ambient_;
   ShadowScene shadows_;
+  std::unique_ptr<ZoneLight> zones_; ///< none when all have the same light
 };
 
 } // namespace quarvel

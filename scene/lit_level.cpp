@@ -147,6 +147,7 @@ LitSurface MakeLitSurface(const std::vector<Vector3>& points, const Vector3& nor
   const bool sound = IsSoundSurface(lit);
   lit.TakesLight = sound && !(flags & SurfaceUnlit);
   lit.BlocksLamps = sound && !(flags & (SurfacePortal | SurfaceMasked | SurfaceTranslucent));
+  lit.IsPortal = sound && (flags & SurfacePortal);
   lit.BlocksSun = lit.BlocksLamps && !(flags & SurfaceFakeBackdrop);
   lit.BoundsSolid = lit.BlocksLamps && !(flags & (SurfaceNonSolid | SurfaceTwoSided));
   return lit;

@@ -42,6 +42,16 @@ void ReadLevelKeys(const TextBlock& block, LevelRecord& info) {
   ReadZoneBlock(block, info.Zone);
 }
 
+/// "(Zone=ZoneInfo'MyLevel.ZoneInfo3',iLeaf=24,ZoneNumber=3)". Solid matter has no number.
+void ReadRegionKeys(const TextBlock& block, RegionRecord& region) {
+  region.Location = GetVectorOr0(block, " Location=");
+  const std::string& text = region.Header.Region;
+  const std::size_t from = text.find('\''), to = text.rfind('\'');
+  if (from == to || text.find("ZoneNumber=") == text.npos) return;
+  region.Zone = text.substr(from + 1, to - from - 1);
+  region.Zone.erase(0, region.Zone.rfind('.') + 1);
+}
+
 } // namespace
 
 ZoneRecord ReadZone(const T3DLevel& level, const ActorBlock& actor) {
@@ -50,6 +60,10 @@ ZoneRecord ReadZone(const T3DLevel& level, const ActorBlock& actor) {
 
 SkyZoneRecord ReadSkyZone(const T3DLevel& level, const ActorBlock& actor) {
   return ReadRecord<SkyZoneRecord>(level, actor, ReadSkyZoneKeys);
+}
+
+RegionRecord ReadRegion(const T3DLevel& level, const ActorBlock& actor) {
+  return ReadRecord<RegionRecord>(level, actor, ReadRegionKeys);
 }
 
 LevelRecord ReadLevel(const T3DLevel& level, const ActorBlock& actor) {

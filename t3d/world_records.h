@@ -48,9 +48,17 @@ struct LevelRecord {
   ZoneBlock Zone;
 };
 
+/// Where an actor stands.
+struct RegionRecord {
+  ActorHeader Header;
+  Vector3 Location;
+  std::string Zone; ///< name of the actor that is its zone; empty when it has none or is in solid matter
+};
+
 /// Each reads the record of one of the level's actors.
 ZoneRecord ReadZone(const T3DLevel& level, const ActorBlock& actor);
 SkyZoneRecord ReadSkyZone(const T3DLevel& level, const ActorBlock& actor);
 LevelRecord ReadLevel(const T3DLevel& level, const ActorBlock& actor);
+RegionRecord ReadRegion(const T3DLevel& level, const ActorBlock& actor);
 
 } // namespace quarvel

@@ -89,6 +89,28 @@ TEST_F(BakedLevelTest, FacesBetweenSemisolidBrushesAreLeftOut) {
   EXPECT_EQ(converted_.Result.Faces, 6 + 5 + 4) << "one looks through a masked shaft";
 }
 
+TEST_F(BakedLevelTest, APortalPartsTheAmbientLightOfTwoZones) {
+  const std::string lampOfLevel =
+      "Begin Actor Class=Light Name=Lamp\n LightRadius=1\n Location=(X=500,Y=500,Z=300)\nEnd Actor\n";
+  const std::string zone =
+      "Begin Actor Class=ZoneInfo Name=Bright\n AmbientBrightness=128\n Location=(Z=-900)\nEnd Actor\n"
+      "Begin Actor Class=PathNode Name=Node\n Region=(Zone=ZoneInfo'MyLevel.Bright',iLeaf=7,"
+      "ZoneNumber=1)\n Location=(X=500,Y=1500,Z=200)\nEnd Actor\n";
+  const auto countBright = [&](const std::string& portal) {
+    Convert(room + lampOfLevel + zone + portal);
+    const std::vector<int> light = LightOfMaps();
+    EXPECT_LT(std::count_if(light.begin(), light.end(), [](int red) { return red > 5 && red < 120; }), 200);
+    return std::count_if(light.begin(), light.end(), [](int red) { return std::abs(red - 128) < 3; });
+  };
+  // Half of floor and ceiling and of two walls, and one more wall, in texels of 16 units with a rim of two.
+  const double inZone = 2 * (66 + 4) * (69 + 2) + 2 * (69 + 2) * (33 + 4) + (66 + 4) * (33 + 4);
+  const std::string portal = test::BoxActor("Portal", test::AddBox({0, 999, 0}, {1050, 1001, 525}),
+                                            " CsgOper=CSG_Add\n PolyFlags=67108865"); // a portal, and invisible
+  EXPECT_NEAR(static_cast<double>(countBright(portal)), inZone, 0.02 * inZone);
+  EXPECT_EQ(converted_.Result.Light.Zones, 1U);
+  EXPECT_GT(static_cast<double>(countBright("")), 1.7 * inZone);
+}
+
 TEST_F(BakedLevelTest, WithoutCarvingTheLevelIsMergedAndBareListsAreLeftAlone) {
   settings_.CheckCarve = false;
   Convert(test::BoxActor("Block", test::AddBox({0, 0, 0}, {100, 100, 100}), " CsgOper=CSG_Add") + lamp);
