@@ -146,7 +146,9 @@ bool AppendByte(std::string& out, const Property& property) {
   return true;
 }
 
-bool AppendAny(std::string& out, const Package& package, const Property& property) {
+} // namespace
+
+bool AppendValue(std::string& out, const Package& package, const Property& property) {
   switch (property.Type) {
   case PropertyType::Byte:
     return AppendByte(out, property);
@@ -177,8 +179,6 @@ bool AppendAny(std::string& out, const Package& package, const Property& propert
   return false;
 }
 
-} // namespace
-
 void AppendPlain(std::string& out, std::string_view text) {
   for (const char c : text)
     out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '_' : c;
@@ -194,13 +194,6 @@ void AppendObject(std::string& out, const Package& package, ObjectRef object) {
   out += '\'';
   AppendPlain(out, name);
   out += '\'';
-}
-
-bool AppendValue(std::string& out, const Package& package, const Property& property) {
-  const std::size_t before = out.size();
-  if (AppendAny(out, package, property)) return true;
-  out.resize(before);
-  return false;
 }
 
 } // namespace quarvel

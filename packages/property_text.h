@@ -16,8 +16,8 @@ void AppendPlain(std::string& out, std::string_view text);
 /// Appends what an object reference is in a level's text: Class'Package.Group.Name', or None.
 void AppendObject(std::string& out, const Package& package, ObjectRef object);
 
-/// Appends a property's value as the editor exports it. False, and nothing appended, when its type or struct is not
-/// known, or its bytes are damaged.
+/// Appends a property's value as the editor exports it. False, with a part of it appended, when its type or struct is
+/// not known, or its bytes are damaged.
 bool AppendValue(std::string& out, const Package& package, const Property& property);
 
 } // namespace quarvel

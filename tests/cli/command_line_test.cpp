@@ -184,7 +184,7 @@ TEST_F(CommandLineTest, KeepsTheRunsSettingsInTheirFile) {
     EXPECT_EQ(folder.Read(name), before);
   }
   // A value that an option cannot have is told, and stays until the option is set.
-  folder.Write("my.ini", "\xEF\xBB\xBF[Quarvel]\r\n; mine\r\n\t Scale=45,5\r\nListBMtypeOut=tiff\r\nOptionFlux=2\r\n"
+  folder.Write("my.ini", "\xEF\xBB\xBF\t[Quarvel]\r\n; mine\r\nScale=45,5\r\nListBMtypeOut=tiff\r\nOptionFlux=2\r\n"
                          "[QuarvelExtra]\r\nCheckConforming=2\r\n");
   EXPECT_EQ(Run({"a.t3d", "--settings", file, "--set", "CheckConforming=0", "--set", "OptionVRML97=-1"}), 0);
   EXPECT_EQ(err_.str(), "quarvel: " + file +

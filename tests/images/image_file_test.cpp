@@ -83,7 +83,7 @@ TEST(Tga, IsReadPlainAndRunLengthEncoded) {
             (std::vector<Rgba>{{255, 0, 0, 9}, {0, 255, 0, 0}}))
       << "alpha that the header does not count";
   EXPECT_EQ(PixelsOf(MadeTga(2, 2, 1, 16, 1, {0, 0xFC, 0xE0, 3}), "tga"), (std::vector<Rgba>{Red, {0, 255, 0, 0}}));
-  for (const Blob& cut : {Blob{0x81, 0, 0, 255, 0x01, 0}, Blob{0x83, 0}, Blob{0x81, 0, 0, 255}})
+  for (const Blob& cut : {Blob{0x81, 0, 0, 255, 0x01, 0}, Blob{0x81, 0, 0, 255, 0x81, 0}, Blob{0x81, 0, 0, 255}})
     EXPECT_TRUE(PixelsOf(MadeTga(10, 4, 1, 24, 0, cut), "tga").empty()) << "truncated";
 }
 
@@ -93,9 +93,9 @@ TEST(Pcx, IsReadWithPaletteAndInPlanes) {
   EXPECT_EQ(PixelsOf(MadePcx(2, 2, 1, {1, 2, 0xC2, 1}, palette), "pcx"), (std::vector<Rgba>{Red, Green, Red, Red}));
   EXPECT_EQ(PixelsOf(MadePcx(2, 1, 3, {0xC1, 0xFF, 0, 0, 0xC1, 0xFF, 0xC2, 0}, {}), "pcx"),
             (std::vector<Rgba>{Red, Green}));
-  Blob plain = MadePcx(2, 1, 1, {2, 0xC2}, palette);
+  Blob plain = MadePcx(2, 1, 1, {0xC2, 2}, palette);
   plain[2] = 0; // no run-length code
-  EXPECT_EQ(PixelsOf(plain, "pcx"), (std::vector<Rgba>{Green, {0, 0, 0, 255}}));
+  EXPECT_EQ(PixelsOf(plain, "pcx"), (std::vector<Rgba>{{0, 0, 0, 255}, Green}));
   Blob greys = MadePcx(2, 1, 1, {0, 0xC1, 0xFF}, {});
   EXPECT_TRUE(PixelsOf(greys, "pcx").empty()) << "without its palette";
   greys[68] = 2;

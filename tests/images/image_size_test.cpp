@@ -39,7 +39,7 @@ TEST(ImageSize, LyingHeadersAreNotBelieved) {
   EXPECT_EQ(ReadImageSize(MadePngHead(60000, 60000), "png"), Size()) << "more than deflate can pack into the file";
   EXPECT_EQ(ReadImageSize(MadePngHead(8, 8, 16, 3), "png"), Size()) << "no 16-bit palettes";
   EXPECT_EQ(ReadImageSize(MadeJpgHead(640, 0, 10), "jpg"), Size());
-  EXPECT_EQ(ReadImageSize(MadeBmp(4, 4, 2, {}, Blob(64)), "bmp"), Size()) << "no bitmap has two bits a pixel";
+  EXPECT_EQ(ReadImageSize(MadeBmp(4, 4, 2, Blob(16), Blob(64)), "bmp"), Size()) << "no bitmap has two bits a pixel";
   EXPECT_EQ(ReadImageSize(MadeBmp(4000, 4000, 24, {}, Blob(64)), "bmp"), Size());
   EXPECT_EQ(ReadImageSize(MadeBmp(-4, 4, 24, {}, Blob(64)), "bmp"), Size());
   EXPECT_EQ(ReadImageSize(MadeTga(10, 30000, 30000, 24, 0, Blob(64)), "tga"), Size());
