@@ -43,17 +43,38 @@ DestinationOptions PageDestination(const DestinationOptions& options) {
   return inside;
 }
 
-/// Images of mesh files stand beside the mesh, or where the level's textures are.
-FindPageFile FindWithTextures(const std::string& searchPath) {
-  const auto index = std::make_shared<std::optional<FileIndex>>();
+/// A library of files, read when it is first asked.
+class FolderLibrary {
+ public:
+  explicit FolderLibrary(std::string searchPath) : searchPath_(std::move(searchPath)) {}
+
+  std::optional<fs::path> Find(const std::string& name) {
+    if (searchPath_.empty()) return std::nullopt;
+    if (!index_) index_.emplace(SplitSearchPath(searchPath_).Existing);
+    for (const IndexedFile& file : index_->Find(StemOf(name)))
+      if (SameText(file.Name, name)) return index_->PathOf(file);
+    return std::nullopt;
+  }
+
+ private:
+  std::string searchPath_;
+  std::optional<FileIndex> index_;
+};
+
+bool IsSoundName(const std::string& name) {
+  const std::string extension = LowerCase(ExtensionOf(name));
+  return extension == "wav" || extension == "mp3" || extension == "ogg";
+}
+
+/// Images and sounds of mesh files stand beside the mesh, or where those of the level are.
+FindPageFile FindWithLibraries(const ConversionSettings& settings) {
+  const auto textures = std::make_shared<FolderLibrary>(settings.TextSearchPathTxt);
+  const auto sounds = std::make_shared<FolderLibrary>(settings.TextSearchPathSnd);
   return [=](std::string_view url, const fs::path& folder) -> std::optional<fs::path> {
     if (auto found = FindBelow(url, folder)) return found;
     const std::string name = Utf8Path(PathOfUtf8(DecodeUrl(url)).filename());
-    if (searchPath.empty() || ImageTypeOfExtension(ExtensionOf(name)) == ImageType::Unknown) return std::nullopt;
-    if (!*index) index->emplace(SplitSearchPath(searchPath).Existing);
-    for (const IndexedFile& file : (*index)->Find(StemOf(name)))
-      if (SameText(file.Name, name)) return (*index)->PathOf(file);
-    return std::nullopt;
+    if (IsSoundName(name)) return sounds->Find(name);
+    return ImageTypeOfExtension(ExtensionOf(name)) == ImageType::Unknown ? std::nullopt : textures->Find(name);
   };
 }
 
@@ -97,7 +118,7 @@ PageRun::~PageRun() {
 fs::path PageRun::Write(const ConversionSettings& settings, const fs::path& sky, const std::string& levelName,
                         Report& findings) {
   const PageInput input{fs::path(SceneFile()).replace_extension(".x3d"), sky, levelName, settings.TextScale,
-                        FindWithTextures(settings.TextSearchPathTxt)};
+                        FindWithLibraries(settings)};
   const MadePage made = MakePage(input, viewer_, findings);
   if (!made.Error.empty()) throw RunFailed{page_.string() + " is not written: " + made.Error};
   if (const std::string why = WriteWholeFile(page_, made.Html, atLink_); !why.empty())

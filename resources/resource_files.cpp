@@ -353,25 +353,37 @@ const MeshFiles& ResourceFiles::FindMesh(std::string_view reference, bool listWh
   const ResourceReference parsed = ParseReference(reference);
   const auto [at, isNew] = meshes_.try_emplace(FoldName(parsed.Text));
   if (parsed.Name.empty()) return at->second;
-  if (isNew) {
-    if (settings_.CheckInlineWRL) at->second.Wrl = LookUpMesh(parsed, "wrl");
-    if (settings_.CheckInlineX3D) at->second.X3d = LookUpMesh(parsed, "x3d");
-  }
+  if (isNew) at->second = LookUpMesh(parsed);
   if (listWhenMissing && !at->second.Found()) NoteMissing(ResourceKind::Mesh, parsed.Text);
   return at->second;
 }
 
-ResourceFile ResourceFiles::LookUpMesh(const ResourceReference& reference, std::string_view extension) {
+/// The two files of a mesh. One that lies elsewhere is no other form of one that lies in the package.
+MeshFiles ResourceFiles::LookUpMesh(const ResourceReference& reference) {
+  const MeshMatch none, wrl = settings_.CheckInlineWRL ? MatchMesh(reference, "wrl") : none;
+  const MeshMatch x3d = settings_.CheckInlineX3D ? MatchMesh(reference, "x3d") : none;
+  const bool onlyWrl = wrl.InPackage && !x3d.InPackage, onlyX3d = x3d.InPackage && !wrl.InPackage;
+  return {CopyMesh(reference, onlyX3d ? none : wrl), CopyMesh(reference, onlyWrl ? none : x3d)};
+}
+
+ResourceFiles::MeshMatch ResourceFiles::MatchMesh(const ResourceReference& reference, std::string_view extension) {
   const std::array<std::string_view, 1> extensions{extension};
   for (const FileIndex* index : {&IndexOf(ResourceKind::Mesh), &SceneFolderIndex()}) {
     const auto isScene = [&](const IndexedFile& file) { return IsSceneFile(index->PathOf(file)); };
     const IndexedFile* file = FindReferenced(*index, reference, Qualified(ResourceKind::Mesh), extensions, isScene);
     if (!file) continue;
-    const FoundFile found = Located(*index, *file);
-    const CopyResult copied = CopyVerbatim(ResourceKind::Mesh, found, reference.Package());
-    return {!IsUnreadable(ResourceKind::Mesh, copied, found, reference.Text), copied.Url, found.Path};
+    const bool isNamed = file->Key.starts_with(FoldName(reference.Package()) + ".");
+    const bool inPackage = !reference.Folders.empty() && (isNamed || !FitOf(*index, *file, reference).OtherPackage);
+    return {Located(*index, *file), inPackage};
   }
   return {};
+}
+
+ResourceFile ResourceFiles::CopyMesh(const ResourceReference& reference, const MeshMatch& match) {
+  if (!match.File) return {};
+  const CopyResult copied = CopyVerbatim(ResourceKind::Mesh, *match.File, reference.Package());
+  const bool found = !IsUnreadable(ResourceKind::Mesh, copied, *match.File, reference.Text);
+  return {found, copied.Url, match.File->Path};
 }
 
 bool ResourceFiles::HasMesh(std::string_view name) {

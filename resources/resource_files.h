@@ -138,7 +138,13 @@ class ResourceFiles {
 
   ResourceFile LookUpSound(const std::string& name, std::string_view reference);
   ResourceFile LookUpPackedSound(const ResourceReference& reference, const std::string& copyName);
-  ResourceFile LookUpMesh(const ResourceReference& reference, std::string_view extension);
+  struct MeshMatch {
+    std::optional<FoundFile> File;
+    bool InPackage = false;
+  };
+  MeshFiles LookUpMesh(const ResourceReference& reference);
+  MeshMatch MatchMesh(const ResourceReference& reference, std::string_view extension);
+  ResourceFile CopyMesh(const ResourceReference& reference, const MeshMatch& match);
   void ClaimSceneFiles(const std::filesystem::path& textScene);
 
   CopyResult CopyVerbatim(ResourceKind kind, const FoundFile& found, const std::string& package);

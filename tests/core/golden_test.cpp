@@ -203,6 +203,7 @@ class Golden : public testing::TestWithParam<const char*> {
     for (const char* mesh : {"Other/Urn.wrl", "Other/Urn.x3d", "Old.wrl", "New.x3d", "Gate-.wrl"})
       library_.Write(mesh, mesh);
     library_.Write("Vase.x3d", "<X3D><Scene><Script DEF='S'/><Group DEF='T'/>"
+                               "<Sound><AudioClip url='\"sounds/Bell.wav\"'/></Sound>"
                                "<ROUTE fromNode='S' fromField='a' toNode='T' toField='b'/>"
                                "<ROUTE fromNode='T' fromField='b' toNode='S' toField='a'/></Scene></X3D>");
     level_ = LevelOf(Name());

@@ -382,6 +382,9 @@ TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverThe
   Write("lib/Base/Crate-.wrl", "a");
   Write("lib/Other/crate-.wrl", "b");
   Write("lib/Other/Crate-.x3d", "c");
+  Write("lib/Base/Crate-.x3d", "f");
+  Write("lib/Base/Single.wrl", "g");
+  Write("lib/Other/Single.x3d", "h");
   Write("lib/Level.wrl", "d");
   Write("out/Torch.x3d", "e");
   Write("out/level.wrl", "the scene");
@@ -389,11 +392,13 @@ TEST_F(ResourceFilesTest, MeshesAreFoundInTheLibraryAndBesideTheSceneButNeverThe
   const MeshFiles& crate = files.FindMesh("Base.Crate-", true);
   EXPECT_EQ(crate.Wrl.Url, "Crate-.wrl");
   EXPECT_EQ(crate.X3d.Url, "Crate-.x3d");
-  EXPECT_EQ(Read("out/Crate-.wrl"), "a");
+  EXPECT_EQ(Read("out/Crate-.wrl") + Read("out/Crate-.x3d"), "af");
+  EXPECT_FALSE(files.FindMesh("Base.Single", true).X3d.Found) << "the mesh of another package";
+  EXPECT_TRUE(files.FindMesh("Third.Single", true).X3d.Found) << "a package without folders of its own";
   EXPECT_EQ(files.FindMesh("Pack.Level", true).Wrl.Url, "Pack.Level.wrl");
   EXPECT_EQ(Read("out/level.wrl"), "the scene");
   EXPECT_TRUE(files.HasMesh("TORCH"));
-  EXPECT_EQ(files.MeshNames(), (Names{"crate-", "level", "torch"}));
+  EXPECT_EQ(files.MeshNames(), (Names{"crate-", "level", "single", "torch"}));
   EXPECT_FALSE(files.FindMesh("Base.None", false).Found());
   EXPECT_TRUE(files.Missing()[ResourceKind::Mesh].empty());
   files.FindMesh("Base.None", true);
