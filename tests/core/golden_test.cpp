@@ -146,12 +146,13 @@ std::string Rooms() {
          BoxActor("Pane", AddBox({800, 300, 0}, {808, 500, 128}), add + flags + "12\n", "glass") +
          BoxActor("Grate", AddBox({100, 100, 0}, {108, 200, 64}), add + flags + "266\n", "grating") +
          BoxActor("Fall", AddBox({1000, 700, 0}, {1024, 900, 400}), add + flags + "1032\n", "fall") +
+         BoxActor("Banner", AddBox({300, 1300, 300}, {308, 1380, 400}), add + flags + "8\n", "planks") +
          BoxActor("Glow", AddBox({300, 1400, 0}, {340, 1440, 40}), add + flags + "4194304\n", "flame") +
          BoxActor("Sign", AddBox({1014, 1000, 200}, {1024, 1100, 300}), add + flags + "1048576\n", "brick") +
          BoxActor("Dent", SubtractBox({500, 1400, 0}, {600, 1500, 60}), subtract + flags + "32\n", "brick") +
          BoxActor("Bare", AddBox({500, 1050, 0}, {700, 1090, 200}), add, "None") +
          BoxActor("Unseen", AddBox({510, 1000, 0}, {560, 1200, 50}), add + flags + "1\n", "metal") +
-         BoxActor("Linked", AddBox({100, 500, 0}, {150, 600, 50}), add + " url=http---example--org\n", "crate") +
+         BoxActor("Linked", AddBox({100, 500, 0}, {150, 600, 50}), add + " url=https---example--org\n", "crate") +
          BoxActor("Far", AddBox({0, 0, 0}, {100, 100, 2e7}), add, "crate") + BoxActor("Gap", gap, subtract, "crate") +
          BoxActor("Water", water, add + flags + "67108868\n", "quay") +
          BoxActor("Door", AddBox({1024, 256, 0}, {1040, 512, 256}), add + flags + "67108872\n", "metal") +
