@@ -95,6 +95,9 @@ Json ObjectOf(const RunResult& result) {
                          {"surfacesAfter", carving.SurfacesAfter},
                          {"openEdges", carving.OpenEdges},
                          {"emptyVolume", carving.EmptyVolume}};
+  if (const BakedLightSummary& light = result.Light; light.Pages > 0)
+    object["light"] = {
+        {"lamps", light.Lamps}, {"zones", light.Zones}, {"texels", light.Texels}, {"pages", light.Pages}};
   if (!IsEmpty(result.Bounds)) object["box"] = {{"min", Corner(result.Bounds.Min)}, {"max", Corner(result.Bounds.Max)}};
   object["findings"] = FindingsOf(result.Findings);
   object["leftOut"] = LeftOutOf(result.Findings);
