@@ -31,19 +31,66 @@ Vector3 NearCorner(const LitSurface& surface, std::size_t corner, const Vector3&
   return AddVector(middle, ScaleVector(SubtractVector(surface.Points[corner], middle), towardsCorner));
 }
 
-using Candidate = std::pair<double, std::size_t>; ///< the square of a distance, and a seed
+BoxTree TreeOf(std::span<const ZoneSeed> seeds) {
+  std::vector<Bounds3> places;
+  for (const ZoneSeed& seed : seeds)
+    places.push_back({seed.Place, seed.Place});
+  return BoxTree(std::move(places));
+}
 
-/// From near to far.
-void KeepNearest(std::vector<Candidate>& candidates, std::size_t count) {
-  const auto middle = candidates.begin() + static_cast<std::ptrdiff_t>(std::min(candidates.size(), count));
-  std::partial_sort(candidates.begin(), middle, candidates.end());
-  candidates.erase(middle, candidates.end());
+/// From a place to a box, which may be a single point.
+double SquareOfDistance(const Vector3& place, const Bounds3& box) {
+  const auto along = [](double at, double from, double to) { return std::max({from - at, at - to, 0.0}); };
+  const Vector3 way{along(place.X, box.Min.X, box.Max.X), along(place.Y, box.Min.Y, box.Max.Y),
+                    along(place.Z, box.Min.Z, box.Max.Z)};
+  return DotProduct(way, way);
+}
+
+/// Whether some of a box lies in front of a plane through the place.
+bool IsInFront(const Bounds3& box, const Vector3& place, const Vector3& normal) {
+  if (normal == Vector3()) return true;
+  const Vector3 foremost{normal.X > 0 ? box.Max.X : box.Min.X, normal.Y > 0 ? box.Max.Y : box.Min.Y,
+                         normal.Z > 0 ? box.Max.Z : box.Min.Z};
+  return DotProduct(SubtractVector(foremost, place), normal) > 0;
 }
 
 } // namespace
 
 ZoneLight::ZoneLight(std::span<const LitSurface> surfaces, std::vector<ZoneSeed> seeds, const Vector3& everywhere)
-    : walls_(WithPortalsClosed(surfaces)), seeds_(std::move(seeds)), everywhere_(everywhere) {}
+    : walls_(WithPortalsClosed(surfaces)), seeds_(std::move(seeds)), places_(TreeOf(seeds_)), everywhere_(everywhere) {}
+
+void ZoneLight::AddSeeds(std::vector<ZoneSeed> seeds) {
+  seeds_.insert(seeds_.end(), seeds.begin(), seeds.end());
+  places_ = TreeOf(seeds_);
+}
+
+std::vector<ZoneLight::Candidate> ZoneLight::Within(double reach, const Vector3& place, const Vector3& normal,
+                                                    std::size_t count) const {
+  std::vector<Candidate> nearest; // a heap, the farthest first
+  const auto mayBeNearer = [&](const Bounds3& box) {
+    const double nearestOfBox = SquareOfDistance(place, box);
+    const double farthest = nearest.size() < count ? reach * reach : nearest.front().first;
+    return nearestOfBox < farthest && IsInFront(box, place, normal);
+  };
+  places_.Search(mayBeNearer, [&](std::size_t seed) {
+    nearest.emplace_back(SquareOfDistance(place, {seeds_[seed].Place, seeds_[seed].Place}), seed);
+    std::push_heap(nearest.begin(), nearest.end());
+    if (nearest.size() <= count) return;
+    std::pop_heap(nearest.begin(), nearest.end());
+    nearest.pop_back();
+  });
+  std::sort_heap(nearest.begin(), nearest.end());
+  return nearest;
+}
+
+std::vector<ZoneLight::Candidate> ZoneLight::Nearest(const Vector3& place, const Vector3& normal,
+                                                     std::size_t count) const {
+  constexpr double firstReach = 256, lastReach = 1e6; // Unreal units; past any level
+  for (double reach = firstReach;; reach *= 4)
+    if (std::vector<Candidate> nearest = Within(reach, place, normal, count);
+        nearest.size() == count || reach > lastReach)
+      return nearest;
+}
 
 bool ZoneLight::Sees(std::size_t seed, const Vector3& point, const Vector3& normal) const {
   const Vector3& place = seeds_[seed].Place;
@@ -53,15 +100,13 @@ bool ZoneLight::Sees(std::size_t seed, const Vector3& point, const Vector3& norm
 std::optional<Vector3> ZoneLight::At(const Vector3& point, const Vector3& normal, Search& search) const {
   if (search.Last < seeds_.size() && Sees(search.Last, point, normal)) return seeds_[search.Last].Ambient;
   std::vector<Candidate> nearest;
-  const auto add = [&](std::size_t seed) {
+  if (search.Among.empty()) nearest = Nearest(point, normal, mostLookedFor);
+  for (const std::size_t seed : search.Among) {
     const Vector3 way = SubtractVector(seeds_[seed].Place, point);
     if (DotProduct(way, normal) > 0) nearest.push_back({DotProduct(way, way), seed});
-  };
-  for (const std::size_t seed : search.Among)
-    add(seed);
-  for (std::size_t seed = 0; search.Among.empty() && seed < seeds_.size(); ++seed)
-    add(seed);
-  KeepNearest(nearest, mostLookedFor);
+  }
+  std::sort(nearest.begin(), nearest.end());
+  nearest.resize(std::min(nearest.size(), mostLookedFor));
   for (const auto& [distance, seed] : nearest) {
     if (!Sees(seed, point, normal)) continue;
     search.Last = seed;
@@ -71,14 +116,8 @@ std::optional<Vector3> ZoneLight::At(const Vector3& point, const Vector3& normal
 }
 
 ZoneLight::Search ZoneLight::Around(const Vector3& place) const {
-  std::vector<Candidate> nearest;
-  for (std::size_t seed = 0; seed < seeds_.size(); ++seed) {
-    const Vector3 way = SubtractVector(seeds_[seed].Place, place);
-    nearest.push_back({DotProduct(way, way), seed});
-  }
-  KeepNearest(nearest, mostAround);
   Search search;
-  for (const auto& [distance, seed] : nearest)
+  for (const auto& [distance, seed] : Nearest(place, {}, mostAround))
     search.Among.push_back(seed);
   return search;
 }
@@ -120,7 +159,7 @@ void ZoneLight::Spread(std::span<LitSurface> surfaces) {
         found.push_back({AddVector(middle, ScaleVector(surface.Normal, aboveSurface)), *ambient});
     }
     if (found.empty()) return;
-    seeds_.insert(seeds_.end(), found.begin(), found.end());
+    AddSeeds(std::move(found));
     open = std::move(rest);
   }
 }

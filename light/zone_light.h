@@ -1,11 +1,13 @@
 #pragma once
 
+#include "csg/box_tree.h"
 #include "light/lit_surface.h"
 #include "light/shadow_scene.h"
 
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace quarvel {
@@ -45,12 +47,18 @@ class ZoneLight {
   void AddAmbient(const Vector3& ambient);
 
  private:
+  using Candidate = std::pair<double, std::size_t>; ///< the square of a distance, and a seed
+  /// The nearest seeds in front of a plane through the place, from near to far; without a normal on all sides.
+  std::vector<Candidate> Nearest(const Vector3& place, const Vector3& normal, std::size_t count) const;
+  std::vector<Candidate> Within(double reach, const Vector3& place, const Vector3& normal, std::size_t count) const;
+  void AddSeeds(std::vector<ZoneSeed> seeds);
   bool Sees(std::size_t seed, const Vector3& point, const Vector3& normal) const;
   std::optional<Vector3> LookFrom(const LitSurface& surface, Search& search) const;
   void Spread(std::span<LitSurface> surfaces);
 
   ShadowScene walls_; ///< portals are walls here
   std::vector<ZoneSeed> seeds_;
+  BoxTree places_; ///< of the seeds
   Vector3 everywhere_;
 };
 
