@@ -2,12 +2,15 @@
 // what it took.
 
 #include "bench/made_rooms.h"
+#include "light/zone_light.h"
 #include "scene/level_light.h"
 #include "scene/lit_level.h"
 #include "t3d/light_records.h"
 
+#include <array>
 #include <benchmark/benchmark.h>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <stdexcept>
 #include <sys/resource.h>
@@ -20,8 +23,8 @@ constexpr int roomsOfLevel = 62, brushesOfRoom = 11, roomsOfRow = 8; // as MakeR
 constexpr double pitch = 1024;
 constexpr int lampsOfLevel = 230;
 
-std::vector<LitSurface> MadeSurfaces() {
-  const CarvedLevel level = CarveLevel(MakeRooms(roomsOfLevel * brushesOfRoom));
+std::vector<LitSurface> MadeSurfaces(int rooms) {
+  const CarvedLevel level = CarveLevel(MakeRooms(rooms * brushesOfRoom));
   std::vector<LitSurface> surfaces;
   for (std::size_t i = 0; i < level.Faces.size(); ++i) {
     surfaces.push_back(MakeLitSurface(PointsOf(level.Mesh, i), level.Faces[i].Plane.Normal, level.Faces[i].Flags));
@@ -46,11 +49,39 @@ std::vector<Lamp> MadeLamps() {
   return lamps;
 }
 
+/// In each room some places in one of two zones.
+std::vector<ZoneSeed> MadeSeeds(int rooms) {
+  std::vector<ZoneSeed> seeds;
+  const int row = static_cast<int>(std::ceil(std::sqrt(rooms))); // as MakeRooms lays them out
+  for (int i = 0; i < rooms * 16; ++i) {
+    const int room = i / 16, place = i % 16;
+    const double light = room % 2 ? 0.2 : 0.1;
+    seeds.push_back(
+        {{room % row * pitch + 100 + 25 * place, room / row * pitch + 260, 200 + 5.0 * place}, {light, light, light}});
+  }
+  return seeds;
+}
+
 /// Seconds of the last run.
 double lastSeconds = 0;
+/// Seconds to tell zones apart in a level, and in one four times as large.
+std::array<double, 2> zoneSeconds{};
+
+void TellZonesApart(benchmark::State& state) {
+  const int times = static_cast<int>(state.range(0)), rooms = roomsOfLevel * times;
+  const std::vector<LitSurface> surfaces = MadeSurfaces(rooms);
+  for (auto _ : state) {
+    std::vector<LitSurface> lit = surfaces;
+    const auto start = std::chrono::steady_clock::now();
+    ZoneLight zones(lit, MadeSeeds(rooms), {});
+    zones.Light(lit);
+    zoneSeconds[times > 1] = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    if (lit.front().Ambient == Vector3()) throw std::runtime_error("no zone is found");
+  }
+}
 
 void Bake(benchmark::State& state) {
-  const std::vector<LitSurface> surfaces = MadeSurfaces();
+  const std::vector<LitSurface> surfaces = MadeSurfaces(roomsOfLevel);
   const std::vector<Lamp> lamps = MadeLamps();
   BakedLight baked;
   for (auto _ : state) {
@@ -73,12 +104,15 @@ double PeakGigabytes() {
 
 int Main(int argc, char** argv) {
   benchmark::RegisterBenchmark("Bake", Bake)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+  benchmark::RegisterBenchmark("TellZonesApart", TellZonesApart)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   benchmark::RunSpecifiedBenchmarks();
   const double memory = PeakGigabytes();
   std::printf("\nseconds to bake %6.2f   wanted: at most 8%s\n", lastSeconds, lastSeconds <= 8 ? "" : "   MISSED");
   std::printf("peak memory, GB %6.2f   wanted: at most 1.5%s\n", memory, memory <= 1.5 ? "" : "   MISSED");
+  const double growth = zoneSeconds[1] / zoneSeconds[0];
+  std::printf("zones, 4 times  %6.2f   wanted: at most 6%s\n", growth, growth <= 6 ? "" : "   MISSED");
   return 0;
 }
 
