@@ -90,10 +90,10 @@ bool TexelSamples::FindEye(std::size_t texel, Vector3& eye) const {
   const double margin = inward / lattice_.Texel;
   const PlanePoint inside = MovedInside(nearest.Point, CenterOf(outline), margin);
   eye = lattice_.ToSpace(center);
-  if (nearest.Distance > 0) {
+  if (nearest.Distance > margin) {
     const Vector3 onPiece = lattice_.ToSpace(inside);
     if (!shadows_.Connected(onPiece, eye, lattice_.Normal) || shadows_.InSolid(eye, lattice_.Normal)) eye = onPiece;
-  } else if (DistanceToEdge(outline, center) < margin) {
+  } else if (nearest.Distance > 0 || DistanceToEdge(outline, center) < margin) {
     eye = lattice_.ToSpace(inside);
   }
   if (!shadows_.InSolid(eye, lattice_.Normal)) return true;

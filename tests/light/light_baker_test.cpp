@@ -120,6 +120,19 @@ TEST(LightBaker, TexelsUnderABlockDoNotDarkenTheFloorAroundIt) {
   }
 }
 
+TEST(LightBaker, TexelsCentredOnAStepDoNotDarkenTheWallAboveIt) {
+  std::vector<LitSurface> room = BoxSides({0, 0, 0}, {600, 600, 300}, true);
+  Append(room, BoxSides({200, 200, 0}, {400, 400, 24}, false));
+  const auto wall = static_cast<int>(room.size());
+  room.push_back(Rectangle({250, 250, 24 + 1e-9}, {0, 0, 150}, {0, 100, 0}));
+  const Lamp lamp = LampAt({60, 300, 120});
+  const BakedScene scene = Bake(room, {lamp});
+  for (double above = 0.5; above < 30; above += 2) {
+    const Vector3 point{250, 300, 24 + above};
+    EXPECT_NEAR(scene.At(wall, point).X, LightFrom(lamp, point, {-1, 0, 0}).X, 12 * byte) << above;
+  }
+}
+
 TEST(LightBaker, CoplanarNeighboursMeetWithoutASeam) {
   std::vector<LitSurface> room = BoxSides({0, 0, 0}, {640, 640, 300}, true);
   room[floorSide] = Rectangle({0, 0, 0}, {203, 0, 0}, {0, 640, 0});
