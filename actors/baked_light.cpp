@@ -50,45 +50,43 @@ Vector3 AmbienceOf(const SceneRun& run) {
   return AmbienceOf(ReadSkyZone(run.Level, *run.Level.ActorsOf(ActorFamily::SkyZone).front()).Zone);
 }
 
-/// The ambient light of zones by the names of their actors.
-class ZoneAmbience {
- public:
-  ZoneAmbience(const T3DLevel& level, const Vector3& everywhere) : level_(level), everywhere_(everywhere) {
-    for (const ActorBlock& actor : level.Actors)
-      if (actor.IsComplete()) actorOf_.emplace(ReadRegion(level, actor).Header.Name, &actor);
-  }
-
-  Vector3 Of(const std::string& zone) const {
-    const auto found = actorOf_.find(zone);
-    const bool isLevel = found == actorOf_.end() || IsOfFamily(found->second->Class, ActorFamily::Level);
-    return isLevel ? everywhere_ : AmbienceOf(ReadZone(level_, *found->second).Zone);
-  }
-
- private:
-  const T3DLevel& level_;
-  Vector3 everywhere_;
-  std::map<std::string, const ActorBlock*> actorOf_;
+/// What a level tells of its zones.
+struct KnownZones {
+  std::vector<ZoneSeed> Seeds; ///< the places of actors; none when all zones have the same light
+  std::size_t Count = 0;       ///< of the zones that have a light of their own
 };
 
-/// The places of actors, with the light of their zones; none when that is the same for all. A brush has its pivot
-/// anywhere, and says nothing. `zones` becomes the number of those with a light of their own.
-std::vector<ZoneSeed> ZonesOf(const SceneRun& run, const Vector3& everywhere, std::size_t& zones) {
-  std::vector<ZoneSeed> seeds;
+/// The ambient light of each zone that is an actor, by its name; the level's own is everywhere else.
+std::map<std::string, Vector3> AmbienceOfZones(const T3DLevel& level) {
+  std::map<std::string, Vector3> ambience;
+  for (const ActorBlock& actor : level.Actors) {
+    if (!actor.IsComplete() || IsOfFamily(actor.Class, ActorFamily::Level)) continue;
+    const ZoneRecord zone = ReadZone(level, actor);
+    ambience.emplace(zone.Header.Name, AmbienceOf(zone.Zone));
+  }
+  return ambience;
+}
+
+/// A brush has its pivot anywhere, and says nothing.
+KnownZones ZonesOf(const SceneRun& run, const Vector3& everywhere) {
+  KnownZones zones;
+  if (run.Part.Kept == ScenePart::Kind::Sky) return zones;
+  const std::map<std::string, Vector3> ambience = AmbienceOfZones(run.Level);
   std::set<std::string> own;
-  if (run.Part.Kept == ScenePart::Kind::Sky) return seeds;
-  const ZoneAmbience ambience(run.Level, everywhere);
   for (const ActorBlock& actor : run.Level.Actors) {
-    if (!actor.IsComplete() || IsOfFamily(actor.Class, ActorFamily::Brush)) continue;
-    if (IsOfFamily(actor.Class, ActorFamily::Mover)) continue;
+    if (!actor.IsComplete() || IsOfFamily(actor.Class, ActorFamily::Brush) ||
+        IsOfFamily(actor.Class, ActorFamily::Mover))
+      continue;
     const RegionRecord region = ReadRegion(run.Level, actor);
     const std::string& zone = actor.Class.ends_with("ZoneInfo") ? region.Header.Name : region.Zone;
     if (zone.empty()) continue;
-    seeds.push_back({region.Location, ambience.Of(zone)});
-    if (seeds.back().Ambient != everywhere) own.insert(zone);
+    const auto known = ambience.find(zone);
+    zones.Seeds.push_back({region.Location.value_or(Vector3()), known == ambience.end() ? everywhere : known->second});
+    if (zones.Seeds.back().Ambient != everywhere) own.insert(zone);
   }
-  zones = own.size();
-  if (own.empty()) seeds.clear();
-  return seeds;
+  zones.Count = own.size();
+  if (own.empty()) zones.Seeds.clear();
+  return zones;
 }
 
 BakedLight BakeWithProgress(SceneRun& run, const LevelLight& light) {
@@ -158,9 +156,10 @@ void BakeLight(SceneRun& run, std::vector<LevelSurface>& surfaces, std::vector<L
   run.Context.User.ShowPass("Baking light");
   const auto start = std::chrono::steady_clock::now();
   const Vector3 ambience = AmbienceOf(run);
-  std::vector<ZoneSeed> seeds = ZonesOf(run, ambience, run.Totals.Light.Zones);
+  KnownZones zones = ZonesOf(run, ambience);
+  run.Totals.Light.Zones = zones.Count;
   run.Light = std::make_unique<LevelLight>(std::move(lit), LampsOf(run.Part, run.Level), ambience, std::move(matter),
-                                           std::move(seeds));
+                                           std::move(zones.Seeds));
   const BakedLight baked = BakeToBeSeen(run, *run.Light);
   run.Context.Materials.SetLightPages(WritePages(run, baked.Pages));
   run.Context.Light = run.Light.get();

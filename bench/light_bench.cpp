@@ -19,9 +19,15 @@ namespace quarvel::bench {
 
 namespace {
 
-constexpr int roomsOfLevel = 62, brushesOfRoom = 11, roomsOfRow = 8; // as MakeRooms lays them out
+constexpr int roomsOfLevel = 62, brushesOfRoom = 11;
 constexpr double pitch = 1024;
 constexpr int lampsOfLevel = 230;
+
+/// A corner of a room, as MakeRooms lays them out.
+Vector3 CornerOfRoom(int room, int rooms) {
+  const int row = static_cast<int>(std::ceil(std::sqrt(rooms)));
+  return {room % row * pitch, room / row * pitch, 0};
+}
 
 std::vector<LitSurface> MadeSurfaces(int rooms) {
   const CarvedLevel level = CarveLevel(MakeRooms(rooms * brushesOfRoom));
@@ -39,8 +45,8 @@ std::vector<Lamp> MadeLamps() {
   for (int i = 0; i < lampsOfLevel; ++i) {
     const int room = i % roomsOfLevel, place = i / roomsOfLevel;
     LightRecord light;
-    light.Location = {room % roomsOfRow * pitch + (place % 2 ? 480 : 190),
-                      room / roomsOfRow * pitch + (place / 2 ? 480 : 260), 280};
+    light.Location =
+        AddVector(CornerOfRoom(room, roomsOfLevel), {place % 2 ? 480.0 : 190.0, place / 2 ? 480.0 : 260.0, 280});
     light.LightRadius = 40;
     light.LightHue = 37 * i % 255;
     light.LightSaturation = 128;
@@ -52,12 +58,11 @@ std::vector<Lamp> MadeLamps() {
 /// In each room some places in one of two zones.
 std::vector<ZoneSeed> MadeSeeds(int rooms) {
   std::vector<ZoneSeed> seeds;
-  const int row = static_cast<int>(std::ceil(std::sqrt(rooms))); // as MakeRooms lays them out
   for (int i = 0; i < rooms * 16; ++i) {
     const int room = i / 16, place = i % 16;
     const double light = room % 2 ? 0.2 : 0.1;
     seeds.push_back(
-        {{room % row * pitch + 100 + 25 * place, room / row * pitch + 260, 200 + 5.0 * place}, {light, light, light}});
+        {AddVector(CornerOfRoom(room, rooms), {100.0 + 25 * place, 260, 200 + 5.0 * place}), {light, light, light}});
   }
   return seeds;
 }

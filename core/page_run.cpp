@@ -5,6 +5,7 @@
 #include "core/run_failure.h"
 #include "images/image_type.h"
 #include "page/page_maker.h"
+#include "page/page_parts.h"
 #include "page/string_field.h"
 #include "resources/file_index.h"
 #include "resources/program_data.h"
@@ -60,11 +61,6 @@ class FolderLibrary {
   std::string searchPath_;
   std::optional<FileIndex> index_;
 };
-
-bool IsSoundName(const std::string& name) {
-  const std::string extension = LowerCase(ExtensionOf(name));
-  return extension == "wav" || extension == "mp3" || extension == "ogg";
-}
 
 /// Images and sounds of mesh files stand beside the mesh, or where those of the level are.
 FindPageFile FindWithLibraries(const ConversionSettings& settings) {

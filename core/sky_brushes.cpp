@@ -3,7 +3,7 @@
 #include "base/ascii_text.h"
 #include "csg/solid_brush.h"
 #include "scene/carved_level.h"
-#include "t3d/record_reading.h"
+#include "t3d/world_records.h"
 
 #include <algorithm>
 #include <optional>
@@ -17,12 +17,6 @@ struct PlacedBrush {
   const ActorBlock* Actor = nullptr;
   CsgBrush Shape;
   Bounds3 Box = InitBounds();
-};
-
-/// An actor of which only the place counts.
-struct PlacedActor {
-  ActorHeader Header;
-  std::optional<Vector3> Location;
 };
 
 bool IsWithin(const Bounds3& box, const Vector3& point, double margin) {
@@ -63,12 +57,9 @@ std::optional<BrushTree> RoomAround(const std::vector<PlacedBrush>& brushes, con
 
 /// Whether an actor that is none of the sky stands in the room: then it is more than a sky.
 bool HoldsOthers(const T3DLevel& level, const BrushTree& room) {
-  const auto read = [](const TextBlock& block, PlacedActor& actor) {
-    if (block.Find(" Location=") != 0) actor.Location = GetVectorOr0(block, " Location=");
-  };
   return std::any_of(level.Actors.begin(), level.Actors.end(), [&](const ActorBlock& block) {
     if (!block.IsComplete() || SameText(block.Class, "Brush")) return false;
-    const auto actor = ReadRecord<PlacedActor>(level, block, read);
+    const RegionRecord actor = ReadRegion(level, block);
     return actor.Location && !actor.Header.Region.empty() && !actor.Header.IsSkyZone && room.Contains(*actor.Location);
   });
 }

@@ -44,10 +44,10 @@ class ChartLighter {
   }
 
   /// Gives each texel the ambient light of its own zone, or what is everywhere.
-  void TellZonesApart(const ZoneLight& zones, const Vector3& everywhere) {
+  void TellZonesApart(const ZoneLight& zones) {
     ZoneLight::Search search = zones.Around(samples_.PlaceOf(texels_.size() / 2));
     for (std::size_t i = 0; i < texels_.size(); ++i)
-      if (samples_.HasEye(i)) texels_[i] = zones.At(samples_.EyeOf(i), normal_, search).value_or(everywhere);
+      if (samples_.HasEye(i)) texels_[i] = zones.At(samples_.EyeOf(i), normal_, search).value_or(zones.Everywhere());
   }
 
   LitTexels Run(Image& page) {
@@ -156,7 +156,7 @@ LitTexels LightChart(const Chart& chart, std::span<const LitSurface> surfaces, s
   ChartLighter lighter(chart, surfaceOf(chart.Pieces.front()), lamps, shadows);
   if (zones && std::any_of(chart.Pieces.begin(), chart.Pieces.end(),
                            [&](const ChartPiece& piece) { return surfaceOf(piece).HasZones; }))
-    lighter.TellZonesApart(*zones, zones->Everywhere());
+    lighter.TellZonesApart(*zones);
   return lighter.Run(page);
 }
 

@@ -22,4 +22,10 @@ struct LitSurface {
   bool HasZones = false;   ///< may lie in several: each texel looks for its own
 };
 
+/// A point above that of a surface with this normal, clear of the rounding of the surface's plane: rays begin there.
+inline Vector3 Lifted(const Vector3& point, const Vector3& normal) {
+  constexpr double lift = 0.25; // Unreal units
+  return AddVector(point, ScaleVector(normal, lift));
+}
+
 } // namespace quarvel

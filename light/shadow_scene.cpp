@@ -1,7 +1,5 @@
 #include "light/shadow_scene.h"
 
-#include "light/texel_lattice.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <embree3/rtcore.h>
@@ -13,23 +11,15 @@ namespace quarvel {
 
 namespace {
 
-// Unreal units. Rays begin above their surface, clear of the rounding of its plane, and end before their lamp, which
-// may touch the surface that it hangs on.
-constexpr double lift = 0.25;
+// Unreal units. Rays end before their lamp, which may touch the surface that it hangs on.
 constexpr double gapAtLamp = 0.5;
 constexpr double farAway = 1e6;
-
-// Where a surface is looked at: Unreal units from point to point, points along a side at most, and Unreal units from
-// the outline, on which a wall may stand.
-constexpr double betweenPoints = 8, mostPoints = 128, fromOutline = 0.5;
 
 constexpr unsigned castsShadow = 1, boundsSolid = 2;
 
 unsigned MaskOf(const LitSurface& surface) {
   return (surface.BlocksLamps ? castsShadow : 0) | (surface.BoundsSolid ? boundsSolid : 0);
 }
-
-Vector3 Lifted(const Vector3& point, const Vector3& normal) { return AddVector(point, ScaleVector(normal, lift)); }
 
 /// The triangles that lie behind one mask, and the surface of each.
 struct TriangleMesh {
@@ -232,27 +222,6 @@ bool ShadowScene::InSolid(const Vector3& point, const Vector3& normal) const {
   if (matter_.Contains(Lifted(point, normal))) return true;
   const unsigned first = FirstOnWay(rays_->OfSolids, Lifted(point, normal), ScaleVector(normal, farAway));
   return first != RTC_INVALID_GEOMETRY_ID && DotProduct(rays_->OfSolids.NormalOf(first), normal) > 0;
-}
-
-bool ShadowScene::IsBuried(const LitSurface& surface) const {
-  const TexelLattice lattice =
-      MakeLattice(surface.Normal, DotProduct(surface.Points[0], surface.Normal), betweenPoints);
-  PlanePolygon outline;
-  for (const Vector3& point : surface.Points)
-    outline.push_back(lattice.ToPlane(point));
-  const PlanePoint center = CenterOf(outline);
-  const auto isBuried = [&](const PlanePoint& point) {
-    const PlanePoint inside = MovedInside(point, center, fromOutline / betweenPoints);
-    return matter_.Contains(Lifted(lattice.ToSpace(inside), lattice.Normal));
-  };
-  if (!isBuried(center)) return false;
-  const PlaneBox box = BoxOf(outline);
-  const double step = std::max({1.0, (box.MaxU - box.MinU) / mostPoints, (box.MaxV - box.MinV) / mostPoints});
-  for (double u = box.MinU; u < box.MaxU + step; u += step)
-    for (double v = box.MinV; v < box.MaxV + step; v += step)
-      if (const PlanePoint nearest = NearestPointOf(outline, {u, v}); DistanceOf(nearest, {u, v}) <= step)
-        if (!isBuried(nearest)) return false;
-  return true;
 }
 
 } // namespace quarvel

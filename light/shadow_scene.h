@@ -37,9 +37,6 @@ class ShadowScene {
   /// True when the point of a surface with that normal is inside solid matter.
   bool InSolid(const Vector3& point, const Vector3& normal) const;
 
-  /// True when solid matter that does not bound the level's space lies on all of the surface: nobody can see it.
-  bool IsBuried(const LitSurface& surface) const;
-
  private:
   struct Rays;
   std::unique_ptr<Rays> rays_;

@@ -2,6 +2,7 @@
 
 #include "csg/box_tree.h"
 #include "csg/brush_tree.h"
+#include "light/lit_surface.h"
 
 #include <vector>
 
@@ -19,6 +20,9 @@ class SolidMatter {
   explicit SolidMatter(std::vector<Body> bodies = {});
 
   bool Contains(const Vector3& point) const;
+
+  /// True when it lies on all of the surface: nobody can see that.
+  bool Covers(const LitSurface& surface) const;
 
  private:
   std::vector<Body> bodies_;

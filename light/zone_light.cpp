@@ -97,16 +97,22 @@ bool ZoneLight::Sees(std::size_t seed, const Vector3& point, const Vector3& norm
   return DotProduct(SubtractVector(place, point), normal) > 0 && walls_.Connected(point, place, normal);
 }
 
-std::optional<Vector3> ZoneLight::At(const Vector3& point, const Vector3& normal, Search& search) const {
-  if (search.Last < seeds_.size() && Sees(search.Last, point, normal)) return seeds_[search.Last].Ambient;
+std::vector<ZoneLight::Candidate> ZoneLight::NearestAmong(const std::vector<std::size_t>& seeds, const Vector3& place,
+                                                          const Vector3& normal) const {
   std::vector<Candidate> nearest;
-  if (search.Among.empty()) nearest = Nearest(point, normal, mostLookedFor);
-  for (const std::size_t seed : search.Among) {
-    const Vector3 way = SubtractVector(seeds_[seed].Place, point);
+  for (const std::size_t seed : seeds) {
+    const Vector3 way = SubtractVector(seeds_[seed].Place, place);
     if (DotProduct(way, normal) > 0) nearest.push_back({DotProduct(way, way), seed});
   }
   std::sort(nearest.begin(), nearest.end());
   nearest.resize(std::min(nearest.size(), mostLookedFor));
+  return nearest;
+}
+
+std::optional<Vector3> ZoneLight::At(const Vector3& point, const Vector3& normal, Search& search) const {
+  if (search.Last < seeds_.size() && Sees(search.Last, point, normal)) return seeds_[search.Last].Ambient;
+  const std::vector<Candidate> nearest =
+      search.Among.empty() ? Nearest(point, normal, mostLookedFor) : NearestAmong(search.Among, point, normal);
   for (const auto& [distance, seed] : nearest) {
     if (!Sees(seed, point, normal)) continue;
     search.Last = seed;

@@ -51,6 +51,8 @@ class ZoneLight {
   /// The nearest seeds in front of a plane through the place, from near to far; without a normal on all sides.
   std::vector<Candidate> Nearest(const Vector3& place, const Vector3& normal, std::size_t count) const;
   std::vector<Candidate> Within(double reach, const Vector3& place, const Vector3& normal, std::size_t count) const;
+  std::vector<Candidate> NearestAmong(const std::vector<std::size_t>& seeds, const Vector3& place,
+                                      const Vector3& normal) const;
   void AddSeeds(std::vector<ZoneSeed> seeds);
   bool Sees(std::size_t seed, const Vector3& point, const Vector3& normal) const;
   std::optional<Vector3> LookFrom(const LitSurface& surface, Search& search) const;

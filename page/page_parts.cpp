@@ -33,13 +33,17 @@ std::string MediaType(ImageType type) {
   return type == ImageType::Jpg ? "image/jpeg" : "image/" + std::string(ExtensionOf(type));
 }
 
-/// Browsers tell sounds by their content; the type only has to be one for sounds.
-std::string SoundType(const std::string& extension) {
+/// Empty for what is no sound.
+std::string SoundType(const std::string& name) {
+  const std::string extension = LowerCase(ExtensionOf(name));
   if (extension == "mp3") return "audio/mpeg";
-  return extension == "ogg" || extension == "oga" ? "audio/ogg" : "audio/wav";
+  if (extension == "ogg" || extension == "oga") return "audio/ogg";
+  return extension == "wav" ? "audio/wav" : "";
 }
 
 } // namespace
+
+bool IsSoundName(const std::string& name) { return !SoundType(name).empty(); }
 
 std::string PageParts::NextName(std::string_view extension) {
   return "page-" + std::to_string(++count_) + "." + std::string(extension);
@@ -78,8 +82,9 @@ std::string PageParts::AddSound(const fs::path& file) {
     return {};
   }
   at->second = NextName("sound");
-  const std::string type = SoundType(LowerCase(ExtensionOf(Utf8Path(file))));
-  parts_.push_back({"sound", at->second, DataUri(type, *bytes)});
+  // Browsers tell sounds by their content; the type only has to be one for sounds.
+  const std::string type = SoundType(Utf8Path(file));
+  parts_.push_back({"sound", at->second, DataUri(type.empty() ? "audio/wav" : type, *bytes)});
   return at->second;
 }
 

@@ -17,6 +17,9 @@ struct PagePart {
   std::string Content;   ///< in base64: a gzip file, or after "data:...;base64," the bytes as they are
 };
 
+/// Whether a file of this name is a sound that browsers play.
+bool IsSoundName(const std::string& name);
+
 /// The files that a page takes in, each once, under names of its own: no name of a level's stands in the page.
 class PageParts {
  public:

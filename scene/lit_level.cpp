@@ -191,11 +191,10 @@ SolidMatter MakeSolidMatter(const SceneContext& context, std::span<const LevelBr
 }
 
 void RemoveBuried(const SolidMatter& matter, std::vector<LevelSurface>& surfaces, std::vector<LitSurface>& lit) {
-  const ShadowScene shadows({}, matter);
   std::vector<LevelSurface> seen;
   std::vector<LitSurface> seenLit;
   for (std::size_t i = 0; i < lit.size(); ++i) {
-    if (lit[i].TakesLight && shadows.IsBuried(lit[i])) continue;
+    if (lit[i].TakesLight && matter.Covers(lit[i])) continue;
     if (i < surfaces.size()) seen.push_back(std::move(surfaces[i]));
     seenLit.push_back(std::move(lit[i]));
   }

@@ -1,5 +1,6 @@
 #include "t3d/world_records.h"
 
+#include "base/reference.h"
 #include "t3d/record_reading.h"
 
 namespace quarvel {
@@ -44,12 +45,12 @@ void ReadLevelKeys(const TextBlock& block, LevelRecord& info) {
 
 /// "(Zone=ZoneInfo'MyLevel.ZoneInfo3',iLeaf=24,ZoneNumber=3)". Solid matter has no number.
 void ReadRegionKeys(const TextBlock& block, RegionRecord& region) {
-  region.Location = GetVectorOr0(block, " Location=");
-  const std::string& text = region.Header.Region;
-  const std::size_t from = text.find('\''), to = text.rfind('\'');
-  if (from == to || text.find("ZoneNumber=") == text.npos) return;
-  region.Zone = text.substr(from + 1, to - from - 1);
-  region.Zone.erase(0, region.Zone.rfind('.') + 1);
+  if (block.Find(" Location=") != 0) region.Location = GetVectorOr0(block, " Location=");
+  constexpr std::string_view key = "(Zone=";
+  const std::string_view text = region.Header.Region;
+  if (!text.starts_with(key) || text.find("ZoneNumber=") == text.npos) return;
+  const std::string_view zone = ReferenceName(text.substr(key.size(), text.find(',') - key.size()));
+  if (zone != "None") region.Zone = zone;
 }
 
 } // namespace

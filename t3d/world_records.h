@@ -3,6 +3,7 @@
 #include "t3d/class_defaults.h"
 #include "t3d/level.h"
 
+#include <optional>
 #include <string>
 
 namespace quarvel {
@@ -51,8 +52,8 @@ struct LevelRecord {
 /// Where an actor stands.
 struct RegionRecord {
   ActorHeader Header;
-  Vector3 Location;
-  std::string Zone; ///< name of the actor that is its zone; empty when it has none or is in solid matter
+  std::optional<Vector3> Location; ///< Unreal units; none when the text has none, which the editor leaves out at 0
+  std::string Zone;                ///< name of the actor that is its zone; empty when it has none or is in solid matter
 };
 
 /// Each reads the record of one of the level's actors.

@@ -216,13 +216,14 @@ TEST(ShadowScene, KnowsTheMatterThatStandsOnSurfaces) {
     const PreparedBrush prepared = PrepareBrush(brush);
     bodies.push_back({prepared.Box, *prepared.Tree});
   }
-  const ShadowScene shadows(BoxSides({0, 0, 0}, {500, 500, 250}, true), SolidMatter(bodies));
+  const SolidMatter matter(bodies);
+  const ShadowScene shadows(BoxSides({0, 0, 0}, {500, 500, 250}, true), matter);
   const Vector3 up{0, 0, 1};
   EXPECT_TRUE(shadows.InSolid({150, 150, 0}, up)) << "though floor and ceiling see each other";
   EXPECT_FALSE(shadows.InSolid({202, 150, 0}, up));
-  EXPECT_TRUE(shadows.IsBuried(Rectangle({120, 120, 100}, {0, 60, 0}, {60, 0, 0})));
-  EXPECT_TRUE(shadows.IsBuried(Rectangle({120, 120, 100}, {60, 0, 0}, {0, 60, 0})));
-  EXPECT_FALSE(shadows.IsBuried(Rectangle({120, 120, 100}, {60, 0, 0}, {0, 63, 0})));
+  EXPECT_TRUE(matter.Covers(Rectangle({120, 120, 100}, {0, 60, 0}, {60, 0, 0})));
+  EXPECT_TRUE(matter.Covers(Rectangle({120, 120, 100}, {60, 0, 0}, {0, 60, 0})));
+  EXPECT_FALSE(matter.Covers(Rectangle({120, 120, 100}, {60, 0, 0}, {0, 63, 0})));
 }
 
 } // namespace
